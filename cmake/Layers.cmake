@@ -1,0 +1,23 @@
+# A layer is one folder: every source in it, and the layers below that it may see. A folder
+# without sources yet is no target's business, so its layer is then an empty interface.
+#
+# Headers are included by the path from the project's root ("softchip/SoftChip.h"); that includes
+# only go down is checked by script/check-layers.
+function(vyn_layer name)
+    cmake_parse_arguments(ARG "SHARED" "" "USES;LIBRARIES" ${ARGN})
+    file(GLOB sources CONFIGURE_DEPENDS ${CMAKE_CURRENT_SOURCE_DIR}/*.cpp)
+    list(FILTER sources EXCLUDE REGEX "/main\\.cpp$")
+    if(NOT sources)
+        add_library(${name} INTERFACE)
+        target_link_libraries(${name} INTERFACE ${ARG_USES})
+        return()
+    endif()
+    if(ARG_SHARED)
+        add_library(${name} SHARED ${sources})
+    else()
+        add_library(${name} STATIC ${sources})
+    endif()
+    target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
+    target_link_libraries(${name}
+        PUBLIC ${ARG_USES} PRIVATE $<BUILD_INTERFACE:VynCompile> ${ARG_LIBRARIES})
+endfunction()

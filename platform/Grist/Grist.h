@@ -1,0 +1,52 @@
+// Slab allocator of the object framework.
+//
+// Blocks of one size class come from slabs and go back to that class's free list; a slab is never
+// returned to the system, so a collection that shrinks and grows again costs no system call.
+// Blocks larger than `largestBlock` bytes are the general allocator's.
+//
+// Threads: one thread only, the event thread. Under AddressSanitizer every block is the general
+// allocator's, so that use after release is seen.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+#include "VynExport.h"
+
+namespace Grist {
+
+inline constexpr std::size_t largestBlock = 512;
+
+// A block of at least `size` bytes, aligned for any scalar type. Never null.
+// Errors: std::bad_alloc, with nothing changed.
+VYN_EXPORT void* allocate(std::size_t size);
+
+// Gives back a block of allocate(size). A null block is ignored. Never fails.
+VYN_EXPORT void deallocate(void* block, std::size_t size) noexcept;
+
+// Blocks that are handed out at this moment, large ones included.
+VYN_EXPORT std::uint64_t liveBlocks() noexcept;
+
+// Bytes of slabs taken from the system so far.
+VYN_EXPORT std::uint64_t slabBytes() noexcept;
+
+// The standard library's allocator interface over allocate() and deallocate().
+template <class T>
+class Allocator {
+  public:
+    using value_type = T;
+
+    Allocator() noexcept = default;
+    template <class U>
+    Allocator(Allocator<U> const&) noexcept {}
+
+    T* allocate(std::size_t n) {
+        static_assert(alignof(T) <= alignof(std::max_align_t));
+        return static_cast<T*>(Grist::allocate(n * sizeof(T)));
+    }
+    void deallocate(T* block, std::size_t n) noexcept { Grist::deallocate(block, n * sizeof(T)); }
+
+    friend bool operator==(Allocator, Allocator) noexcept { return true; }
+};
+
+}  // namespace Grist

@@ -1,0 +1,7 @@
+// The one export annotation: what is marked with it is part of a shared library's interface.
+//
+// Everything else is hidden, so that the switches, registries and identities that must exist once
+// in a process are not duplicated by a plug-in that happens to instantiate the same inline code.
+#pragma once
+
+#define VYN_EXPORT __attribute__((visibility("default")))
