@@ -1,0 +1,72 @@
+#include "Vanta/Assert.h"
+
+#include <cxxabi.h>
+#include <unistd.h>
+
+#include <cstdlib>
+#include <exception>
+#include <string>
+#include <typeinfo>
+
+namespace Vanta {
+namespace {
+
+void writeLine(std::string_view first, std::string_view second) noexcept {
+    // One write, so that lines of two dying threads do not mix.
+    char line[512];
+    std::size_t size = 0;
+    for (std::string_view part : {first, second}) {
+        size += part.copy(line + size, sizeof line - 1 - size);
+    }
+    line[size++] = '\n';
+    [[maybe_unused]] ssize_t const written = ::write(STDERR_FILENO, line, size);
+}
+
+void abortProcess(std::string_view errorClass, std::string_view text) {
+    if (errorClass != "assert") {
+        std::string const prefix = "uncaught " + std::string(errorClass) + ": ";
+        writeLine(prefix, text);
+    }
+    std::abort();
+}
+
+LastStep lastStep = abortProcess;
+
+std::string classNameOf(std::exception const& error) {
+    int status = 0;
+    char* demangled = abi::__cxa_demangle(typeid(error).name(), nullptr, nullptr, &status);
+    std::string name = status == 0 ? demangled : typeid(error).name();
+    std::free(demangled);
+    std::size_t const scope = name.rfind("::");
+    return scope == std::string::npos ? name : name.substr(scope + 2);
+}
+
+}  // namespace
+
+LastStep lastStepIs(LastStep step) noexcept {
+    LastStep const previous = lastStep;
+    lastStep = step != nullptr ? step : abortProcess;
+    return previous;
+}
+
+void endProcess(std::string_view errorClass, std::string_view text) noexcept {
+    lastStep(errorClass, text);
+    std::abort();
+}
+
+void endProcessWithCurrentException() noexcept {
+    try {
+        throw;
+    } catch (std::exception const& error) {
+        endProcess(classNameOf(error), error.what());
+    } catch (...) {
+        endProcess("unknown", "an exception that is no std::exception");
+    }
+}
+
+void assertionFailed(std::string_view expression) noexcept {
+    writeLine("assertion failed: ", expression);
+    endProcess("assert", expression);
+}
+
+}  // namespace Vanta

@@ -1,0 +1,201 @@
+#include "Vanta/Publisher.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <vector>
+
+namespace {
+
+using Vanta::AttributeNumber;
+using Vanta::Publisher;
+using Vanta::Subscriber;
+using Vanta::ValueRef;
+
+// A subscriber that notes its name and then does what the test wants.
+struct Listener {
+    Listener(std::string ownName, std::vector<std::string>& sharedLog)
+        : name(std::move(ownName)), log(sharedLog) {}
+
+    void listen(Publisher const& publisher) {
+        subscriber.subscribe<&Listener::dispatch>(publisher, this);
+    }
+    void dispatch(Publisher const&, Subscriber&, AttributeNumber attribute, ValueRef, ValueRef) {
+        log.push_back(name + std::to_string(attribute));
+        if (reaction) {
+            reaction();
+        }
+    }
+
+    std::string name;
+    std::vector<std::string>& log;
+    std::function<void()> reaction;
+    Subscriber subscriber;
+};
+
+struct Delivery : testing::Test {
+    Delivery() {
+        a.listen(*publisher);
+        b.listen(*publisher);
+        c.listen(*publisher);
+    }
+
+    std::unique_ptr<Publisher> publisher = std::make_unique<Publisher>(nullptr);
+    std::vector<std::string> log;
+    Listener a{"a", log};
+    Listener b{"b", log};
+    Listener c{"c", log};
+};
+
+using Log = std::vector<std::string>;
+
+TEST_F(Delivery, FollowsTheOrderOfSubscription) {
+    publisher->publish(1);
+    EXPECT_EQ(log, (Log{"a1", "b1", "c1"}));
+}
+
+TEST_F(Delivery, PutsASubscriberThatCameBackLast) {
+    a.listen(*publisher);
+    publisher->publish(1);
+    EXPECT_EQ(log, (Log{"b1", "c1", "a1"}));
+}
+
+TEST_F(Delivery, SkipsASubscriberThatGoesBeforeItsTurn) {
+    a.reaction = [&] { b.subscriber.unsubscribe(); };
+    publisher->publish(1);
+    EXPECT_EQ(log, (Log{"a1", "c1"}));
+}
+
+TEST_F(Delivery, GoesOnAfterASubscriberThatLeavesInItsOwnTurn) {
+    b.reaction = [&] { b.subscriber.unsubscribe(); };
+    publisher->publish(1);
+    publisher->publish(2);
+    EXPECT_EQ(log, (Log{"a1", "b1", "c1", "a2", "c2"}));
+}
+
+TEST_F(Delivery, LeavesOutASubscriberThatArrivesMeanwhile) {
+    Listener late("d", log);
+    a.reaction = [&] {
+        if (!late.subscriber.subscribed()) {
+            late.listen(*publisher);
+        }
+    };
+    publisher->publish(1);
+    EXPECT_EQ(log, (Log{"a1", "b1", "c1"}));
+    publisher->publish(2);
+    EXPECT_EQ(log.back(), "d2");
+}
+
+TEST_F(Delivery, LeavesOutASubscriberThatSubscribesAgainMeanwhile) {
+    a.reaction = [&] { c.listen(*publisher); };
+    publisher->publish(1);
+    EXPECT_EQ(log, (Log{"a1", "b1"}));
+}
+
+TEST_F(Delivery, StopsWhenThePublisherGoes) {
+    a.reaction = [&] { publisher.reset(); };
+    publisher->publish(1);
+    EXPECT_EQ(log, (Log{"a1"}));
+    EXPECT_FALSE(b.subscriber.subscribed());
+}
+
+TEST_F(Delivery, StopsAllNestedDeliveriesWhenThePublisherGoes) {
+    a.reaction = [&] {
+        if (log.size() == 1) {
+            publisher->publish(2);
+        } else {
+            publisher.reset();
+        }
+    };
+    publisher->publish(1);
+    EXPECT_EQ(log, (Log{"a1", "a2"}));
+}
+
+TEST_F(Delivery, IsDepthFirst) {
+    b.reaction = [&] {
+        if (log.back() == "b1") {
+            publisher->publish(2);
+        }
+    };
+    publisher->publish(1);
+    EXPECT_EQ(log, (Log{"a1", "b1", "a2", "b2", "c2", "c1"}));
+}
+
+TEST_F(Delivery, KeepsItsPlaceWhenAnInnerDeliveryRemovesTheNextSubscriber) {
+    a.reaction = [&] {
+        if (log.size() == 1) {
+            publisher->publish(2);
+        } else {
+            b.subscriber.unsubscribe();
+        }
+    };
+    publisher->publish(1);
+    EXPECT_EQ(log, (Log{"a1", "a2", "c2", "c1"}));
+}
+
+TEST_F(Delivery, TellsTheTapBeforeAnySubscriber) {
+    Vanta::tapIs(
+        [](void* context, Publisher const&, AttributeNumber attribute, ValueRef, ValueRef) {
+            static_cast<Log*>(context)->push_back("tap" + std::to_string(attribute));
+        },
+        &log);
+    publisher->publish(7);
+    Vanta::tapIs(nullptr, nullptr);
+    EXPECT_EQ(log, (Log{"tap7", "a7", "b7", "c7"}));
+}
+
+TEST_F(Delivery, TellsTheTapAlsoWithoutSubscribers) {
+    Publisher lonely(nullptr);
+    Vanta::tapIs(
+        [](void* context, Publisher const&, AttributeNumber, ValueRef, ValueRef) {
+            static_cast<Log*>(context)->push_back("tap");
+        },
+        &log);
+    lonely.publish(7);
+    Vanta::tapIs(nullptr, nullptr);
+    EXPECT_EQ(log, (Log{"tap"}));
+}
+
+TEST(Subscriber, UnsubscribesWhenItIsDestroyed) {
+    Publisher publisher(nullptr);
+    Log log;
+    {
+        Listener gone("a", log);
+        gone.listen(publisher);
+    }
+    publisher.publish(1);
+    EXPECT_TRUE(log.empty());
+}
+
+TEST(Publisher, HandsKeyAndOldValueToTheSubscriber) {
+    Publisher publisher(nullptr);
+    struct Receiver {
+        void dispatch(Publisher const&, Subscriber&, AttributeNumber, ValueRef key, ValueRef old) {
+            text = key.get<std::string>() + ":" + std::to_string(old.get<int>());
+        }
+        std::string text;
+        Subscriber subscriber;
+    } receiver;
+    receiver.subscriber.subscribe<&Receiver::dispatch>(publisher, &receiver);
+    publisher.publish(1, ValueRef::to(std::string("key")), ValueRef::to(7));
+    EXPECT_EQ(receiver.text, "key:7");
+}
+
+TEST(PublisherDeathTest, EndsTheProcessOnAnExceptionOfASubscriber) {
+    Publisher publisher(nullptr);
+    Log log;
+    Listener thrower("a", log);
+    thrower.reaction = [] { throw std::runtime_error("no way on"); };
+    thrower.listen(publisher);
+    EXPECT_DEATH(publisher.publish(1), "uncaught runtime_error: no way on");
+}
+
+TEST(ValueRefDeathTest, EndsTheProcessWhenAskedForAnotherType) {
+    int const value = 1;
+    ValueRef const ref = ValueRef::to(value);
+    EXPECT_DEATH(static_cast<void>(ref.get<long>()), "holds");
+}
+
+}  // namespace
