@@ -1,0 +1,99 @@
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <span>
+#include <string>
+
+#include "softchip/Addresses.h"
+
+// The chip's parser: from a frame's bytes to the fields that the pipeline matches and forwards on.
+//
+// Any bytes get an answer, and no byte beyond the frame's end is read. What is broken is told by
+// layer: without the whole Ethernet part (addresses, tags, EtherType) there is no frame; behind a
+// broken IP or ARP header, or one that its EtherType did not promise, a frame is still one that a
+// bridge forwards.
+namespace SoftChip {
+
+constexpr std::uint16_t etherTypeIpv4 = 0x0800;
+constexpr std::uint16_t etherTypeArp = 0x0806;
+constexpr std::uint16_t etherTypeVlan = 0x8100;
+constexpr std::uint16_t etherTypeIpv6 = 0x86dd;
+constexpr std::uint16_t etherTypeServiceVlan = 0x88a8;
+
+constexpr std::uint8_t protocolIcmp = 1;
+constexpr std::uint8_t protocolTcp = 6;
+constexpr std::uint8_t protocolUdp = 17;
+constexpr std::uint8_t protocolIcmpv6 = 58;
+
+struct VlanTag {
+    std::uint16_t tpid = 0;
+    std::uint16_t vlan = 0;  // 0 to 4095
+    std::uint8_t priority = 0;
+    bool dropEligible = false;
+};
+
+enum class L2Fault : std::uint8_t { none, tooShort, tagTooShort };
+
+enum class L3 : std::uint8_t { none, arp, ipv4, ipv6 };
+
+// Why an IP or ARP header is not to be believed.
+enum class L3Fault : std::uint8_t {
+    none,
+    truncated,     // the header, or what its length field counts, is not all there
+    version,       // the version is not the EtherType's
+    headerLength,  // an IPv4 header length below five words
+    totalLength,   // an IPv4 total length below the header's
+    checksum,      // an IPv4 header checksum that does not add up
+    arpForm,       // ARP for other than Ethernet and IPv4
+};
+
+enum class L4 : std::uint8_t { none, tcp, udp, icmp, icmpv6 };
+
+struct ParsedFrame {
+    L2Fault l2Fault = L2Fault::none;
+    MacAddress dst;
+    MacAddress src;
+    std::uint8_t tagCount = 0;    // 0 to 2
+    std::array<VlanTag, 2> tags;  // the outer one first
+    // What follows the last tag that was taken. Below 0x600 it is a length (IEEE 802.3).
+    std::uint16_t etherType = 0;
+
+    // Set by EtherType even if `l3Fault` says that the header is not usable. With a fault only
+    // `truncated` or `checksum` may have left fields below set; they are then not to be used.
+    L3 l3 = L3::none;
+    L3Fault l3Fault = L3Fault::none;
+    IpAddress srcIp;  // for ARP the sender's address
+    IpAddress dstIp;  // for ARP the target's
+    std::uint16_t arpOperation = 0;
+    std::uint8_t protocol = 0;  // behind IPv6 extension headers
+    std::uint8_t ttl = 0;       // or hop limit
+    std::uint8_t dscp = 0;
+    bool options = false;        // IPv4 options or IPv6 extension headers
+    bool fragment = false;       // any fragment, the first included
+    bool laterFragment = false;  // has no L4 header
+
+    // none also where the header is not all there.
+    L4 l4 = L4::none;
+    std::uint16_t srcPort = 0;
+    std::uint16_t dstPort = 0;
+    std::uint8_t tcpFlags = 0;
+    std::uint8_t icmpType = 0;
+    std::uint8_t icmpCode = 0;
+
+    bool isIp() const { return l3 == L3::ipv4 || l3 == L3::ipv6; }
+    bool hasIp() const { return isIp() && l3Fault == L3Fault::none; }
+    bool hasPorts() const { return l4 == L4::tcp || l4 == L4::udp; }
+    bool hasIcmp() const { return l4 == L4::icmp || l4 == L4::icmpv6; }
+    // The frame in a few words, for explanations.
+    std::string text() const;
+};
+
+// Parses Ethernet, up to two tags (0x8100; the outer one also 0x88a8), ARP, IPv4 with options, IPv6
+// with extension headers (hop-by-hop, routing, fragment, destination options, authentication), TCP,
+// UDP, ICMP and ICMPv6. The frame is without its check sequence; padding is ignored.
+ParsedFrame parseFrame(std::span<std::uint8_t const> frame);
+
+char const* text(L3Fault fault);
+
+}  // namespace SoftChip

@@ -1,0 +1,57 @@
+#pragma once
+
+#include <compare>
+#include <cstdint>
+#include <string>
+
+#include "softchip/Mix.h"
+
+// How the chip names its ports and forwarding domains.
+namespace SoftChip {
+
+using DevicePort = std::uint16_t;  // pipe * 128 + index in the pipe
+using LagId = std::uint16_t;
+using VrfId = std::uint16_t;
+// What a frame is bridged in: a VLAN, or the internal VLAN of a routed port or sub-interface. 1 to
+// 4094; 0 is no domain. An L3 interface is named by its domain, as no domain has two.
+using DomainId = std::uint16_t;
+
+constexpr DevicePort maxDevicePort = 455;
+constexpr DevicePort noEgressPort = 511;  // what a digest says when no single port was chosen
+constexpr DomainId noDomain = 0;
+constexpr DomainId maxDomain = 4094;
+constexpr unsigned pipeCount = 4;
+
+constexpr unsigned pipeOf(DevicePort port) {
+    return port >> 7;
+}
+
+// What bridging and routing point at: a port of its own, a whole LAG, or nothing. A member of a LAG
+// is never addressed on its own; what enters at it enters at its LAG.
+class LogicalPort {
+  public:
+    constexpr LogicalPort() = default;
+    static constexpr LogicalPort port(DevicePort number) { return {Kind::port, number}; }
+    static constexpr LogicalPort lag(LagId number) { return {Kind::lag, number}; }
+
+    constexpr bool isNone() const { return kind_ == Kind::none; }
+    constexpr bool isPort() const { return kind_ == Kind::port; }
+    constexpr bool isLag() const { return kind_ == Kind::lag; }
+    constexpr std::uint16_t number() const { return number_; }
+
+    // "port 12", "LAG 3", "no port".
+    std::string text() const;
+    constexpr std::uint64_t hash() const {
+        return mix(std::uint64_t{number_} << 2 | static_cast<std::uint64_t>(kind_));
+    }
+    friend constexpr auto operator<=>(LogicalPort const&, LogicalPort const&) = default;
+
+  private:
+    enum class Kind : std::uint8_t { none, port, lag };
+    constexpr LogicalPort(Kind kind, std::uint16_t number) : kind_(kind), number_(number) {}
+
+    Kind kind_ = Kind::none;
+    std::uint16_t number_ = 0;
+};
+
+}  // namespace SoftChip
