@@ -66,9 +66,7 @@ class NameWriter {
     explicit NameWriter(char* buffer) : begin_(buffer), end_(buffer) {}
 
     void text(std::string_view part) noexcept { end_ += part.copy(end_, part.size()); }
-    void number(std::uint64_t value) noexcept {
-        end_ = std::to_chars(end_, end_ + 20, value).ptr;
-    }
+    void number(std::uint64_t value) noexcept { end_ = std::to_chars(end_, end_ + 20, value).ptr; }
     void physical(std::uint64_t packed) noexcept {
         text(physicalPrefix);
         number(packed >> firstShift);

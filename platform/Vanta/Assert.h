@@ -20,7 +20,8 @@ using LastStep = void (*)(std::string_view errorClass, std::string_view text);
 VYN_EXPORT LastStep lastStepIs(LastStep step) noexcept;
 
 // Ends the process through the last step. Thread: any.
-[[noreturn]] VYN_EXPORT void endProcess(std::string_view errorClass, std::string_view text) noexcept;
+[[noreturn]] VYN_EXPORT void endProcess(std::string_view errorClass,
+                                        std::string_view text) noexcept;
 
 // Ends the process with the exception that is being handled. Call it only in a catch clause of a
 // dispatcher: nothing above a dispatcher can know what the exception left undone.

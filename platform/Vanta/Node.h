@@ -67,13 +67,11 @@ class Ptr {
     Ptr(Ptr const& other) noexcept : node_(other.node_) { take(); }
     Ptr(Ptr&& other) noexcept : node_(std::exchange(other.node_, nullptr)) {}
     template <class U>
-        requires std::convertible_to<U*, T*>
-    Ptr(Ptr<U> const& other) noexcept : node_(other.get()) {
-        take();
-    }
+    requires std::convertible_to<U*, T*> Ptr(Ptr<U> const& other)
+    noexcept : node_(other.get()) { take(); }
     template <class U>
-        requires std::convertible_to<U*, T*>
-    Ptr(Ptr<U>&& other) noexcept : node_(other.release()) {}
+    requires std::convertible_to<U*, T*> Ptr(Ptr<U>&& other)
+    noexcept : node_(other.release()) {}
     ~Ptr() { drop(node_); }
 
     Ptr& operator=(Ptr other) noexcept {

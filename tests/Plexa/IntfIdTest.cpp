@@ -36,13 +36,14 @@ TEST_P(OtherText, IsNoName) {
     EXPECT_FALSE(IntfId::fromName(GetParam())) << GetParam();
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Texts, OtherText,
-    testing::Values("Ethernet", "Ethernet01", "Ethernet65536", "Ethernet1/", "Ethernet1/2/3/4",
-                    "Ethernet-1", "Ethernet+1", "Ethernet1 ", " Ethernet1", "ethernet1", "Lag0",
-                    "Lag65536", "Lag1/2", "Lag", "Vlan0", "Vlan4095", "Vlan01", "Vlan1.1", "Cpu1",
-                    "Cpu.1", "cpu", "Ethernet1.0", "Ethernet1.65536", "Ethernet1.01", "Ethernet1.",
-                    "Ethernet1.1.1", "Ethernet99999999999999999999", "x"));
+INSTANTIATE_TEST_SUITE_P(Texts, OtherText,
+                         testing::Values("Ethernet", "Ethernet01", "Ethernet65536", "Ethernet1/",
+                                         "Ethernet1/2/3/4", "Ethernet-1", "Ethernet+1",
+                                         "Ethernet1 ", " Ethernet1", "ethernet1", "Lag0",
+                                         "Lag65536", "Lag1/2", "Lag", "Vlan0", "Vlan4095", "Vlan01",
+                                         "Vlan1.1", "Cpu1", "Cpu.1", "cpu", "Ethernet1.0",
+                                         "Ethernet1.65536", "Ethernet1.01", "Ethernet1.",
+                                         "Ethernet1.1.1", "Ethernet99999999999999999999", "x"));
 
 TEST(IntfId, LeavesItselfAloneWhenGivenATextThatIsNoName) {
     IntfId id = intf("Lag3");
@@ -52,9 +53,9 @@ TEST(IntfId, LeavesItselfAloneWhenGivenATextThatIsNoName) {
 
 TEST(IntfId, OrdersByKindThenNumberByValue) {
     std::vector<std::string> const names{
-        "",           "Ethernet1",   "Ethernet1/2", "Ethernet1/2/0", "Ethernet1/10",
-        "Ethernet2",  "Lag2",        "Lag10",       "Ethernet1.2",   "Ethernet1.10",
-        "Ethernet2.1", "Lag1.1",     "Vlan2",       "Vlan10",        "Cpu"};
+        "",      "Ethernet1", "Ethernet1/2", "Ethernet1/2/0", "Ethernet1/10", "Ethernet2",
+        "Lag2",  "Lag10",     "Ethernet1.2", "Ethernet1.10",  "Ethernet2.1",  "Lag1.1",
+        "Vlan2", "Vlan10",    "Cpu"};
     std::vector<IntfId> ids;
     for (auto const& name : names) {
         ids.push_back(intf(name));

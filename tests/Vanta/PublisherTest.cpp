@@ -148,11 +148,9 @@ TEST_F(Delivery, TellsTheTapBeforeAnySubscriber) {
 
 TEST_F(Delivery, TellsTheTapAlsoWithoutSubscribers) {
     Publisher lonely(nullptr);
-    Vanta::tapIs(
-        [](void* context, Publisher const&, AttributeNumber, ValueRef, ValueRef) {
-            static_cast<Log*>(context)->push_back("tap");
-        },
-        &log);
+    Vanta::tapIs([](void* context, Publisher const&, AttributeNumber, ValueRef,
+                    ValueRef) { static_cast<Log*>(context)->push_back("tap"); },
+                 &log);
     lonely.publish(7);
     Vanta::tapIs(nullptr, nullptr);
     EXPECT_EQ(log, (Log{"tap"}));

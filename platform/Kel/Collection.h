@@ -1,0 +1,282 @@
+// The framework's keyed collection: a hash map that keeps the order of insertion.
+//
+//   - Iteration goes in the order of insertion; a key that was removed and added again is last.
+//   - Iteration tolerates changes: an entry removed before its turn is not visited, one added is
+//     visited. The entry that is being visited may itself be removed; its reference then dangles.
+//   - Lookup, insertion and removal take constant time, and no operation pauses: the hash table
+//     grows by one bucket an insertion, entries never move and are never packed.
+//   - Up to `unhashed` entries there is no hash table at all, only the list.
+//
+// Invariants: every entry is in the list once, and in exactly one bucket if there is a table;
+// `order` rises along the list.
+// Thread: one only. Nothing here publishes; the owner of the collection does.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <utility>
+
+#include "Grist/Grist.h"
+#include "Kel/HashBuckets.h"
+
+namespace Kel {
+
+template <class Key, class Value, class Hash = std::hash<Key>>
+class Collection {
+  public:
+    // One entry. Its address is stable until it is removed.
+    struct Entry {
+        template <class K, class... Args>
+        Entry(K&& ownKey, Args&&... args)
+            : key(std::forward<K>(ownKey)), value(std::forward<Args>(args)...) {}
+
+        Entry* previous = nullptr;
+        Entry* next = nullptr;
+        Entry* chain = nullptr;   // the next entry of the same bucket
+        std::uint64_t order = 0;  // rises with every insertion into the collection
+        Key const key;
+        Value value;
+    };
+
+    class Iterator;
+
+    Collection() noexcept = default;
+    Collection(Collection const&) = delete;
+    Collection& operator=(Collection const&) = delete;
+    ~Collection() {
+        clear();
+        for (Iterator* iterator = iterators_; iterator != nullptr; iterator = iterator->outer_) {
+            iterator->collection_ = nullptr;
+        }
+    }
+
+    std::size_t size() const noexcept { return size_; }
+    bool empty() const noexcept { return size_ == 0; }
+    bool has(Key const& key) const { return find(key) != nullptr; }
+
+    // The entry of a key, or null.
+    Entry* find(Key const& key) { return findEntry(key); }
+    Entry const* find(Key const& key) const { return findEntry(key); }
+
+    // The value of a key, or a default one (for pointers: null).
+    Value get(Key const& key) const {
+        Entry const* entry = find(key);
+        return entry != nullptr ? entry->value : Value();
+    }
+
+    // Adds an entry at the end. The key must be absent. Errors: std::bad_alloc, nothing changed.
+    template <class K, class... Args>
+    Entry& insert(K&& key, Args&&... args) {
+        if (size_ >= unhashed) {
+            growTable();
+        }
+        auto entry = makeEntry(std::forward<K>(key), std::forward<Args>(args)...);
+        link(*entry);
+        if (buckets_) {
+            pushToBucket(*entry);
+        }
+        return *entry.release();
+    }
+
+    // The entry of a key, added with a default value if it is absent.
+    Entry& findOrInsert(Key const& key) {
+        Entry* entry = find(key);
+        return entry != nullptr ? *entry : insert(key);
+    }
+
+    // Removes an entry and returns its value; nothing if the key is absent. The collection is
+    // whole again before the value is handed out.
+    std::optional<Value> remove(Key const& key) {
+        Entry* entry = find(key);
+        if (entry == nullptr) {
+            return std::nullopt;
+        }
+        return remove(*entry);
+    }
+    Value remove(Entry& entry) {
+        if (buckets_) {
+            popFromBucket(entry);
+        }
+        unlink(entry);
+        Value value = std::move(entry.value);
+        freeEntry(&entry);
+        return value;
+    }
+
+    // Removes all entries, first to last.
+    void clear() {
+        while (first_ != nullptr) {
+            static_cast<void>(remove(*first_));
+        }
+    }
+
+    Iterator begin() const { return Iterator(*this); }
+    std::default_sentinel_t end() const noexcept { return {}; }
+
+    Entry* first() const noexcept { return first_; }
+
+  private:
+    // Below this size walking the list is faster than hashing.
+    static constexpr std::size_t unhashed = 8;
+
+    static void freeEntry(Entry* entry) noexcept {
+        std::destroy_at(entry);
+        Grist::deallocate(entry, sizeof(Entry));
+    }
+    struct EntryDeleter {
+        void operator()(Entry* entry) const noexcept { freeEntry(entry); }
+    };
+    using EntryOwner = std::unique_ptr<Entry, EntryDeleter>;
+
+    template <class... Args>
+    static EntryOwner makeEntry(Args&&... args) {
+        void* const block = Grist::allocate(sizeof(Entry));
+        try {
+            return EntryOwner(::new (block) Entry(std::forward<Args>(args)...));
+        } catch (...) {
+            Grist::deallocate(block, sizeof(Entry));
+            throw;
+        }
+    }
+
+    static std::uint64_t hashOf(Key const& key) {
+        // The low bits choose the bucket, so weak hashes (identity for integers) are mixed.
+        std::uint64_t const mixed = Hash()(key) * 0x9e3779b97f4a7c15ULL;
+        return mixed ^ (mixed >> 32);
+    }
+
+    Entry* findEntry(Key const& key) const {
+        Entry* entry = buckets_ ? static_cast<Entry*>(buckets_->head(hashOf(key))) : first_;
+        if (buckets_) {
+            while (entry != nullptr && !(entry->key == key)) {
+                entry = entry->chain;
+            }
+        } else {
+            while (entry != nullptr && !(entry->key == key)) {
+                entry = entry->next;
+            }
+        }
+        return entry;
+    }
+
+    // Makes room for one more entry: the table, with all entries so far, or one more bucket.
+    void growTable() {
+        if (!buckets_) {
+            buckets_ = std::make_unique<HashBuckets>();
+            for (Entry* entry = first_; entry != nullptr; entry = entry->next) {
+                pushToBucket(*entry);
+            }
+        }
+        if (size_ < buckets_->count()) {
+            return;
+        }
+        auto* moving = static_cast<Entry*>(buckets_->split());
+        while (moving != nullptr) {
+            Entry& entry = *moving;
+            moving = entry.chain;
+            pushToBucket(entry);
+        }
+    }
+    void pushToBucket(Entry& entry) {
+        void*& head = buckets_->head(hashOf(entry.key));
+        entry.chain = static_cast<Entry*>(head);
+        head = &entry;
+    }
+    void popFromBucket(Entry& entry) {
+        void*& head = buckets_->head(hashOf(entry.key));
+        if (head == &entry) {
+            head = entry.chain;
+            return;
+        }
+        auto* before = static_cast<Entry*>(head);
+        while (before->chain != &entry) {
+            before = before->chain;
+        }
+        before->chain = entry.chain;
+    }
+
+    void link(Entry& entry) noexcept {
+        entry.order = ++insertions_;
+        entry.previous = last_;
+        (last_ != nullptr ? last_->next : first_) = &entry;
+        last_ = &entry;
+        ++size_;
+    }
+    void unlink(Entry& entry) noexcept {
+        for (Iterator* iterator = iterators_; iterator != nullptr; iterator = iterator->outer_) {
+            iterator->entryGoes(entry);
+        }
+        (entry.previous != nullptr ? entry.previous->next : first_) = entry.next;
+        (entry.next != nullptr ? entry.next->previous : last_) = entry.previous;
+        --size_;
+    }
+
+    Entry* first_ = nullptr;
+    Entry* last_ = nullptr;
+    std::size_t size_ = 0;
+    std::uint64_t insertions_ = 0;
+    std::unique_ptr<HashBuckets> buckets_;
+    mutable Iterator* iterators_ = nullptr;
+};
+
+// A walk through a collection. It is known to the collection while it lives, so it survives the
+// removal of the entry that it stands on. Walks nest.
+template <class Key, class Value, class Hash>
+class Collection<Key, Value, Hash>::Iterator {
+  public:
+    explicit Iterator(Collection const& collection) noexcept
+        : collection_(&collection), current_(collection.first_), outer_(collection.iterators_) {
+        collection.iterators_ = this;
+    }
+    Iterator(Iterator const&) = delete;
+    Iterator& operator=(Iterator const&) = delete;
+    ~Iterator() {
+        if (collection_ == nullptr) {
+            return;
+        }
+        Iterator** link = &collection_->iterators_;
+        while (*link != this) {
+            link = &(*link)->outer_;
+        }
+        *link = outer_;
+    }
+
+    Entry const& operator*() const noexcept { return *current_; }
+    Entry const* operator->() const noexcept { return current_; }
+
+    Iterator& operator++() noexcept {
+        if (removed_) {
+            removed_ = false;
+            // What stood before the removed entry has been visited; with nothing before it, the
+            // walk goes on at the front.
+            current_ = current_ != nullptr ? current_->next : front();
+        } else {
+            current_ = current_->next;
+        }
+        return *this;
+    }
+    friend bool operator==(Iterator const& it, std::default_sentinel_t) noexcept {
+        return it.collection_ == nullptr || it.current_ == nullptr;
+    }
+
+  private:
+    friend class Collection;
+
+    Entry* front() const noexcept { return collection_ != nullptr ? collection_->first_ : nullptr; }
+    void entryGoes(Entry const& entry) noexcept {
+        if (current_ == &entry) {
+            current_ = entry.previous;
+            removed_ = true;
+        }
+    }
+
+    Collection const* collection_;
+    Entry* current_;
+    Iterator* outer_;
+    bool removed_ = false;
+};
+
+}  // namespace Kel

@@ -1,0 +1,83 @@
+// A notifiee: a nested state machine that watches one object which it does not change.
+//
+//   state of the subscription   when
+//   connected                   registered, notifications active, and there is a notifier
+//   not connected               otherwise
+//
+// The notifiee holds a reference to its notifier; its owner holds it. Thread: one only.
+#pragma once
+
+#include "Vanta/Node.h"
+#include "Vanta/Publisher.h"
+
+namespace Kel {
+
+template <class T>
+class NotifieeConst : public Vanta::Node {
+  public:
+    Vanta::Ptr<T const> const& notifier() const noexcept { return notifier_; }
+    bool registered() const noexcept { return registered_; }
+    bool hasNotificationActive() const noexcept { return notificationActive_; }
+    bool isZombie() const noexcept { return zombie_; }
+
+    // Switches the reactions on or off.
+    void hasNotificationActiveIs(bool on) noexcept {
+        notificationActive_ = on;
+        connect();
+    }
+    void registeredIs(bool on) noexcept {
+        registered_ = on;
+        connect();
+    }
+
+    // A change of the notifier's attribute `attribute`.
+    virtual void onAttribute(Vanta::AttributeNumber attribute, Vanta::ValueRef oldValue) = 0;
+
+    // Marks the notifiee as being torn down: it then reacts to nothing.
+    virtual void kelDoZombieReactors(bool on) {
+        if (zombie_ == on) {
+            return;
+        }
+        if (notifier_) {
+            hasNotificationActiveIs(!on);
+        }
+        zombie_ = on;
+    }
+
+  protected:
+    NotifieeConst() = default;
+    ~NotifieeConst() override = default;
+
+    // Watches another object, without reacting.
+    void plainNotifierIs(Vanta::Ptr<T const> notifier) noexcept {
+        subscriber_.unsubscribe();
+        notifier_ = std::move(notifier);
+        connect();
+    }
+
+  private:
+    void connect() noexcept {
+        bool const wanted = registered_ && notificationActive_ && notifier_;
+        if (wanted == subscriber_.subscribed()) {
+            return;
+        }
+        if (wanted) {
+            subscriber_.subscribe<&NotifieeConst::dispatch>(notifier_->publisher(), this);
+        } else {
+            subscriber_.unsubscribe();
+        }
+    }
+    void dispatch(Vanta::Publisher const&, Vanta::Subscriber&, Vanta::AttributeNumber attribute,
+                  Vanta::ValueRef, Vanta::ValueRef oldValue) {
+        onAttribute(attribute, oldValue);
+    }
+
+    // The subscriber is declared last: it goes before the notifier whose publisher it is on.
+    Vanta::Ptr<T const> notifier_;
+    bool registered_ = false;
+    bool notificationActive_ = false;
+    bool zombie_ = false;
+    Vanta::Subscriber subscriber_;
+};
+
+}  // namespace Kel

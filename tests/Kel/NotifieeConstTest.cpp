@@ -1,0 +1,85 @@
+#include "Kel/NotifieeConst.h"
+
+#include <gtest/gtest.h>
+
+#include <vector>
+
+namespace {
+
+using Vanta::makeNode;
+using Vanta::Ptr;
+
+struct Watched : Vanta::Node {
+    Vanta::Publisher const& publisher() const { return publisher_; }
+    void change(unsigned attribute) { publisher_.publish(attribute); }
+    Vanta::Publisher publisher_{this};
+};
+
+struct Watcher : Kel::NotifieeConst<Watched> {
+    using NotifieeConst::plainNotifierIs;
+    void onAttribute(Vanta::AttributeNumber attribute, Vanta::ValueRef) override {
+        seen.push_back(attribute);
+    }
+    std::vector<unsigned> seen;
+};
+
+struct Notifiee : testing::Test {
+    Ptr<Watched> watched = makeNode<Watched>();
+    Ptr<Watcher> watcher = makeNode<Watcher>();
+};
+
+TEST_F(Notifiee, ReactsWhenRegisteredActiveAndPointed) {
+    watcher->plainNotifierIs(watched);
+    watcher->registeredIs(true);
+    watcher->hasNotificationActiveIs(true);
+    watched->change(132);
+    EXPECT_EQ(watcher->seen, (std::vector<unsigned>{132}));
+}
+
+TEST_F(Notifiee, ReactsToNothingBeforeItIsRegistered) {
+    watcher->plainNotifierIs(watched);
+    watcher->hasNotificationActiveIs(true);
+    watched->change(132);
+    EXPECT_TRUE(watcher->seen.empty());
+}
+
+TEST_F(Notifiee, ReactsToNothingWhileSwitchedOff) {
+    watcher->plainNotifierIs(watched);
+    watcher->registeredIs(true);
+    watcher->hasNotificationActiveIs(true);
+    watcher->hasNotificationActiveIs(false);
+    watched->change(132);
+    EXPECT_TRUE(watcher->seen.empty());
+}
+
+TEST_F(Notifiee, FollowsItsNewNotifierOnly) {
+    auto const other = makeNode<Watched>();
+    watcher->plainNotifierIs(watched);
+    watcher->registeredIs(true);
+    watcher->hasNotificationActiveIs(true);
+    watcher->plainNotifierIs(other);
+    watched->change(1);
+    other->change(2);
+    EXPECT_EQ(watcher->seen, (std::vector<unsigned>{2}));
+}
+
+TEST_F(Notifiee, IsSilentWhileTornDownAndBackAfterwards) {
+    watcher->plainNotifierIs(watched);
+    watcher->registeredIs(true);
+    watcher->hasNotificationActiveIs(true);
+    watcher->kelDoZombieReactors(true);
+    watched->change(1);
+    EXPECT_TRUE(watcher->seen.empty());
+    watcher->kelDoZombieReactors(false);
+    watched->change(2);
+    EXPECT_EQ(watcher->seen, (std::vector<unsigned>{2}));
+}
+
+TEST_F(Notifiee, HoldsAReferenceToItsNotifier) {
+    watcher->plainNotifierIs(watched);
+    EXPECT_EQ(watched->refCount(), 2U);
+    watcher = nullptr;
+    EXPECT_EQ(watched->refCount(), 1U);
+}
+
+}  // namespace
