@@ -1,0 +1,66 @@
+#include "Trace/Trace.h"
+
+#include <atomic>
+#include <cerrno>
+#include <string>
+
+#include "Trace/Registry.h"
+#include "Trace/Text.h"
+
+namespace Trace {
+namespace {
+
+std::atomic<TapFunction> tapFunction = nullptr;
+std::atomic<void*> tapContext = nullptr;
+thread_local bool insideTap = false;
+
+class InsideTap {
+  public:
+    InsideTap() noexcept { insideTap = true; }
+    ~InsideTap() { insideTap = false; }
+    InsideTap(InsideTap const&) = delete;
+    InsideTap& operator=(InsideTap const&) = delete;
+};
+
+class ErrnoKept {
+  public:
+    ErrnoKept() noexcept = default;
+    ~ErrnoKept() { errno = before_; }
+    ErrnoKept(ErrnoKept const&) = delete;
+    ErrnoKept& operator=(ErrnoKept const&) = delete;
+
+  private:
+    int const before_ = errno;
+};
+
+void tell(TapFunction tap, Handle const& handle, unsigned level, std::string_view text) {
+    InsideTap const inside;
+    tap(tapContext.load(std::memory_order_relaxed), handle.name(), level, text);
+}
+
+}  // namespace
+
+void emit(Handle const& handle, unsigned level, char const* format, std::span<Value const> values) {
+    ErrnoKept const kept;
+    std::string text;
+    auto const tap = insideTap ? nullptr : tapFunction.load(std::memory_order_acquire);
+    bool const asText = handle.textLevels().has(level);
+    if (tap || asText) {
+        appendFormatted(text, format, values);
+    }
+    if (tap) {
+        tell(tap, handle, level, text);
+    }
+    if (asText) {
+        writeText(handle.name(), level, text);
+    }
+}
+
+void tapIs(TapFunction function, void* context) {
+    tapFunction.store(nullptr, std::memory_order_relaxed);
+    tapContext.store(context, std::memory_order_relaxed);
+    tapFunction.store(function, std::memory_order_release);
+    Registry::instance().wholeIs(Whole::tap, function != nullptr);
+}
+
+}  // namespace Trace
