@@ -17,7 +17,8 @@ function(vyn_layer name)
     else()
         add_library(${name} STATIC ${sources})
     endif()
-    target_include_directories(${name} PUBLIC $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}>)
+    target_include_directories(${name} PUBLIC
+        $<BUILD_INTERFACE:${PROJECT_SOURCE_DIR}> $<INSTALL_INTERFACE:${CMAKE_INSTALL_INCLUDEDIR}>)
     target_link_libraries(${name}
         PUBLIC ${ARG_USES} PRIVATE $<BUILD_INTERFACE:VynCompile> ${ARG_LIBRARIES})
 endfunction()
