@@ -32,7 +32,7 @@ bool matchesL2(FrameMatch const& match, ParsedFrame const& frame) {
 bool matchesL3(FrameMatch const& match, ParsedFrame const& frame) {
     if (match.srcIp || match.dstIp || match.ipProtocol || match.dscp || match.ttl ||
         match.fragment) {
-        return frame.hasIp() && within(match.srcIp, frame.srcIp) &&
+        return frame.hasIp && within(match.srcIp, frame.srcIp) &&
                within(match.dstIp, frame.dstIp) && equals(match.ipProtocol, frame.protocol) &&
                equals(match.dscp, frame.dscp) && inRange(match.ttl, frame.ttl) &&
                equals(match.fragment, frame.fragment);

@@ -40,7 +40,7 @@ enum class L3 : std::uint8_t { none, arp, ipv4, ipv6 };
 // Why an IP or ARP header is not to be believed.
 enum class L3Fault : std::uint8_t {
     none,
-    truncated,     // the header, or what its length field counts, is not all there
+    truncated,     // the header, or what its length fields count, is not all there
     version,       // the version is not the EtherType's
     headerLength,  // an IPv4 header length below five words
     totalLength,   // an IPv4 total length below the header's
@@ -59,12 +59,13 @@ struct ParsedFrame {
     // What follows the last tag that was taken. Below 0x600 it is a length (IEEE 802.3).
     std::uint16_t etherType = 0;
 
-    // Set by EtherType even if `l3Fault` says that the header is not usable. With a fault only
-    // `truncated` or `checksum` may have left fields below set; they are then not to be used.
+    // Set by the EtherType; `l3Fault` says whether what follows is what it promised. A router drops
+    // an IP packet with a fault, but its fields can still be matched if the header was all there.
     L3 l3 = L3::none;
     L3Fault l3Fault = L3Fault::none;
-    IpAddress srcIp;  // for ARP the sender's address
-    IpAddress dstIp;  // for ARP the target's
+    bool hasIp = false;  // the IP fields below are set
+    IpAddress srcIp;     // for ARP the sender's address
+    IpAddress dstIp;     // for ARP the target's
     std::uint16_t arpOperation = 0;
     std::uint8_t protocol = 0;  // behind IPv6 extension headers
     std::uint8_t ttl = 0;       // or hop limit
@@ -82,7 +83,6 @@ struct ParsedFrame {
     std::uint8_t icmpCode = 0;
 
     bool isIp() const { return l3 == L3::ipv4 || l3 == L3::ipv6; }
-    bool hasIp() const { return isIp() && l3Fault == L3Fault::none; }
     bool hasPorts() const { return l4 == L4::tcp || l4 == L4::udp; }
     bool hasIcmp() const { return l4 == L4::icmp || l4 == L4::icmpv6; }
     // The frame in a few words, for explanations.

@@ -1,0 +1,248 @@
+#include <algorithm>
+
+#include "softchip/Hash.h"
+#include "softchip/Phase0.h"
+#include "softchip/PipelineSteps.h"
+
+// Steps 1 to 7 and 11 to 13: from the wire to a domain, and from a domain to the wire.
+namespace SoftChip {
+namespace {
+
+constexpr std::uint16_t reservedTag = 4095;
+
+// The tag that classifies the frame: the outer one, or 0 if there is none or it only has a
+// priority.
+std::uint16_t classifyingTag(ParsedFrame const& frame) {
+    return frame.tagCount > 0 ? frame.tags[0].vlan : 0;
+}
+
+Verdict enterDomain(Walk& walk, DomainId domain, bool internal, Reason reason) {
+    walk.domain = walk.outDomain = domain;
+    walk.internal = internal;
+    walk.say([&] { return vlanText(domain); });
+    return goOn(reason, Step::vlanAdmission);
+}
+
+Verdict classifyUntagged(Walk& walk, PortMode mode) {
+    if (mode.untagged == noDomain) {
+        return drop(Reason::untaggedRefused);
+    }
+    bool const routed = mode.kind == PortMode::Kind::routed;
+    return enterDomain(walk, mode.untagged, routed,
+                       routed ? Reason::routedPort : Reason::untaggedVlan);
+}
+
+Verdict classifyTagged(Walk& walk, PortMode mode, std::uint16_t tag) {
+    walk.say([&] { return "tag " + std::to_string(tag); });
+    if (tag == reservedTag) {
+        return drop(Reason::tagReserved);
+    }
+    if (mode.kind == PortMode::Kind::routed) {
+        return drop(Reason::tagRefused);
+    }
+    return enterDomain(walk, tag, false, Reason::taggedVlan);
+}
+
+// 01:80:c2:00:00:00 to 0f: what bridges keep to themselves.
+bool isReservedGroup(MacAddress mac) {
+    return mac.value >> 4 == 0x0180c2000000 >> 4;
+}
+
+bool isIpLinkLocalGroup(ParsedFrame const& frame) {
+    if (!frame.hasIp || !frame.dst.isMulticast()) {
+        return false;
+    }
+    return frame.dstIp.family == Family::ipv4 ? frame.dstIp.asV4() >> 8 == 0xe00000
+                                              : frame.dstIp.hi >> 48 == 0xff02;
+}
+
+Verdict afterControl(Walk& walk, Reason reason) {
+    walk.copyToCpu |= reason != Reason::notControl;
+    return goOn(reason, Step::routerMac);
+}
+
+ProtocolRule const* protocolRule(Walk const& walk) {
+    auto const& rules = walk.tables.protocolRules();
+    auto const found = std::ranges::find_if(rules, [&](ProtocolRule const& rule) {
+        return rule.match.matches(walk.frame, walk.ingress, walk.domain);
+    });
+    return found == rules.end() ? nullptr : &*found;
+}
+
+// Whether what stands right behind the domain's own tag is IP. A second tag is no router's
+// business.
+bool isIpInDomain(ParsedFrame const& frame) {
+    return frame.isIp() && frame.tagCount <= 1;
+}
+
+Verdict floodGroup(Walk& walk, MacAddress mac) {
+    walk.say([&] { return vlanText(walk.outDomain); });
+    return flood(mac.isBroadcast() ? Reason::broadcastFlood : Reason::multicastFlood);
+}
+
+bool isAdmittedTo(Tables const& tables, DomainId domain, LogicalPort port) {
+    auto const* vlan = tables.vlan(domain);
+    auto const* device = port.isPort() ? tables.port(port.number()) : nullptr;
+    return (vlan && vlan->has(port)) || (device && device->cpu);
+}
+
+bool canSend(Tables const& tables, LagMember const& member) {
+    auto const* port = tables.port(member.port);
+    return member.distributing && port && port->up;
+}
+
+}  // namespace
+
+std::string vlanText(DomainId vlan) {
+    return "VLAN " + std::to_string(vlan);
+}
+
+Verdict parse(Walk& walk) {
+    auto const port = decodePhase0(walk.phase0);
+    if (!port) {
+        return drop(Reason::phase0Unknown);
+    }
+    walk.ingressPort = *port;
+    walk.frame = parseFrame(walk.bytes);
+    walk.say([&] { return walk.frame.text(); });
+    if (walk.frame.l2Fault != L2Fault::none) {
+        bool const inTag = walk.frame.l2Fault == L2Fault::tagTooShort;
+        return drop(inTag ? Reason::tagTooShort : Reason::frameTooShort);
+    }
+    return walk.frame.src.isMulticast() ? drop(Reason::sourceMulticast)
+                                        : goOn(Reason::parsed, Step::portUp);
+}
+
+Verdict portUp(Walk& walk) {
+    walk.ingress = walk.tables.logicalPort(walk.ingressPort);
+    walk.say([&] { return LogicalPort::port(walk.ingressPort).text(); });
+    if (walk.ingress.isLag()) {
+        walk.say([&] { return "in " + walk.ingress.text(); });
+    }
+    auto const* port = walk.tables.port(walk.ingressPort);
+    if (!port) {
+        return drop(Reason::portUnknown);
+    }
+    return port->up ? goOn(Reason::portIsUp, Step::vlanClassification) : drop(Reason::portDown);
+}
+
+Verdict vlanClassification(Walk& walk) {
+    auto const tag = classifyingTag(walk.frame);
+    if (auto const domain = walk.tables.subIntf(walk.ingress, tag); domain != noDomain) {
+        walk.say([&] { return "tag " + std::to_string(tag); });
+        return enterDomain(walk, domain, true, Reason::subInterface);
+    }
+    auto const mode = walk.tables.mode(walk.ingress);
+    if (mode.kind == PortMode::Kind::none) {
+        return drop(Reason::noVlanOnPort);
+    }
+    return tag == 0 ? classifyUntagged(walk, mode) : classifyTagged(walk, mode, tag);
+}
+
+Verdict vlanAdmission(Walk& walk) {
+    if (walk.internal) {
+        return goOn(Reason::internalDomain, Step::ingressAcl);
+    }
+    walk.say([&] { return vlanText(walk.domain); });
+    auto const* vlan = walk.tables.vlan(walk.domain);
+    if (vlan && vlan->has(walk.ingress)) {
+        return goOn(Reason::admitted, Step::ingressAcl);
+    }
+    if (vlan) {
+        return drop(Reason::vlanNotOnPort);
+    }
+    walk.domain = noDomain;  // a VLAN that does not exist is no domain
+    return drop(Reason::vlanUnknown);
+}
+
+Verdict ingressAcl(Walk& walk) {
+    auto const verdict = walk.tables.acl().check(walk.frame, walk.ingress, walk.domain);
+    if (!verdict.decided) {
+        return goOn(Reason::noAclRule, Step::linkLocal);
+    }
+    walk.say([&] {
+        return "list " + std::to_string(verdict.decided->list) + " rule " +
+               std::to_string(verdict.decided->sequence);
+    });
+    walk.copyToCpu |= verdict.copyToCpu;
+    if (verdict.drop) {
+        return drop(Reason::aclDrop);
+    }
+    return goOn(verdict.copyToCpu ? Reason::aclCopy : Reason::aclPermit, Step::linkLocal);
+}
+
+Verdict linkLocal(Walk& walk) {
+    if (isReservedGroup(walk.frame.dst)) {
+        return toCpu(Reason::linkLocalTrap);
+    }
+    if (auto const* rule = protocolRule(walk)) {
+        return rule->trap ? toCpu(Reason::protocolTrap) : afterControl(walk, Reason::protocolCopy);
+    }
+    bool const routes = walk.tables.l3Intf(walk.domain) != nullptr;
+    if (routes && walk.frame.l3 == L3::arp && walk.frame.dst.isBroadcast()) {
+        return afterControl(walk, Reason::arpBroadcastCopy);
+    }
+    if (routes && isIpLinkLocalGroup(walk.frame)) {
+        return afterControl(walk, Reason::ipLinkLocalCopy);
+    }
+    return afterControl(walk, Reason::notControl);
+}
+
+Verdict routerMac(Walk& walk) {
+    auto const& frame = walk.frame;
+    walk.say([&] { return frame.dst.text(); });
+    if (frame.dst.isMulticast()) {
+        return goOn(Reason::groupAddress, Step::fdb);
+    }
+    if (walk.tables.isRouterMac(walk.domain, frame.dst)) {
+        return isIpInDomain(frame) ? goOn(Reason::toRouter, Step::ownAddress)
+                                   : toCpu(Reason::nonIpToRouter);
+    }
+    return walk.internal ? drop(Reason::notForRoutedPort) : goOn(Reason::notRouterMac, Step::fdb);
+}
+
+Verdict fdb(Walk& walk) {
+    auto const mac = walk.routed ? walk.hopMac : walk.frame.dst;
+    if (mac.isMulticast()) {
+        return floodGroup(walk, mac);
+    }
+    walk.say([&] { return mac.text() + " in " + vlanText(walk.outDomain); });
+    walk.target = walk.tables.fdb(walk.outDomain, mac);
+    if (walk.target.isNone()) {
+        return flood(walk.routed ? Reason::neighbourMacFlood : Reason::unknownUnicastFlood);
+    }
+    walk.say([&] { return walk.target.text(); });
+    if (!walk.routed && walk.target == walk.ingress) {
+        return drop(Reason::hairpin);
+    }
+    if (!isAdmittedTo(walk.tables, walk.outDomain, walk.target)) {
+        return drop(Reason::fdbPortNotInVlan);
+    }
+    return goOn(Reason::fdbHit, Step::lagMember);
+}
+
+Verdict lagMember(Walk& walk) {
+    walk.egressPort = walk.target.number();
+    if (!walk.target.isLag()) {
+        return goOn(Reason::notLag, Step::egressPortUp);
+    }
+    auto const* lag = walk.tables.lag(walk.target.number());
+    auto const sends = [&](LagMember const& member) { return canSend(walk.tables, member); };
+    auto const count = lag ? std::ranges::count_if(lag->members, sends) : 0;
+    walk.say([&] { return walk.target.text() + ", members up: " + std::to_string(count); });
+    if (count == 0) {
+        return drop(Reason::allMembersDown);
+    }
+    auto picked = pick(lagHash(walk.frame), static_cast<std::size_t>(count));
+    auto const isPicked = [&](LagMember const& member) { return sends(member) && picked-- == 0; };
+    walk.egressPort = std::ranges::find_if(lag->members, isPicked)->port;
+    return goOn(Reason::lagMember, Step::egressPortUp);
+}
+
+Verdict egressPortUp(Walk& walk) {
+    walk.say([&] { return LogicalPort::port(walk.egressPort).text(); });
+    auto const* port = walk.tables.port(walk.egressPort);
+    return port && port->up ? forward(Reason::forwarded) : drop(Reason::egressPortDown);
+}
+
+}  // namespace SoftChip

@@ -1,0 +1,128 @@
+#include <vector>
+
+#include "softchip/Hash.h"
+#include "softchip/PipelineSteps.h"
+
+// Steps 8 to 10: routing.
+namespace SoftChip {
+namespace {
+
+bool isLoopback(IpAddress const& address) {
+    return address.family == Family::ipv4 ? address.hi >> 56 == 127
+                                          : address.hi == 0 && address.lo == 1;
+}
+
+// IPv4's "this network" and IPv6's unspecified address.
+bool isUnspecified(IpAddress const& address) {
+    return address.family == Family::ipv4 ? address.hi >> 56 == 0
+                                          : address.hi == 0 && address.lo == 0;
+}
+
+bool isLimitedBroadcast(IpAddress const& address) {
+    return address == IpAddress::v4(0xffffffff);
+}
+
+// fe80::/10. IPv4's 169.254.0.0/16 is left to the routes.
+bool isLinkLocal(IpAddress const& address) {
+    return address.family == Family::ipv6 && address.hi >> 54 == 0xfe80 >> 6;
+}
+
+// No packet comes from there.
+bool isBadSource(IpAddress const& address) {
+    return address.isMulticast() || isLoopback(address) || isLimitedBroadcast(address);
+}
+
+// No router forwards there, or from there.
+bool isNotRouted(IpAddress const& src, IpAddress const& dst) {
+    return dst.isMulticast() || isLoopback(dst) || isLimitedBroadcast(dst) || isUnspecified(dst) ||
+           isUnspecified(src) || isLinkLocal(dst) || isLinkLocal(src);
+}
+
+VrfId vrfOf(Walk const& walk) {
+    return walk.tables.l3Intf(walk.domain)->vrf;
+}
+
+Verdict throughNeighbour(Walk& walk) {
+    if (!walk.tables.l3Intf(walk.hop.domain)) {
+        return drop(Reason::noNextHop);
+    }
+    walk.say([&] { return walk.hop.gateway.text() + " on " + vlanText(walk.hop.domain); });
+    auto const mac = walk.tables.neighbour(walk.hop.domain, walk.hop.gateway);
+    if (!mac) {
+        return toCpu(Reason::glean);
+    }
+    walk.hopMac = *mac;
+    walk.say([&] { return mac->text(); });
+    return goOn(Reason::neighbourFound, Step::egressInterface);
+}
+
+Verdict throughSet(Walk& walk, std::uint32_t set) {
+    auto const* hops = walk.tables.nextHopSet(set);
+    if (!hops || hops->empty()) {
+        return drop(Reason::noNextHop);
+    }
+    auto const picked = pick(ecmpHash(walk.frame), hops->size());
+    walk.hop = (*hops)[picked];
+    walk.say([&] {
+        return "next hop " + std::to_string(picked + 1) + " of " + std::to_string(hops->size());
+    });
+    return throughNeighbour(walk);
+}
+
+}  // namespace
+
+Verdict ownAddress(Walk& walk) {
+    auto const& frame = walk.frame;
+    if (frame.l3Fault != L3Fault::none) {
+        walk.say([&] { return text(frame.l3Fault); });
+        return drop(Reason::ipHeaderBroken);
+    }
+    walk.say([&] { return frame.dstIp.text() + " in VRF " + std::to_string(vrfOf(walk)); });
+    if (isBadSource(frame.srcIp)) {
+        return drop(Reason::addressNotRouted);
+    }
+    if (walk.tables.isOwnAddress(vrfOf(walk), frame.dstIp)) {
+        return toCpu(Reason::ownAddress);
+    }
+    if (isNotRouted(frame.srcIp, frame.dstIp)) {
+        return drop(Reason::addressNotRouted);
+    }
+    walk.say([&] { return "TTL " + std::to_string(frame.ttl); });
+    return frame.ttl <= 1 ? toCpu(Reason::ttlExpired) : goOn(Reason::transit, Step::route);
+}
+
+Verdict route(Walk& walk) {
+    auto const match = walk.tables.route(vrfOf(walk), walk.frame.dstIp);
+    if (!match) {
+        return drop(Reason::noRoute);
+    }
+    walk.say([&] { return match->prefix.text(); });
+    switch (match->value->kind) {
+        case Route::Kind::nextHops:
+            return throughSet(walk, match->value->nextHopSet);
+        case Route::Kind::connected:
+            walk.hop = {match->value->domain, walk.frame.dstIp};
+            return throughNeighbour(walk);
+        case Route::Kind::toCpu:
+            return toCpu(Reason::routeToCpu);
+        case Route::Kind::drop:
+            break;
+    }
+    return drop(Reason::routeDrops);
+}
+
+Verdict egressInterface(Walk& walk) {
+    auto const& intf = *walk.tables.l3Intf(walk.hop.domain);
+    walk.routed = true;
+    walk.outDomain = walk.hop.domain;
+    walk.target = intf.out;
+    walk.say([&] { return vlanText(walk.outDomain); });
+    if (intf.isVlan()) {
+        return goOn(Reason::intoVlan, Step::fdb);
+    }
+    walk.say([&] { return intf.out.text(); });
+    return goOn(intf.tag == 0 ? Reason::outOfRoutedPort : Reason::outOfSubInterface,
+                Step::lagMember);
+}
+
+}  // namespace SoftChip
