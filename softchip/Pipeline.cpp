@@ -8,12 +8,17 @@
 namespace SoftChip {
 namespace {
 
+using PipelineSteps::Verdict;
+using PipelineSteps::Walk;
 using Run = Verdict (*)(Walk&);
 
 // In the order of Step, the first at index 0.
 constexpr std::array<Run, 13> steps{
-    parse,      portUp, vlanClassification, vlanAdmission, ingressAcl, linkLocal,    routerMac,
-    ownAddress, route,  egressInterface,    fdb,           lagMember,  egressPortUp,
+    PipelineSteps::parse,           PipelineSteps::portUp,     PipelineSteps::vlanClassification,
+    PipelineSteps::vlanAdmission,   PipelineSteps::ingressAcl, PipelineSteps::linkLocal,
+    PipelineSteps::routerMac,       PipelineSteps::ownAddress, PipelineSteps::route,
+    PipelineSteps::egressInterface, PipelineSteps::fdb,        PipelineSteps::lagMember,
+    PipelineSteps::egressPortUp,
 };
 
 Verdict run(Step step, Walk& walk) {

@@ -5,7 +5,7 @@
 #include "softchip/PipelineSteps.h"
 
 // Steps 1 to 7 and 11 to 13: from the wire to a domain, and from a domain to the wire.
-namespace SoftChip {
+namespace SoftChip::PipelineSteps {
 namespace {
 
 constexpr std::uint16_t reservedTag = 4095;
@@ -245,4 +245,4 @@ Verdict egressPortUp(Walk& walk) {
     return port && port->up ? forward(Reason::forwarded) : drop(Reason::egressPortDown);
 }
 
-}  // namespace SoftChip
+}  // namespace SoftChip::PipelineSteps

@@ -4,7 +4,7 @@
 #include "softchip/PipelineSteps.h"
 
 // Steps 8 to 10: routing.
-namespace SoftChip {
+namespace SoftChip::PipelineSteps {
 namespace {
 
 bool isLoopback(IpAddress const& address) {
@@ -125,4 +125,4 @@ Verdict egressInterface(Walk& walk) {
                 Step::lagMember);
 }
 
-}  // namespace SoftChip
+}  // namespace SoftChip::PipelineSteps

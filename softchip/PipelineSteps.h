@@ -8,7 +8,7 @@
 #include "softchip/Tables.h"
 
 // The pipeline's inside: what its steps share. Only the Pipeline sources include it.
-namespace SoftChip {
+namespace SoftChip::PipelineSteps {
 
 // One frame on its way. Each step reads what the steps before it have found.
 struct Walk {
@@ -82,4 +82,4 @@ Verdict egressPortUp(Walk& walk);        // 13
 // "VLAN 10".
 std::string vlanText(DomainId vlan);
 
-}  // namespace SoftChip
+}  // namespace SoftChip::PipelineSteps
