@@ -42,7 +42,7 @@ class VYN_EXPORT Dir final : public Object {
   private:
     Dir() noexcept;
     ~Dir() override;
-    friend Vanta::Ptr<Dir> Vanta::makeNode<Dir>();
+    friend struct Vanta::NodeFactory;
 
     Entries entries_;
     Vanta::Publisher publisher_{this};

@@ -115,11 +115,19 @@ class Ptr {
     T* node_ = nullptr;
 };
 
+// What a node class with a private constructor befriends to be made by makeNode().
+struct NodeFactory {
+    template <class T, class... Args>
+    static Ptr<T> make(Args&&... args) {
+        return Ptr<T>::adopt(new T(std::forward<Args>(args)...));
+    }
+};
+
 // Makes a node and adopts its birth reference. Errors: whatever the constructor throws; the node
 // is freed before the exception leaves.
 template <class T, class... Args>
 Ptr<T> makeNode(Args&&... args) {
-    return Ptr<T>::adopt(new T(std::forward<Args>(args)...));
+    return NodeFactory::make<T>(std::forward<Args>(args)...);
 }
 
 // The same node as another type, or null if it is not of that type.

@@ -1,0 +1,119 @@
+// The event loop and its cooperative tasks.
+//
+// One turn, in this order:
+//   1. calls posted from other threads, in the order of posting;
+//   2. every descriptor that was readable at the turn's start, once, in the order of creation;
+//   3. every task that is scheduled when this phase begins, once, lower priority number first,
+//      then in the order of scheduling. What is scheduled meanwhile runs in the next turn.
+//
+// A waiting engine reschedules itself for ever. When a turn ran only tasks that scheduled
+// themselves and nothing arrived, the next wait may block:
+//
+//   such turns so far   longest wait
+//   up to 200           none
+//   more                50 us, doubling to 1 ms
+//
+// Anything that arrives ends the wait and starts the count anew. With no task scheduled at all the
+// wait lasts until something arrives or the caller's own limit.
+//
+// Threads: post() and stop() from any; everything else from the event thread alone.
+#pragma once
+
+#include <poll.h>
+
+#include <array>
+#include <chrono>
+#include <cstdint>
+#include <functional>
+#include <limits>
+#include <mutex>
+#include <vector>
+
+#include "Kel/Object.h"
+#include "VynExport.h"
+
+namespace Orb {
+
+class FileDescriptor;
+class Task;
+
+// Lower runs first.
+enum class TaskPriority : std::uint8_t { p0, p1, p2, p3, p4, p5, p6, p7 };
+
+class VYN_EXPORT TaskSchedulerRoot final : public Kel::Object {
+  public:
+    using Wait = std::chrono::nanoseconds;
+    static constexpr Wait forever = Wait::max();
+    static constexpr unsigned defaultYieldAfter = 64;
+    static constexpr unsigned neverYield = std::numeric_limits<unsigned>::max();
+
+    // A new loop. Errors: std::system_error if the system gives no descriptor.
+    static Vanta::Ptr<TaskSchedulerRoot> TaskSchedulerRootIs();
+
+    // One turn. Waits before it for as long as the rules above allow, but never longer than
+    // `maxWait`. Returns true if the turn had anything to do.
+    bool turn(Wait maxWait = Wait::zero());
+
+    // Turns until stop() is called. A stop() that came before the call counts.
+    void run();
+
+    // Ends run() after the turn under way. Thread: any.
+    void stop();
+
+    // Has `call` run in a later turn. Thread: any.
+    void post(std::function<void()> call);
+
+    // From now on "should yield" answers no `checks` times in each run of a task, then yes.
+    void yieldAfterIs(unsigned checks) noexcept { yieldAfter_ = checks; }
+    unsigned yieldAfter() const noexcept { return yieldAfter_; }
+
+    // The task that is running at this moment, or null.
+    Task const* running() const noexcept { return running_; }
+    // Tasks that are scheduled at this moment.
+    std::size_t scheduledTasks() const noexcept;
+
+    Kel::TypeInfo const& typeInfo() const noexcept override;
+
+  private:
+    friend class FileDescriptor;
+    friend class Task;
+    friend struct Vanta::NodeFactory;
+
+    static constexpr std::size_t priorities = 8;
+
+    // An intrusive list of tasks, in the order of scheduling.
+    struct Queue {
+        Task* first = nullptr;
+        Task* last = nullptr;
+    };
+    using Queues = std::array<Queue, priorities>;
+
+    TaskSchedulerRoot();
+    ~TaskSchedulerRoot() override;
+
+    Wait allowedWait(Wait maxWait) const noexcept;
+    bool waitForEvents(Wait wait);
+    bool runPosted();
+    bool announceReadable();
+    bool runTasks();
+    void runTask(Task& task);
+    void noteTurn(bool arrived);
+    void wake();
+    Task* nextTask() noexcept;
+
+    int wakeDescriptor_;
+    std::mutex mutex_;  // guards posted_ and stopping_
+    std::vector<std::function<void()>> posted_;
+    bool stopping_ = false;
+
+    std::vector<FileDescriptor*> descriptors_;  // in the order of creation
+    std::vector<FileDescriptor*> readable_;     // of the turn under way
+    std::vector<pollfd> polled_;
+    Queues scheduled_;                          // for the next turn
+    Queues turn_;                               // of the turn under way
+    Task* running_ = nullptr;
+    unsigned yieldAfter_ = defaultYieldAfter;
+    unsigned waitingTurns_ = 0;  // turns in a row that ran only tasks that scheduled themselves
+};
+
+}  // namespace Orb
