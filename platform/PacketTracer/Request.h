@@ -1,0 +1,78 @@
+// One question: where would this packet go, if it came in on this interface?
+//
+// The client fills a request in and then sets `valid`. Every setter stores and publishes a change
+// only when the value differs. Thread: the event thread.
+#pragma once
+
+#include <cstdint>
+
+#include "Kel/Object.h"
+#include "PacketTracer/RequestId.h"
+#include "Plexa/IntfId.h"
+#include "Vanta/Bytes.h"
+#include "Vanta/Publisher.h"
+#include "VynExport.h"
+
+namespace PacketTracer {
+
+class VYN_EXPORT Request final : public Kel::Object {
+  public:
+    enum Attribute : Vanta::AttributeNumber {
+        idAttribute = Kel::firstAttribute,
+        validAttribute,
+        etherTypeAttribute,
+        mplsAttribute,
+        greAttribute,
+        intfAttribute,
+        frameAttribute,
+    };
+
+    // A new request, not valid yet, with an empty frame.
+    static Vanta::Ptr<Request> RequestIs(RequestId id);
+
+    RequestId const& id() const noexcept { return id_; }
+
+    // Whether the client has finished writing the request.
+    bool valid() const noexcept { return valid_; }
+    void validIs(bool valid);
+
+    // The packet's EtherType, the innermost one.
+    std::uint16_t etherType() const noexcept { return etherType_; }
+    void etherTypeIs(std::uint16_t etherType);
+
+    // Whether the packet carries an MPLS label stack, a GRE header.
+    bool mpls() const noexcept { return mpls_; }
+    void mplsIs(bool mpls);
+    bool gre() const noexcept { return gre_; }
+    void greIs(bool gre);
+
+    // The interface that the packet comes in on.
+    Plexa::IntfId const& intf() const noexcept { return intf_; }
+    void intfIs(Plexa::IntfId const& intf);
+
+    // The whole frame, taken as it is; an empty one is a packet that cannot be built.
+    Vanta::Bytes const& frame() const noexcept { return frame_; }
+    void frameIs(Vanta::Bytes frame);
+
+    Vanta::Publisher const& publisher() const noexcept { return publisher_; }
+    Kel::TypeInfo const& typeInfo() const noexcept override;
+
+  private:
+    friend struct Vanta::NodeFactory;
+    explicit Request(RequestId id) : id_(std::move(id)) {}
+    ~Request() override = default;
+
+    template <class T>
+    void set(T& stored, T value, Attribute attribute);
+
+    RequestId id_;
+    Plexa::IntfId intf_;
+    Vanta::Bytes frame_;
+    std::uint16_t etherType_ = 0;
+    bool valid_ = false;
+    bool mpls_ = false;
+    bool gre_ = false;
+    Vanta::Publisher publisher_{this};
+};
+
+}  // namespace PacketTracer
