@@ -1,3 +1,5 @@
 #include "Vanta/String.h"
 
-int main() { return Vanta::String("tracer").empty() ? 1 : 0; }
+int main() {
+    return Vanta::String("tracer").empty() ? 1 : 0;
+}
