@@ -1,0 +1,188 @@
+#include "agent/SwitchFile.h"
+
+#include <algorithm>
+
+#include "agent/NumberText.h"
+#include "agent/SwitchFileReader.h"
+
+namespace Agent {
+
+Interface const* SwitchModel::interface(Plexa::IntfId const& id) const {
+    auto const found = places.find(id);
+    return found == places.end() ? nullptr : &interfaces[found->second];
+}
+
+SwitchModel parseSwitchFile(std::string_view text, std::string const& fileName) {
+    JsonDocument const document(text, fileName);
+    return SwitchFileReader(document).read();
+}
+
+SwitchModel readSwitchFile(std::string const& path) {
+    return parseSwitchFile(readWholeFile(path), path == "-" ? "standard input" : path);
+}
+
+std::uint16_t lagNumber(Plexa::IntfId const& lag) {
+    std::string const name = lag.stringValue();
+    return static_cast<std::uint16_t>(
+        parseNumber(std::string_view(name).substr(3), 1, 65535).value_or(0));
+}
+
+void onlyMembers(JsonValue object, std::initializer_list<std::string_view> names) {
+    for (JsonValue const member : object.object()) {
+        if (std::find(names.begin(), names.end(), member.name()) == names.end()) {
+            std::string known;
+            for (std::string_view const name : names) {
+                known += known.empty() ? "" : ", ";
+                known += name;
+            }
+            throw member.expected("one of the members " + known, member.shownName());
+        }
+    }
+}
+
+SoftChip::MacAddress readMac(JsonValue where, std::string_view text, std::string_view shown) {
+    auto const mac = SoftChip::MacAddress::fromText(text);
+    if (!mac) {
+        throw where.expected("a MAC address such as 02:1c:73:aa:00:01", shown);
+    }
+    return *mac;
+}
+
+SoftChip::MacAddress readStationMac(JsonValue where, std::string_view text,
+                                    std::string_view shown) {
+    auto const mac = readMac(where, text, shown);
+    if (mac.isMulticast() || mac.value == 0) {
+        throw where.expected("the MAC address of one station", shown);
+    }
+    return mac;
+}
+
+SwitchModel SwitchFileReader::read() {
+    onlyMembers(root_, {"$schema", "description", "routerMac", "vrfs", "acls", "vlans",
+                        "interfaces", "protocolCopies", "neighbours", "routes", "fdb"});
+    if (JsonValue const value = root_.member("$schema")) {
+        value.text();
+    }
+    if (JsonValue const value = root_.member("description")) {
+        model_.description = value.text();
+    }
+    if (JsonValue const value = root_.member("routerMac")) {
+        model_.routerMac = readStationMac(value, value.text("a MAC address"), value.shown());
+    }
+    readVrfs(root_.member("vrfs"));
+    if (JsonValue const value = root_.member("acls")) {
+        readAcls(value);
+    }
+    if (JsonValue const value = root_.member("vlans")) {
+        readVlans(value);
+    }
+    JsonValue const interfaces = root_.member("interfaces");
+    if (!interfaces) {
+        throw root_.expected("a member interfaces", "none");
+    }
+    readInterfaces(interfaces);
+    requireRouterMac();
+    if (JsonValue const value = root_.member("protocolCopies")) {
+        readProtocolCopies(value);
+    }
+    if (JsonValue const value = root_.member("neighbours")) {
+        readNeighbours(value);
+    }
+    if (JsonValue const value = root_.member("routes")) {
+        readRoutes(value);
+    }
+    if (JsonValue const value = root_.member("fdb")) {
+        readFdb(value);
+    }
+    return std::move(model_);
+}
+
+void SwitchFileReader::readVrfs(JsonValue value) {
+    model_.vrfs.emplace_back("default");
+    vrfs_.emplace("default", 0);
+    if (!value) {
+        return;
+    }
+    for (JsonValue const vrf : value.list()) {
+        std::string_view const name = vrf.text("the name of a VRF");
+        if (name.empty() || model_.vrfs.size() > 0xffff) {
+            throw vrf.expected("a name, and at most 65535 of them");
+        }
+        if (!vrfs_.emplace(name, static_cast<std::uint16_t>(model_.vrfs.size())).second) {
+            throw vrf.expected(name == "default" ? "a VRF besides default, which is always there"
+                                                 : "each VRF once");
+        }
+        model_.vrfs.emplace_back(name);
+    }
+}
+
+void SwitchFileReader::readVlans(JsonValue value) {
+    for (JsonValue const vlan : value.object()) {
+        readVlan(vlan);
+    }
+}
+
+void SwitchFileReader::readVlan(JsonValue value) {
+    auto const range = parseRange(value.name(), 1, maxVlan);
+    if (!range) {
+        throw value.expected("a VLAN from 1 to 4094, or a range such as 100-199",
+                             value.shownName());
+    }
+    onlyMembers(value, {"name", "acl"});
+    JsonValue const name = value.member("name");
+    JsonValue const acl = value.member("acl");
+    for (std::uint32_t id = range->first; id <= range->last; ++id) {
+        if (vlans_[id]) {
+            throw value.expected("each VLAN once", std::to_string(id) + " again");
+        }
+        vlans_[id] = true;
+        Vlan& vlan = model_.vlans.emplace_back();
+        vlan.id = static_cast<std::uint16_t>(id);
+        if (name) {
+            vlan.name = name.text("the VLAN's name");
+        }
+        if (acl) {
+            vlan.acl = aclOf(acl);
+        }
+    }
+}
+
+void SwitchFileReader::requireRouterMac() {
+    if (model_.routerMac.value != 0) {
+        return;
+    }
+    for (Interface const& intf : model_.interfaces) {
+        if (intf.routing) {
+            throw root_.expected("a member routerMac, because " + intf.id.stringValue() + " routes",
+                                 "none");
+        }
+    }
+}
+
+std::uint16_t SwitchFileReader::vrfOf(JsonValue where, std::string_view name) const {
+    auto const found = vrfs_.find(name);
+    if (found == vrfs_.end()) {
+        throw where.expected("default or a VRF of the list vrfs", "\"" + std::string(name) + "\"");
+    }
+    return found->second;
+}
+
+std::uint16_t SwitchFileReader::aclOf(JsonValue value) const {
+    auto const found = acls_.find(value.text("the name of an access list"));
+    if (found == acls_.end()) {
+        throw value.expected("an access list of the member acls");
+    }
+    return found->second;
+}
+
+Interface const& SwitchFileReader::interfaceOf(JsonValue where, std::string_view name,
+                                               std::string_view shown) const {
+    auto const id = Plexa::IntfId::fromName(name);
+    Interface const* const intf = id ? model_.interface(*id) : nullptr;
+    if (intf == nullptr) {
+        throw where.expected("an interface of the member interfaces", shown);
+    }
+    return *intf;
+}
+
+}  // namespace Agent

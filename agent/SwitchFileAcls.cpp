@@ -1,0 +1,379 @@
+// Access lists and the protocols that the CPU gets copies of.
+#include <algorithm>
+#include <map>
+#include <set>
+
+#include "agent/NumberText.h"
+#include "agent/SwitchFileReader.h"
+#include "softchip/Frame.h"
+
+namespace Agent {
+namespace {
+
+using SoftChip::FrameMatch;
+
+constexpr std::uint8_t protocolIgmp = 2;
+constexpr std::uint8_t protocolGre = 47;
+constexpr std::uint8_t protocolOspf = 89;
+constexpr std::uint8_t protocolPim = 103;
+constexpr std::uint8_t protocolVrrp = 112;
+
+struct ProtocolName {
+    std::string_view name;
+    std::uint8_t number;
+};
+constexpr std::array protocolNames{ProtocolName{"icmp", SoftChip::protocolIcmp},
+                                   ProtocolName{"igmp", protocolIgmp},
+                                   ProtocolName{"tcp", SoftChip::protocolTcp},
+                                   ProtocolName{"udp", SoftChip::protocolUdp},
+                                   ProtocolName{"gre", protocolGre},
+                                   ProtocolName{"icmpv6", SoftChip::protocolIcmpv6},
+                                   ProtocolName{"ospf", protocolOspf},
+                                   ProtocolName{"pim", protocolPim},
+                                   ProtocolName{"vrrp", protocolVrrp}};
+
+struct EtherTypeName {
+    std::string_view name;
+    std::uint16_t value;
+};
+constexpr std::array etherTypeNames{EtherTypeName{"ipv4", SoftChip::etherTypeIpv4},
+                                    EtherTypeName{"ipv6", SoftChip::etherTypeIpv6},
+                                    EtherTypeName{"arp", SoftChip::etherTypeArp}};
+
+struct FlagName {
+    std::string_view name;
+    std::uint8_t bit;
+};
+constexpr std::array tcpFlagNames{
+    FlagName{"fin", 0x01}, FlagName{"syn", 0x02}, FlagName{"rst", 0x04}, FlagName{"psh", 0x08},
+    FlagName{"ack", 0x10}, FlagName{"urg", 0x20}, FlagName{"ece", 0x40}, FlagName{"cwr", 0x80}};
+
+template <class Names>
+auto const* named(Names const& names, std::string_view name) {
+    auto const found = std::find_if(names.begin(), names.end(),
+                                    [name](auto const& entry) { return entry.name == name; });
+    return found == names.end() ? nullptr : &*found;
+}
+
+std::uint8_t readByte(JsonValue value, int most, std::string_view what) {
+    return static_cast<std::uint8_t>(value.integer(0, most, what));
+}
+
+std::uint16_t readEtherType(JsonValue value) {
+    if (value.kind() == JsonValue::Kind::integer) {
+        return static_cast<std::uint16_t>(value.integer(0x600, 0xffff, "an EtherType"));
+    }
+    constexpr std::string_view expected =
+        "an EtherType: ipv4, ipv6, arp, a number or a text such as 0x88cc";
+    std::string_view const text = value.text(expected);
+    if (auto const* const known = named(etherTypeNames, text)) {
+        return known->value;
+    }
+    std::uint32_t number = 0;
+    bool good = text.size() > 2 && text.size() <= 6 && text.substr(0, 2) == "0x";
+    for (char const c : good ? text.substr(2) : "") {
+        auto const digit = std::string_view("0123456789abcdef")
+                               .find(static_cast<char>(c >= 'A' && c <= 'F' ? c + 32 : c));
+        good = good && digit != std::string_view::npos;
+        number = number * 16 + static_cast<std::uint32_t>(digit & 15U);
+    }
+    if (!good || number < 0x600) {
+        throw value.expected(expected);
+    }
+    return static_cast<std::uint16_t>(number);
+}
+
+std::uint8_t readProtocol(JsonValue value) {
+    if (value.kind() == JsonValue::Kind::integer) {
+        return readByte(value, 255, "an IP protocol");
+    }
+    constexpr std::string_view expected =
+        "an IP protocol: icmp, igmp, tcp, udp, gre, icmpv6, ospf, pim, vrrp or a number";
+    auto const* const known = named(protocolNames, value.text(expected));
+    if (known == nullptr) {
+        throw value.expected(expected);
+    }
+    return known->number;
+}
+
+SoftChip::Range readNumberRange(JsonValue value, std::uint16_t most, std::string_view what) {
+    if (value.kind() == JsonValue::Kind::integer) {
+        auto const number = static_cast<std::uint16_t>(value.integer(0, most, what));
+        return {number, number};
+    }
+    auto const range = value.isText() ? parseRange(value.text(), 0, most) : std::nullopt;
+    if (!range) {
+        throw value.expected(std::string(what) + " from 0 to " + std::to_string(most) +
+                             ", or a range such as \"8000-8099\"");
+    }
+    return {static_cast<std::uint16_t>(range->first), static_cast<std::uint16_t>(range->last)};
+}
+
+SoftChip::MacMatch readMacMatch(JsonValue value) {
+    std::string_view const text = value.text("a MAC address, or address/mask");
+    std::size_t const slash = text.find('/');
+    SoftChip::MacMatch match;
+    match.value = readMac(value, text.substr(0, slash), value.shown());
+    if (slash != std::string_view::npos) {
+        match.mask = readMac(value, text.substr(slash + 1), value.shown());
+    }
+    return match;
+}
+
+SoftChip::IpMatch readIpMatch(JsonValue value) {
+    auto const prefix = SoftChip::Prefix::fromText(value.text("an IP prefix"));
+    if (!prefix) {
+        throw value.expected("an address, or a prefix without host bits such as 10.1.0.0/16");
+    }
+    return SoftChip::IpMatch::prefix(*prefix);
+}
+
+SoftChip::TcpFlagsMatch readTcpFlags(JsonValue value) {
+    std::string_view rest = value.text("TCP flags such as \"syn,!ack\"");
+    SoftChip::TcpFlagsMatch match;
+    while (true) {
+        std::size_t const comma = rest.find(',');
+        std::string_view flag = rest.substr(0, comma);
+        bool const set = flag.empty() || flag[0] != '!';
+        flag.remove_prefix(set ? 0 : 1);
+        auto const* const known = named(tcpFlagNames, flag);
+        if (known == nullptr || (match.mask & known->bit) != 0) {
+            throw value.expected(
+                "fin, syn, rst, psh, ack, urg, ece and cwr, each at most once, with ! for a flag "
+                "that is not set, as in \"syn,!ack\"");
+        }
+        match.mask |= known->bit;
+        match.value |= set ? known->bit : std::uint8_t{0};
+        if (comma == std::string_view::npos) {
+            return match;
+        }
+        rest.remove_prefix(comma + 1);
+    }
+}
+
+// Takes `field` into the match; false if it is no field of a frame.
+bool readField(JsonValue field, FrameMatch& match) {
+    std::string_view const name = field.name();
+    if (name == "sourceMac") {
+        match.srcMac = readMacMatch(field);
+    } else if (name == "destinationMac") {
+        match.dstMac = readMacMatch(field);
+    } else if (name == "etherType") {
+        match.etherType = readEtherType(field);
+    } else if (name == "vlanPriority") {
+        match.vlanPriority = readByte(field, 7, "a VLAN priority");
+    } else if (name == "source") {
+        match.srcIp = readIpMatch(field);
+    } else if (name == "destination") {
+        match.dstIp = readIpMatch(field);
+    } else if (name == "protocol") {
+        match.ipProtocol = readProtocol(field);
+    } else if (name == "dscp") {
+        match.dscp = readByte(field, 63, "a DSCP");
+    } else if (name == "ttl") {
+        match.ttl = readNumberRange(field, 255, "a TTL");
+    } else if (name == "fragment") {
+        match.fragment = field.boolean();
+    } else if (name == "sourcePort") {
+        match.srcPort = readNumberRange(field, 65535, "a port");
+    } else if (name == "destinationPort") {
+        match.dstPort = readNumberRange(field, 65535, "a port");
+    } else if (name == "tcpFlags") {
+        match.tcpFlags = readTcpFlags(field);
+    } else if (name == "icmpType") {
+        match.icmpType = readByte(field, 255, "an ICMP type");
+    } else if (name == "icmpCode") {
+        match.icmpCode = readByte(field, 255, "an ICMP code");
+    } else {
+        return false;
+    }
+    return true;
+}
+
+constexpr std::string_view fieldNames =
+    "sourceMac, destinationMac, etherType, vlanPriority, source, destination, protocol, dscp, ttl, "
+    "fragment, sourcePort, destinationPort, tcpFlags, icmpType, icmpCode";
+
+// What no frame can be at once, so that the rule could never match.
+void refuseImpossible(JsonValue rule, FrameMatch const& match) {
+    if (match.srcIp && match.dstIp && match.srcIp->value.family != match.dstIp->value.family) {
+        throw rule.member("destination")
+            .expected("an address of the same family as source",
+                      rule.member("destination").shown());
+    }
+    bool const ip = match.srcIp || match.dstIp || match.ipProtocol || match.dscp || match.ttl;
+    if (ip && match.etherType && *match.etherType != SoftChip::etherTypeIpv4 &&
+        *match.etherType != SoftChip::etherTypeIpv6 &&
+        (*match.etherType != SoftChip::etherTypeArp || match.ipProtocol || match.dscp ||
+         match.ttl)) {
+        throw rule.member("etherType").expected("ipv4 or ipv6 beside fields of IP");
+    }
+    auto const needs = [&](std::string_view field, std::initializer_list<std::uint8_t> protocols,
+                           std::string_view names) {
+        if (rule.member(field) && match.ipProtocol &&
+            std::find(protocols.begin(), protocols.end(), *match.ipProtocol) == protocols.end()) {
+            throw rule.member("protocol")
+                .expected(std::string(names) + " beside " + std::string(field));
+        }
+    };
+    for (std::string_view const field : {"sourcePort", "destinationPort"}) {
+        needs(field, {SoftChip::protocolTcp, SoftChip::protocolUdp}, "tcp or udp");
+    }
+    needs("tcpFlags", {SoftChip::protocolTcp}, "tcp");
+    for (std::string_view const field : {"icmpType", "icmpCode"}) {
+        needs(field, {SoftChip::protocolIcmp, SoftChip::protocolIcmpv6}, "icmp or icmpv6");
+    }
+}
+
+FrameMatch ipProtocol(std::uint8_t number) {
+    FrameMatch match;
+    match.ipProtocol = number;
+    return match;
+}
+
+FrameMatch udpTo(std::uint16_t first, std::uint16_t last) {
+    FrameMatch match = ipProtocol(SoftChip::protocolUdp);
+    match.dstPort = SoftChip::Range{first, last};
+    return match;
+}
+
+FrameMatch neighbourDiscovery(std::uint8_t type) {
+    FrameMatch match = ipProtocol(SoftChip::protocolIcmpv6);
+    match.icmpType = type;
+    return match;
+}
+
+// The frames that a protocol's name stands for; empty for an unknown name.
+std::vector<FrameMatch> protocolMatches(std::string_view name) {
+    if (name == "arp") {
+        FrameMatch match;
+        match.etherType = SoftChip::etherTypeArp;
+        return {match};
+    }
+    if (name == "nd") {
+        return {neighbourDiscovery(133), neighbourDiscovery(134), neighbourDiscovery(135),
+                neighbourDiscovery(136), neighbourDiscovery(137)};
+    }
+    if (name == "dhcp") {
+        return {udpTo(67, 68)};
+    }
+    if (name == "dhcpv6") {
+        return {udpTo(546, 547)};
+    }
+    if (name == "bfd") {
+        return {udpTo(3784, 3785)};
+    }
+    if (name == "igmp" || name == "ospf" || name == "pim" || name == "vrrp") {
+        return {ipProtocol(named(protocolNames, name)->number)};
+    }
+    return {};
+}
+
+}  // namespace
+
+void SwitchFileReader::readAcls(JsonValue value) {
+    for (JsonValue const acl : value.object()) {
+        if (acl.name().empty() || model_.acls.size() > 0xffff) {
+            throw acl.expected("a name for the access list, and at most 65536 of them",
+                               acl.shownName());
+        }
+        acls_.emplace(acl.name(), static_cast<std::uint16_t>(model_.acls.size()));
+        model_.acls.push_back(readAcl(acl));
+    }
+}
+
+Acl SwitchFileReader::readAcl(JsonValue value) {
+    Acl acl;
+    acl.name = value.name();
+    std::map<std::uint32_t, SoftChip::AclRule> rules;
+    std::uint32_t last = 0;
+    for (JsonValue const rule : value.list()) {
+        auto const read = readRule(rule, last <= 0xffffffff - 10 ? last + 10 : last);
+        last = read.sequence;
+        if (!rules.emplace(read.sequence, read).second) {
+            JsonValue const given = rule.member("sequence");
+            throw(given ? given : rule)
+                .expected("a sequence number that no other rule of the list has",
+                          std::to_string(last) + " again");
+        }
+    }
+    for (auto const& entry : rules) {
+        acl.rules.push_back(entry.second);
+    }
+    return acl;
+}
+
+SoftChip::AclRule SwitchFileReader::readRule(JsonValue value, std::uint32_t defaultSequence) {
+    SoftChip::AclRule rule;
+    rule.sequence = defaultSequence;
+    bool hasAction = false;
+    for (JsonValue const member : value.object()) {
+        if (member.name() == "sequence") {
+            rule.sequence =
+                static_cast<std::uint32_t>(member.integer(1, 0xffffffff, "a sequence number"));
+        } else if (member.name() == "action") {
+            constexpr std::string_view expected = "permit, drop or copy";
+            std::string_view const action = member.text(expected);
+            if (action != "permit" && action != "drop" && action != "copy") {
+                throw member.expected(expected);
+            }
+            hasAction = true;
+            rule.action = action == "drop" ? SoftChip::AclRule::Action::drop
+                                           : SoftChip::AclRule::Action::permit;
+            rule.copyToCpu = rule.copyToCpu || action == "copy";
+        } else if (member.name() == "copyToCpu") {
+            rule.copyToCpu = rule.copyToCpu || member.boolean();
+        } else if (member.name() == "remark") {
+            member.text();
+        } else if (!readField(member, rule.match)) {
+            throw member.expected("one of the members sequence, action, copyToCpu, remark, " +
+                                      std::string(fieldNames),
+                                  member.shownName());
+        }
+    }
+    if (!hasAction) {
+        throw value.expected("a member action", "none");
+    }
+    refuseImpossible(value, rule.match);
+    return rule;
+}
+
+void SwitchFileReader::readProtocolCopies(JsonValue value) {
+    std::set<std::string_view> seen;
+    for (JsonValue const entry : value.list()) {
+        if (entry.isObject()) {
+            SoftChip::ProtocolRule rule;
+            bool any = false;
+            for (JsonValue const member : entry) {
+                if (member.name() == "trap") {
+                    rule.trap = member.boolean();
+                } else if (readField(member, rule.match)) {
+                    any = true;
+                } else {
+                    throw member.expected("one of the members trap, " + std::string(fieldNames),
+                                          member.shownName());
+                }
+            }
+            if (!any) {
+                throw entry.expected("at least one field of a frame", "none");
+            }
+            refuseImpossible(entry, rule.match);
+            model_.protocolRules.push_back(rule);
+            continue;
+        }
+        constexpr std::string_view expected =
+            "arp, nd, dhcp, dhcpv6, igmp, ospf, pim, vrrp, bfd or an object of fields";
+        auto const matches = protocolMatches(entry.text(expected));
+        if (matches.empty()) {
+            throw entry.expected(expected);
+        }
+        if (!seen.insert(entry.text()).second) {
+            throw entry.expected("each protocol once", entry.shown() + " again");
+        }
+        for (FrameMatch const& match : matches) {
+            model_.protocolRules.push_back({match, false});
+        }
+    }
+}
+
+}  // namespace Agent
