@@ -12,10 +12,6 @@ using SoftChip::Family;
 using SoftChip::IpAddress;
 using SoftChip::Prefix;
 
-bool isLinkLocalV6(IpAddress const& address) {
-    return address.family == Family::ipv6 && address.hi >> 54 == 0x3fa;
-}
-
 bool speaksV6(Interface const& intf) {
     return std::any_of(intf.routing->addresses.begin(), intf.routing->addresses.end(),
                        [](auto const& own) { return own.address.family == Family::ipv6; });

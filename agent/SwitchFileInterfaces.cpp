@@ -49,10 +49,6 @@ bool isHostAddress(InterfaceAddress const& own) {
     return own.length >= 31 || ((v4 & hostBits) != 0 && (v4 & hostBits) != hostBits);
 }
 
-bool isLinkLocalV6(SoftChip::IpAddress const& address) {
-    return address.family == SoftChip::Family::ipv6 && address.hi >> 54 == 0x3fa;
-}
-
 // The first of these members that is there.
 JsonValue firstOf(JsonValue object, std::initializer_list<std::string_view> names) {
     for (std::string_view const name : names) {
