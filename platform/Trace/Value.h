@@ -16,12 +16,14 @@
 // that a statement needs. Nothing is formatted until a Value is appended to a text.
 #pragma once
 
+#include <array>
 #include <concepts>
 #include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
 
+#include "Plexa/IntfId.h"
 #include "VynExport.h"
 
 namespace Trace {
@@ -128,6 +130,15 @@ requires requires(T const& value) {
 }
 constexpr Value traceValue(T const& value) noexcept {
     return Value::text(value.view());
+}
+
+// An interface by its name, which is written only for a reader.
+inline Value traceValue(Plexa::IntfId const& intf) noexcept {
+    return Value::written(&intf, [](void const* object, char* to, std::size_t room) {
+        std::array<char, Plexa::IntfId::maxNameSize> name;
+        std::size_t const size = static_cast<Plexa::IntfId const*>(object)->nameTo(name.data());
+        return std::string_view(name.data(), size).copy(to, room);
+    });
 }
 
 }  // namespace Trace
