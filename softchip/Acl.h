@@ -24,7 +24,7 @@ struct Range {
 
 // Matches the addresses that equal `value` in the bits of `mask`.
 struct MacMatch {
-    MacAddress value;
+    MacAddress value{};
     MacAddress mask{0xffffffffffff};
 
     bool matches(MacAddress mac) const { return ((mac.value ^ value.value) & mask.value) == 0; }
@@ -32,8 +32,8 @@ struct MacMatch {
 
 // The same for IP; an address of the other family never matches.
 struct IpMatch {
-    IpAddress value;
-    IpAddress mask;  // its family is not looked at
+    IpAddress value{};
+    IpAddress mask{};  // its family is not looked at
 
     static IpMatch prefix(Prefix const& prefix);
     bool matches(IpAddress const& address) const {
@@ -53,26 +53,26 @@ struct TcpFlagsMatch {
 // port in a later fragment or behind a broken header) matches nothing.
 struct FrameMatch {
     // Where the frame came in: empty is everywhere.
-    LogicalPort ingress;
+    LogicalPort ingress{};
     DomainId domain = noDomain;
 
-    std::optional<MacMatch> srcMac;
-    std::optional<MacMatch> dstMac;
-    std::optional<std::uint16_t> etherType;    // the innermost one
-    std::optional<std::uint8_t> vlanPriority;  // of the outer tag
+    std::optional<MacMatch> srcMac{};
+    std::optional<MacMatch> dstMac{};
+    std::optional<std::uint16_t> etherType{};    // the innermost one
+    std::optional<std::uint8_t> vlanPriority{};  // of the outer tag
 
-    std::optional<IpMatch> srcIp;
-    std::optional<IpMatch> dstIp;
-    std::optional<std::uint8_t> ipProtocol;  // the one behind IPv6 extension headers
-    std::optional<std::uint8_t> dscp;
-    std::optional<Range> ttl;
-    std::optional<bool> fragment;
+    std::optional<IpMatch> srcIp{};
+    std::optional<IpMatch> dstIp{};
+    std::optional<std::uint8_t> ipProtocol{};  // the one behind IPv6 extension headers
+    std::optional<std::uint8_t> dscp{};
+    std::optional<Range> ttl{};
+    std::optional<bool> fragment{};
 
-    std::optional<Range> srcPort;  // TCP and UDP
-    std::optional<Range> dstPort;
-    std::optional<TcpFlagsMatch> tcpFlags;
-    std::optional<std::uint8_t> icmpType;  // ICMP and ICMPv6
-    std::optional<std::uint8_t> icmpCode;
+    std::optional<Range> srcPort{};  // TCP and UDP
+    std::optional<Range> dstPort{};
+    std::optional<TcpFlagsMatch> tcpFlags{};
+    std::optional<std::uint8_t> icmpType{};  // ICMP and ICMPv6
+    std::optional<std::uint8_t> icmpCode{};
 
     bool matches(ParsedFrame const& frame, LogicalPort from, DomainId in) const;
 };
@@ -85,7 +85,7 @@ struct AclRule {
 
     std::uint16_t list = 0;
     std::uint32_t sequence = 0;
-    FrameMatch match;
+    FrameMatch match{};
     Action action = Action::permit;
     bool copyToCpu = false;
 };

@@ -261,7 +261,7 @@ void Tables::routeIs(VrfId vrf, Prefix const& prefix, Route route) {
 }
 
 bool Tables::routeDel(VrfId vrf, Prefix const& prefix) {
-    return routes_.remove(vrf, prefix);
+    return routes_.remove(vrf, Prefix::of(prefix.address, prefix.length));
 }
 
 std::optional<Lpm<Route>::Match> Tables::route(VrfId vrf, IpAddress const& address) const {

@@ -55,13 +55,13 @@ struct LagMember {
 };
 
 struct Lag {
-    std::vector<LagMember> members;  // ascending by port
+    std::vector<LagMember> members{};  // ascending by port
 };
 
 // A VLAN and the ports and LAGs that it admits and floods to. The domain of a routed port or
 // sub-interface needs no Vlan.
 struct Vlan {
-    std::vector<LogicalPort> members;  // ascending
+    std::vector<LogicalPort> members{};  // ascending
 
     bool has(LogicalPort port) const;
 };
@@ -69,10 +69,10 @@ struct Vlan {
 // The routing side of a domain.
 struct L3Intf {
     VrfId vrf = 0;
-    MacAddress routerMac;
+    MacAddress routerMac{};
     // Where a routed port's or sub-interface's domain ends; none for a VLAN interface, whose VLAN's
     // FDB says it.
-    LogicalPort out;
+    LogicalPort out{};
     std::uint16_t tag = 0;  // the sub-interface's tag, 0 for none
 
     bool isVlan() const { return out.isNone(); }
@@ -81,7 +81,7 @@ struct L3Intf {
 // One way on: the interface and the neighbour's address there.
 struct NextHop {
     DomainId domain = noDomain;
-    IpAddress gateway;
+    IpAddress gateway{};
 
     friend bool operator==(NextHop const&, NextHop const&) = default;
 };
@@ -107,7 +107,7 @@ struct Route {
 
 // A protocol that the CPU wants to see, in every domain. The first rule that matches decides.
 struct ProtocolRule {
-    FrameMatch match;
+    FrameMatch match{};
     bool trap = false;  // true: to the CPU alone; false: a copy besides
 };
 
