@@ -1,0 +1,115 @@
+// The scripted chip: it does nothing by itself. It tells a listener of every call, gives back what
+// it was told to, and delivers answers and digests when asked.
+//
+//     ScriptChip::Journal journal;
+//     ScriptChip::ScriptChip chip(&journal);
+//     chip.sdkReturnIs(SdkFunction::genOnePkt, -5);       // the next one fails
+//     chip.phase0Data()->answerIs(ethernet1, bytes);      // delivered at once
+//     chip.counterIs(0, 1);
+//     chip.digest({{.pktId = 1, .egrPort = 132}});        // the registered callback runs at once
+//
+// What was scripted stays when a tracer goes and another one comes. The chip goes after the tracer
+// that uses it. Thread: the event thread; callbacks run on the caller's.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <initializer_list>
+#include <map>
+#include <optional>
+#include <span>
+
+#include "Vanta/Node.h"
+#include "scriptchip/Digest.h"
+#include "scriptchip/Listener.h"
+#include "scriptchip/Phase0Data.h"
+#include "sdkseam/Chip.h"
+
+namespace ScriptChip {
+
+class ScriptChip final : public SdkSeam::Chip {
+  public:
+    // A chip behind `device`. `listener` may be null; it outlives the chip.
+    // Errors: std::logic_error if the device has a chip already.
+    explicit ScriptChip(Listener* listener = nullptr, VynId::VynDevId device = 0);
+    ScriptChip(ScriptChip const&) = delete;
+    ScriptChip& operator=(ScriptChip const&) = delete;
+    ~ScriptChip();
+
+    // Moves the chip to another device id. Errors: std::logic_error if that one is taken; the chip
+    // is then behind none.
+    void deviceIs(VynId::VynDevId device);
+    VynId::VynDevId device() const noexcept { return device_; }
+
+    // What the tracer is given beside the functions.
+    Vanta::Ptr<Phase0Data> const& phase0Data() const noexcept { return phase0Data_; }
+    Vanta::Ptr<DigestLayout> const& digestLayout() const noexcept { return digestLayout_; }
+    Vanta::Ptr<LearnQuanta> const& learnQuanta() const noexcept { return learnQuanta_; }
+
+    // What getPktCounters gives for a pipe from now on, 0 before. A list gives one value a read,
+    // and its last value stays. A failing read counts as a read and gives the value too.
+    void counterIs(std::uint32_t pipe, std::uint64_t value) { counterIs(pipe, {&value, 1}); }
+    // Precondition: `values` is not empty.
+    void counterIs(std::uint32_t pipe, std::span<std::uint64_t const> values);
+
+    // Of the calls of a function, the next `after` return 0, the `times` after those `rc`, then 0
+    // again. In place of what the function was told before; `times` 0 cancels that.
+    void sdkReturnIs(SdkFunction function, p4_pd_status_t rc, std::uint32_t times = 1,
+                     std::uint32_t after = 0) noexcept;
+
+    // Calls the registered callback with one learn message of these entries (at most 65535), whose
+    // first 8 bytes are the device, then zeros; returns what the callback returns. Nothing happens
+    // without a callback.
+    std::optional<p4_pd_status_t> digest(std::span<DigestEntry const> entries);
+    std::optional<p4_pd_status_t> digest(std::initializer_list<DigestEntry> entries) {
+        return digest(std::span(entries.begin(), entries.size()));
+    }
+    // Whether a callback is registered. A failing registration registers none; a deregistration
+    // removes the callback whatever it returns.
+    bool hasCallback() const noexcept { return callback_.has_value(); }
+
+    p4_pd_status_t getPktCounters(p4_pd_sess_hdl_t session, std::uint32_t pipe, std::uint32_t appId,
+                                  std::uint64_t& count) override;
+    p4_pd_status_t genOnePkt(p4_pd_sess_hdl_t session, std::uint32_t pipe, std::uint32_t genPort,
+                             std::uint8_t portIndex, std::uint32_t appId,
+                             std::span<std::uint8_t const> pkt,
+                             std::span<std::uint8_t const> phase0, std::uint16_t pktId) override;
+    p4_pd_status_t disableAppId(p4_pd_sess_hdl_t session, std::uint32_t pipe,
+                                std::uint32_t appId) override;
+    p4_pd_status_t disablePktGen(p4_pd_sess_hdl_t session, std::uint32_t pipe,
+                                 std::uint32_t genPort) override;
+    p4_pd_status_t digestRegister(p4_pd_sess_hdl_t session, std::uint32_t handle,
+                                  pipe_flow_lrn_notify_cb callback, void* cookie) override;
+    p4_pd_status_t digestDeregister(p4_pd_sess_hdl_t session, std::uint32_t handle) override;
+    p4_pd_status_t notifyAck(p4_pd_sess_hdl_t session, std::uint32_t handle,
+                             pipe_flow_lrn_msg_t* message) override;
+
+  private:
+    struct Callback {
+        p4_pd_sess_hdl_t session;
+        pipe_flow_lrn_notify_cb function;
+        void* cookie;
+    };
+    struct Script {
+        std::uint32_t after = 0;
+        std::uint32_t times = 0;
+        p4_pd_status_t rc = 0;
+    };
+
+    p4_pd_status_t nextReturn(SdkFunction function) noexcept;
+    std::uint64_t nextCount(std::uint32_t pipe);
+    p4_pd_status_t finish(SdkCall call);
+
+    Listener* listener_;
+    VynId::VynDevId device_;
+    Vanta::Ptr<Phase0Data> phase0Data_;
+    Vanta::Ptr<DigestLayout> digestLayout_;
+    Vanta::Ptr<LearnQuanta> learnQuanta_;
+    std::map<std::uint32_t, std::deque<std::uint64_t>> counters_;
+    std::array<Script, allSdkFunctions.size()> scripts_;
+    std::optional<Callback> callback_;
+    std::optional<SdkSeam::Registration> registration_;
+};
+
+}  // namespace ScriptChip
