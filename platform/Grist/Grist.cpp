@@ -1,15 +1,8 @@
 #include "Grist/Grist.h"
 
 #include <array>
+#include <cstdlib>
 #include <new>
-
-#if defined(__SANITIZE_ADDRESS__)
-#define VYN_NO_SLABS
-#elif defined(__has_feature)
-#if __has_feature(address_sanitizer)
-#define VYN_NO_SLABS
-#endif
-#endif
 
 namespace Grist {
 namespace {
@@ -18,8 +11,10 @@ constexpr std::size_t granule = alignof(std::max_align_t);
 constexpr std::size_t classes = largestBlock / granule;
 constexpr std::size_t slabSize = std::size_t{64} * 1024;
 
-#ifdef VYN_NO_SLABS
+#if defined(__SANITIZE_ADDRESS__)
 constexpr bool slabsInUse = false;
+#elif defined(__has_feature)
+constexpr bool slabsInUse = !__has_feature(address_sanitizer);
 #else
 constexpr bool slabsInUse = true;
 #endif
@@ -38,6 +33,7 @@ struct SizeClass {
 std::array<SizeClass, classes> sizeClasses;
 std::uint64_t live = 0;
 std::uint64_t fromSystem = 0;
+std::uint64_t leftUntilFailure = 0;
 
 constexpr std::size_t classOf(std::size_t size) {
     return size == 0 ? 0 : (size - 1) / granule;
@@ -47,9 +43,17 @@ bool isSlabBlock(std::size_t size) {
     return slabsInUse && size <= largestBlock;
 }
 
+// Every allocation passes here first, so a failure that a test asks for changes nothing.
+void passFailurePoint() {
+    if (leftUntilFailure != 0 && --leftUntilFailure == 0) [[unlikely]] {
+        throw std::bad_alloc();
+    }
+}
+
 }  // namespace
 
 void* allocate(std::size_t size) {
+    passFailurePoint();
     if (!isSlabBlock(size)) {
         void* block = ::operator new(size);
         ++live;
@@ -85,6 +89,31 @@ void deallocate(void* block, std::size_t size) noexcept {
     }
     SizeClass& sizeClass = sizeClasses[classOf(size)];
     sizeClass.free = ::new (block) FreeBlock{sizeClass.free};
+}
+
+void* allocateZeroed(std::size_t size) {
+    passFailurePoint();
+    void* const block = std::calloc(1, size);
+    if (block == nullptr) {
+        throw std::bad_alloc();
+    }
+    ++live;
+    return block;
+}
+
+void deallocateZeroed(void* block) noexcept {
+    if (block != nullptr) {
+        --live;
+        std::free(block);
+    }
+}
+
+void failAfterIs(std::uint64_t count) noexcept {
+    leftUntilFailure = count;
+}
+
+std::uint64_t failAfter() noexcept {
+    return leftUntilFailure;
 }
 
 std::uint64_t liveBlocks() noexcept {

@@ -24,7 +24,23 @@ VYN_EXPORT void* allocate(std::size_t size);
 // Gives back a block of allocate(size). A null block is ignored. Never fails.
 VYN_EXPORT void deallocate(void* block, std::size_t size) noexcept;
 
-// Blocks that are handed out at this moment, large ones included.
+// A zeroed block of any size straight from the system, which fills its pages when they are first
+// touched: what a large table is made of, so that making it does not pause.
+// Errors: std::bad_alloc, with nothing changed.
+VYN_EXPORT void* allocateZeroed(std::size_t size);
+
+// Gives back a block of allocateZeroed(). A null block is ignored. Never fails.
+VYN_EXPORT void deallocateZeroed(void* block) noexcept;
+
+// For tests of failure: has the `count`-th allocation from now on throw std::bad_alloc, once; 0
+// calls that off. Whatever this library hands out counts as one allocation, whether or not the
+// block comes from a slab, so every place where memory can run out is reached by its number.
+VYN_EXPORT void failAfterIs(std::uint64_t count) noexcept;
+
+// Allocations still to come up to the one that fails; 0 if none will.
+VYN_EXPORT std::uint64_t failAfter() noexcept;
+
+// Blocks that are handed out at this moment, large and zeroed ones included.
 VYN_EXPORT std::uint64_t liveBlocks() noexcept;
 
 // Bytes of slabs taken from the system so far.

@@ -1,7 +1,7 @@
 // A table of buckets that grows by one bucket at a time (linear hashing).
 //
-// Buckets live in segments that double in size. A segment comes zeroed from the system, which
-// fills its pages when they are first touched, so not even doubling a large table pauses.
+// Buckets live in segments that double in size. A segment's pages are filled by the system when
+// they are first touched, so not even doubling a large table pauses.
 // Thread: one only.
 #pragma once
 
@@ -9,16 +9,21 @@
 #include <bit>
 #include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <memory>
-#include <new>
 #include <utility>
+
+#include "Grist/Grist.h"
 
 namespace Kel {
 
 class HashBuckets {
   public:
     HashBuckets() { segments_[0] = makeSegment(firstSegment); }
+
+    static void* operator new(std::size_t size) { return Grist::allocate(size); }
+    static void operator delete(void* block, std::size_t size) noexcept {
+        Grist::deallocate(block, size);
+    }
 
     std::size_t count() const noexcept { return base_ + splits_; }
 
@@ -52,16 +57,12 @@ class HashBuckets {
     static constexpr std::size_t firstSegment = 16;
 
     struct Free {
-        void operator()(void** segment) const noexcept { std::free(segment); }
+        void operator()(void** segment) const noexcept { Grist::deallocateZeroed(segment); }
     };
     using Segment = std::unique_ptr<void*[], Free>;
 
     static Segment makeSegment(std::size_t size) {
-        auto* memory = static_cast<void**>(std::calloc(size, sizeof(void*)));
-        if (memory == nullptr) {
-            throw std::bad_alloc();
-        }
-        return Segment(memory);
+        return Segment(static_cast<void**>(Grist::allocateZeroed(size * sizeof(void*))));
     }
     // Segment 0 holds the first 16 buckets, segment k the 16 * 2^(k-1) that follow.
     static std::size_t segmentOf(std::size_t index) noexcept {
