@@ -12,9 +12,10 @@ Vanta::Ptr<Dir> Dir::DirIs() {
 void Dir::entryIs(Vanta::String const& name, Vanta::Ptr<Vanta::Node> entity) {
     // The entity that is replaced is released after the publication, so that whoever still works
     // with it during delivery finds it alive.
-    Vanta::Ptr<Vanta::Node>& place = entries_.findOrInsert(name).value;
+    Vanta::String const key = name;  // the caller's reference may be the entry's own key
+    Vanta::Ptr<Vanta::Node>& place = entries_.findOrInsert(key).value;
     Vanta::Ptr<Vanta::Node> const old = std::exchange(place, std::move(entity));
-    publisher_.publish(entryAttribute, Vanta::ValueRef::to(name), Vanta::ValueRef::to(old));
+    publisher_.publish(entryAttribute, Vanta::ValueRef::to(key), Vanta::ValueRef::to(old));
 }
 
 Vanta::Ptr<Vanta::Node> Dir::entryDel(Vanta::String const& name) {

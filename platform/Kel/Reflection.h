@@ -54,7 +54,9 @@ struct TypeInfo {
 };
 
 // Sends a value to a sink. Types of other namespaces bring a reflectValue() of their own.
-inline void reflectValue(AttributeSink& sink, bool value) {
+// Truth values alone: a pointer does not become one.
+template <std::same_as<bool> T>
+void reflectValue(AttributeSink& sink, T value) {
     sink.boolean(value);
 }
 template <std::signed_integral T>

@@ -4,10 +4,14 @@
 
 #include <map>
 #include <memory>
+#include <new>
 #include <optional>
 #include <random>
+#include <stdexcept>
 #include <string>
 #include <vector>
+
+#include "Grist/Grist.h"
 
 namespace {
 
@@ -105,6 +109,84 @@ TEST_P(CollectionOf, VisitsAnEntryAddedWhenTheOnlyOthersWereRemoved) {
     EXPECT_EQ(visited, (Keys{0, -1}));
 }
 
+TEST_P(CollectionOf, VisitsAKeyThatIsRemovedAndAddedAgainOnceMore) {
+    Keys visited;
+    for (auto const& entry : numbers) {
+        visited.push_back(entry.key);
+        if (visited.size() == 1) {
+            numbers.remove(0);
+            numbers.insert(0, "again");
+        }
+    }
+    EXPECT_EQ(visited.size(), static_cast<std::size_t>(GetParam()) + 1);
+    EXPECT_EQ(visited.back(), 0);
+}
+
+TEST_P(CollectionOf, GoesOnWhenTheEntryUnderItAndAllBeforeItAreRemoved) {
+    Keys visited;
+    for (auto const& entry : numbers) {
+        visited.push_back(entry.key);
+        if (visited.size() == 2) {
+            numbers.remove(1);
+            numbers.remove(0);
+        }
+    }
+    EXPECT_EQ(keys(numbers).size(), static_cast<std::size_t>(GetParam()) - 2);
+    EXPECT_EQ(visited.size(), static_cast<std::size_t>(GetParam()));
+}
+
+TEST_P(CollectionOf, NeverMovesAnEntry) {
+    auto const* const first = numbers.find(0);
+    for (int key = GetParam(); key < 3 * GetParam(); ++key) {
+        numbers.insert(key, "");
+    }
+    for (int key = 1; key < 3 * GetParam(); ++key) {
+        numbers.remove(key);
+    }
+    EXPECT_EQ(numbers.find(0), first);
+}
+
+// One entry, and at most the table or a segment of it besides.
+TEST_P(CollectionOf, TakesFewBlocksForAnInsertion) {
+    for (int key = GetParam(); key < 2 * GetParam(); ++key) {
+        auto const before = Grist::liveBlocks();
+        numbers.insert(key, "");
+        EXPECT_LE(Grist::liveBlocks(), before + 3);
+    }
+}
+
+TEST_P(CollectionOf, StaysAsItWasWhenMemoryRunsOutAtAnyPointOfAnInsertion) {
+    Keys const before = keys(numbers);
+    for (std::uint64_t failing = 1;; ++failing) {
+        Grist::failAfterIs(failing);
+        try {
+            numbers.insert(-1, "added");
+            break;
+        } catch (std::bad_alloc const&) {
+        }
+        ASSERT_EQ(keys(numbers), before);
+        ASSERT_EQ(numbers.size(), before.size());
+        ASSERT_FALSE(numbers.has(-1));
+        for (int const key : before) {
+            ASSERT_EQ(numbers.find(key)->value, std::to_string(key));
+        }
+    }
+    Grist::failAfterIs(0);
+    EXPECT_EQ(numbers.find(-1)->value, "added");
+    EXPECT_EQ(numbers.size(), before.size() + 1);
+}
+
+TEST_P(CollectionOf, GivesBackEveryBlock) {
+    auto const before = Grist::liveBlocks();
+    {
+        Numbers others;
+        for (int key = 0; key < GetParam(); ++key) {
+            others.insert(key, "");
+        }
+    }
+    EXPECT_EQ(Grist::liveBlocks(), before);
+}
+
 // The list alone, the list at its limit, and tables in every phase of growth.
 INSTANTIATE_TEST_SUITE_P(Sizes, CollectionOf, testing::Values(3, 8, 9, 16, 17, 33, 1000));
 
@@ -146,6 +228,53 @@ TEST(Collection, StaysEqualToAPlainMapOverARandomHistory) {
     for (auto const& [key, value] : model) {
         ASSERT_NE(numbers.find(key), nullptr);
         EXPECT_EQ(numbers.find(key)->value, value);
+    }
+}
+
+TEST(Collection, StaysAsItWasWhenAValueCannotBeMade) {
+    struct Stubborn {
+        explicit Stubborn(bool refuses) {
+            if (refuses) {
+                throw std::runtime_error("no");
+            }
+        }
+    };
+    auto const before = Grist::liveBlocks();
+    Kel::Collection<int, Stubborn> values;
+    values.insert(1, false);
+    EXPECT_THROW(values.insert(2, true), std::runtime_error);
+    EXPECT_EQ(values.size(), 1U);
+    EXPECT_FALSE(values.has(2));
+    EXPECT_EQ(Grist::liveBlocks(), before + 1);
+}
+
+TEST(Collection, IsWholeAgainBeforeARemovedValueGoes) {
+    struct Observer {
+        Kel::Collection<int, std::shared_ptr<Observer>>& values;
+        std::size_t& sizeSeen;
+        ~Observer() { sizeSeen = values.size(); }
+    };
+    Kel::Collection<int, std::shared_ptr<Observer>> values;
+    std::size_t sizeSeen = 7;
+    values.insert(1, std::make_shared<Observer>(values, sizeSeen));
+    values.insert(2, nullptr);
+    values.remove(1);
+    EXPECT_EQ(sizeSeen, 1U);
+}
+
+TEST(Collection, FindsEveryKeyAlsoWhenAllHashesAreEqual) {
+    struct Same {
+        std::size_t operator()(int) const noexcept { return 1; }
+    };
+    Kel::Collection<int, int, Same> numbers;
+    for (int key = 0; key < 100; ++key) {
+        numbers.insert(key, key);
+    }
+    for (int key = 0; key < 100; key += 2) {
+        EXPECT_EQ(numbers.remove(key), key);
+    }
+    for (int key = 0; key < 100; ++key) {
+        EXPECT_EQ(numbers.has(key), key % 2 == 1);
     }
 }
 

@@ -71,4 +71,68 @@ TEST_F(Directory, RemovesAnEntryNamedByItsOwnKey) {
     EXPECT_EQ(changes.back(), "266:a name that is in a block of its own");
 }
 
+TEST_F(Directory, IteratesInTheOrderInWhichTheNamesCame) {
+    dir->entryIs("b", makeNode<Entity>());
+    dir->entryIs("a", makeNode<Entity>());
+    dir->entryDel("b");
+    dir->entryIs("b", makeNode<Entity>());
+    std::string names;
+    for (auto const& entry : dir->entry()) {
+        names += entry.key.view();
+    }
+    EXPECT_EQ(names, "ab");
+}
+
+TEST_F(Directory, KeepsTheReplacedEntityAliveUntilEverybodyWasTold) {
+    auto const before = Vanta::Node::liveCount();
+    dir->entryIs("a", makeNode<Entity>());
+    struct Counter {
+        void dispatch(Vanta::Publisher const&, Vanta::Subscriber&, Vanta::AttributeNumber,
+                      Vanta::ValueRef, Vanta::ValueRef) {
+            seen = Vanta::Node::liveCount();
+        }
+        std::uint64_t seen = 0;
+        Vanta::Subscriber subscriber;
+    } counter;
+    counter.subscriber.subscribe<&Counter::dispatch>(dir->publisher(), &counter);
+    dir->entryIs("a", makeNode<Entity>());
+    EXPECT_EQ(counter.seen, before + 2);
+    EXPECT_EQ(Vanta::Node::liveCount(), before + 1);
+}
+
+// The first one told removes the entry whose key names the change.
+TEST_F(Directory, NamesAChangeToTheLastWhenAnEarlierOneRemovesTheEntry) {
+    dir->entryIs("a name that is in a block of its own", makeNode<Entity>());
+    changes.clear();
+    struct Remover {
+        void dispatch(Vanta::Publisher const&, Vanta::Subscriber& self, Vanta::AttributeNumber,
+                      Vanta::ValueRef, Vanta::ValueRef) {
+            self.unsubscribe();
+            dir.entryDel("a name that is in a block of its own");
+        }
+        Dir& dir;
+        Vanta::Subscriber subscriber;
+    } remover{*dir, {}};
+    remover.subscriber.subscribe<&Remover::dispatch>(dir->publisher(), &remover);
+    subscriber.subscribe<&Directory::dispatch>(dir->publisher(), this);
+    dir->entryIs(dir->entry().begin()->key, makeNode<Entity>());
+    EXPECT_EQ(changes, (Changes{"266:a name that is in a block of its own",
+                                "266:a name that is in a block of its own"}));
+}
+
+TEST_F(Directory, MayGoWhileItsChangeIsDelivered) {
+    struct Releaser {
+        void dispatch(Vanta::Publisher const&, Vanta::Subscriber&, Vanta::AttributeNumber,
+                      Vanta::ValueRef, Vanta::ValueRef) {
+            dir = nullptr;
+        }
+        Ptr<Dir>& dir;
+        Vanta::Subscriber subscriber;
+    } releaser{dir, {}};
+    releaser.subscriber.subscribe<&Releaser::dispatch>(dir->publisher(), &releaser);
+    dir->entryIs("a", makeNode<Entity>());
+    EXPECT_EQ(dir, nullptr);
+    EXPECT_FALSE(subscriber.subscribed());
+}
+
 }  // namespace

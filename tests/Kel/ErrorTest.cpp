@@ -1,0 +1,56 @@
+#include "Kel/Error.h"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <type_traits>
+
+namespace {
+
+TEST(Error, OfReinstantiationNamesTypeAttributeAndBothValues) {
+    Kel::ReinstantiationError const error("PktGenCfgData", "pkt", "00ff", "01ff");
+    EXPECT_EQ(error.typeName(), "PktGenCfgData");
+    EXPECT_EQ(error.attribute(), "pkt");
+    EXPECT_EQ(error.oldValue(), "00ff");
+    EXPECT_EQ(error.newValue(), "01ff");
+    EXPECT_STREQ(error.what(), "PktGenCfgData::pkt cannot change from 00ff to 01ff");
+}
+
+TEST(Error, OfAReinstantiatedValueIsCaughtAsReinstantiation) {
+    try {
+        throw Kel::ReinstantiatingValueError("PktGenCfgData", "ingIntf", "Ethernet1", "Ethernet2");
+    } catch (Kel::ReinstantiationError const& error) {
+        EXPECT_EQ(error.oldValue(), "Ethernet1");
+        EXPECT_EQ(error.newValue(), "Ethernet2");
+    }
+}
+
+TEST(Error, OfANullArgumentNamesTypeAndAttribute) {
+    Kel::NullArgumentError const error("PacketTracer::ClientConfig", "request");
+    EXPECT_EQ(error.typeName(), "PacketTracer::ClientConfig");
+    EXPECT_EQ(error.attribute(), "request");
+    EXPECT_STREQ(error.what(), "PacketTracer::ClientConfig::request given null");
+}
+
+TEST(Error, OfARangeCarriesTheTextOfItsType) {
+    Kel::RangeError const error("Bridging::VlanId", "value", "1 to 4094, please");
+    EXPECT_EQ(error.typeName(), "Bridging::VlanId");
+    EXPECT_EQ(error.attribute(), "value");
+    EXPECT_STREQ(error.what(), "1 to 4094, please");
+}
+
+TEST(Error, IsAStandardExceptionWhateverItsKind) {
+    static_assert(std::is_base_of_v<std::exception, Kel::Error>);
+    static_assert(std::is_base_of_v<Kel::Error, Kel::ReinstantiatingValueError>);
+    static_assert(std::is_base_of_v<Kel::Error, Kel::NullArgumentError>);
+    EXPECT_THROW(throw Kel::RangeError("T", "a", ""), std::exception);
+}
+
+TEST(Error, KeepsItsTextWhenCopied) {
+    std::string text = "a text that is too long for a string's own few bytes";
+    Kel::RangeError const copy = Kel::RangeError("T", "a", text);
+    text.assign(text.size(), '-');
+    EXPECT_STREQ(copy.what(), "a text that is too long for a string's own few bytes");
+}
+
+}  // namespace
