@@ -16,6 +16,10 @@ Vanta::Ptr<FileDescriptor> FileDescriptor::FileDescriptorIs(Vanta::Ptr<TaskSched
 FileDescriptor::FileDescriptor(Vanta::Ptr<TaskSchedulerRoot> loop, int descriptor,
                                Vanta::String name)
     : loop_(std::move(loop)), descriptor_(descriptor), name_(std::move(name)) {
+    // Room for a turn's lists as well, so that a turn allocates nothing.
+    std::size_t const descriptors = loop_->descriptors_.size() + 1;
+    loop_->readable_.reserve(descriptors);
+    loop_->polled_.reserve(descriptors + 1);
     loop_->descriptors_.push_back(this);
 }
 

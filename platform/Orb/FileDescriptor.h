@@ -1,7 +1,8 @@
 // A descriptor of the system that belongs to an event loop.
 //
 // While it notifies on readable, every turn that finds it readable publishes the readable
-// attribute once. The object owns the descriptor. Thread: the event thread.
+// attribute once. Readable is what a read would not block on: data, the end, an error. The object
+// owns the descriptor. Thread: the event thread.
 #pragma once
 
 #include "Orb/TaskSchedulerRoot.h"
@@ -15,6 +16,7 @@ class VYN_EXPORT FileDescriptor final : public Kel::Object {
     static constexpr Vanta::AttributeNumber readableAttribute = 132;
 
     // Takes over `descriptor`, which is not announced until notifyOnReadableIs(true).
+    // Errors: std::bad_alloc; the descriptor is the caller's then.
     static Vanta::Ptr<FileDescriptor> FileDescriptorIs(Vanta::Ptr<TaskSchedulerRoot> loop,
                                                        int descriptor, Vanta::String name);
 
@@ -25,6 +27,7 @@ class VYN_EXPORT FileDescriptor final : public Kel::Object {
     // Sets or clears O_NONBLOCK. Errors: std::system_error.
     void nonBlockingIs(bool on);
 
+    // Switched off, it is not announced any more, not even in a turn under way.
     bool notifyOnReadable() const noexcept { return notifyOnReadable_; }
     void notifyOnReadableIs(bool on) noexcept { notifyOnReadable_ = on; }
 
@@ -40,6 +43,8 @@ class VYN_EXPORT FileDescriptor final : public Kel::Object {
 
     FileDescriptor(Vanta::Ptr<TaskSchedulerRoot> loop, int descriptor, Vanta::String name);
     ~FileDescriptor() override;
+
+    bool isAnnounced() const noexcept { return notifyOnReadable_ && descriptor_ != -1; }
 
     Vanta::Ptr<TaskSchedulerRoot> loop_;
     int descriptor_;

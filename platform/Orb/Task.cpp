@@ -21,7 +21,7 @@ void Task::schedule() {
         return;
     }
     scheduled_ = true;
-    selfScheduled_ = running_;
+    scheduler_->progress_ = scheduler_->progress_ || !running_;
     enqueue(scheduler_->scheduled_);
 }
 

@@ -55,7 +55,6 @@ class VYN_EXPORT Task final : public Kel::Object {
     TaskPriority priority_;
     bool scheduled_ = false;
     bool running_ = false;
-    bool selfScheduled_ = false;  // scheduled by its own run
     unsigned checks_ = 0;
     Vanta::String name_;
     TaskSchedulerRoot::Queues* queues_ = nullptr;  // where it is queued

@@ -16,6 +16,8 @@ namespace {
 constexpr unsigned busyTurns = 200;
 constexpr std::chrono::microseconds shortestWait{50};
 constexpr std::chrono::microseconds longestWait{1000};
+// Where the count may stop, since the wait has reached its limit.
+constexpr unsigned waitingTurnsCounted = busyTurns + 8;
 
 }  // namespace
 
@@ -67,32 +69,35 @@ void TaskSchedulerRoot::run() {
 }
 
 bool TaskSchedulerRoot::turn(Wait maxWait) {
-    bool const woken = waitForEvents(allowedWait(maxWait));
+    Vanta::assertThat(!std::exchange(turning_, true), "!turning_");
+    bool const woken = waitForEvents(std::min(nextWait(), maxWait));
     bool const posted = runPosted();
     bool const readable = announceReadable();
     bool const tasks = runTasks();
-    noteTurn(woken || posted || readable);
+    progress_ = progress_ || woken || posted || readable;
+    waitingTurns_ = tasks && !progress_ ? std::min(waitingTurns_ + 1, waitingTurnsCounted) : 0;
+    progress_ = false;
+    turning_ = false;
     return posted || readable || tasks;
 }
 
-TaskSchedulerRoot::Wait TaskSchedulerRoot::allowedWait(Wait maxWait) const noexcept {
-    if (scheduledTasks() == 0 || maxWait == Wait::zero()) {
-        return maxWait;
+TaskSchedulerRoot::Wait TaskSchedulerRoot::nextWait() const noexcept {
+    if (firstTask(scheduled_) == nullptr) {
+        return forever;
     }
-    if (waitingTurns_ <= busyTurns) {
+    if (progress_ || waitingTurns_ <= busyTurns) {
         return Wait::zero();
     }
-    unsigned const doublings = std::min(waitingTurns_ - busyTurns - 1, 5U);
-    Wait const wait = std::min<Wait>(shortestWait * (1U << doublings), longestWait);
-    return std::min(wait, maxWait);
+    return std::min<Wait>(shortestWait * (1U << (waitingTurns_ - busyTurns - 1)), longestWait);
 }
 
 // Fills `readable_`; returns true if the wait was ended by post() or stop().
 bool TaskSchedulerRoot::waitForEvents(Wait wait) {
+    // No allocation: creating a descriptor made room for it in all lists.
     polled_.clear();
     polled_.push_back({wakeDescriptor_, POLLIN, 0});
     for (FileDescriptor* descriptor : descriptors_) {
-        if (descriptor->notifyOnReadable_ && descriptor->descriptor_ != -1) {
+        if (descriptor->isAnnounced()) {
             polled_.push_back({descriptor->descriptor_, POLLIN, 0});
             readable_.push_back(descriptor);
         }
@@ -106,8 +111,8 @@ bool TaskSchedulerRoot::waitForEvents(Wait wait) {
     int const ready =
         ::ppoll(polled_.data(), polled_.size(), wait == forever ? nullptr : &limit, nullptr);
     for (std::size_t i = 1; i < polled_.size(); ++i) {
-        bool const isReadable = ready > 0 && (polled_[i].revents & (POLLIN | POLLHUP)) != 0;
-        if (!isReadable) {
+        // Whatever is reported keeps a read from blocking, an end or an error too.
+        if (ready <= 0 || polled_[i].revents == 0) {
             readable_[i - 1] = nullptr;
         }
     }
@@ -137,10 +142,10 @@ bool TaskSchedulerRoot::runPosted() {
 
 bool TaskSchedulerRoot::announceReadable() {
     bool announced = false;
-    // By index: an announcement may close descriptors, which then stand here as null.
+    // By index: a descriptor that an announcement destroys stands here as null afterwards.
     for (std::size_t i = 0; i < readable_.size(); ++i) {
         if (FileDescriptor* const descriptor = readable_[i];
-            descriptor != nullptr && descriptor->descriptor_ != -1) {
+            descriptor != nullptr && descriptor->isAnnounced()) {
             announced = true;
             Vanta::Ptr<FileDescriptor> const alive(descriptor);
             alive->publisher_.publish(FileDescriptor::readableAttribute);
@@ -158,17 +163,17 @@ bool TaskSchedulerRoot::runTasks() {
         }
     }
     bool ran = false;
-    while (Task* const task = nextTask()) {
+    while (Task* const task = firstTask(turn_)) {
         ran = true;
         runTask(*task);
     }
     return ran;
 }
 
-Task* TaskSchedulerRoot::nextTask() noexcept {
+Task* TaskSchedulerRoot::firstTask(Queues const& queues) noexcept {
     auto const queue =
-        std::ranges::find_if(turn_, [](Queue const& q) { return q.first != nullptr; });
-    return queue != turn_.end() ? queue->first : nullptr;
+        std::ranges::find_if(queues, [](Queue const& q) { return q.first != nullptr; });
+    return queue != queues.end() ? queue->first : nullptr;
 }
 
 void TaskSchedulerRoot::runTask(Task& task) {
@@ -181,18 +186,7 @@ void TaskSchedulerRoot::runTask(Task& task) {
     task.publisher_.publish(Task::runAttribute);
     running_ = nullptr;
     task.running_ = false;
-}
-
-// Only tasks that wait for something outside are scheduled now if each was scheduled by its own
-// run; then the loop may give the processor away.
-void TaskSchedulerRoot::noteTurn(bool arrived) {
-    bool onlySelfScheduled = true;
-    for (Queue const& queue : scheduled_) {
-        for (Task const* task = queue.first; task != nullptr; task = task->next_) {
-            onlySelfScheduled = onlySelfScheduled && task->selfScheduled_;
-        }
-    }
-    waitingTurns_ = onlySelfScheduled && !arrived ? std::min(waitingTurns_ + 1, 1000U) : 0;
+    progress_ = progress_ || !task.scheduled_;
 }
 
 std::size_t TaskSchedulerRoot::scheduledTasks() const noexcept {

@@ -7,14 +7,15 @@
 //      then in the order of scheduling. What is scheduled meanwhile runs in the next turn.
 //
 // A waiting engine reschedules itself for ever. When a turn ran only tasks that scheduled
-// themselves and nothing arrived, the next wait may block:
+// themselves again and nothing arrived, the next wait may block:
 //
-//   such turns so far   longest wait
-//   up to 200           none
-//   more                50 us, doubling to 1 ms
+//   such turns in a row   longest wait
+//   up to 200             none
+//   more                  50 us, doubling to 1 ms
 //
-// Anything that arrives ends the wait and starts the count anew. With no task scheduled at all the
-// wait lasts until something arrives or the caller's own limit.
+// Anything that arrives ends the wait and starts the count anew, and so does a task that ends or
+// that is scheduled by somebody else. With no task scheduled at all the wait lasts until something
+// arrives or the caller's own limit.
 //
 // Threads: post() and stop() from any; everything else from the event thread alone.
 #pragma once
@@ -51,8 +52,13 @@ class VYN_EXPORT TaskSchedulerRoot final : public Kel::Object {
     static Vanta::Ptr<TaskSchedulerRoot> TaskSchedulerRootIs();
 
     // One turn. Waits before it for as long as the rules above allow, but never longer than
-    // `maxWait`. Returns true if the turn had anything to do.
+    // `maxWait`. Returns true if the turn had anything to do. An exception that leaves a posted
+    // call, an announcement or a task ends the process (Vanta/Assert.h).
+    // Preconditions: not inside a turn; the caller holds a reference to the loop meanwhile.
     bool turn(Wait maxWait = Wait::zero());
+
+    // How long the rules above allow the next turn to wait: zero, a time or `forever`.
+    Wait nextWait() const noexcept;
 
     // Turns until stop() is called. A stop() that came before the call counts.
     void run();
@@ -91,15 +97,13 @@ class VYN_EXPORT TaskSchedulerRoot final : public Kel::Object {
     TaskSchedulerRoot();
     ~TaskSchedulerRoot() override;
 
-    Wait allowedWait(Wait maxWait) const noexcept;
     bool waitForEvents(Wait wait);
     bool runPosted();
     bool announceReadable();
     bool runTasks();
     void runTask(Task& task);
-    void noteTurn(bool arrived);
     void wake();
-    Task* nextTask() noexcept;
+    static Task* firstTask(Queues const& queues) noexcept;
 
     int wakeDescriptor_;
     std::mutex mutex_;  // guards posted_ and stopping_
@@ -108,12 +112,15 @@ class VYN_EXPORT TaskSchedulerRoot final : public Kel::Object {
 
     std::vector<FileDescriptor*> descriptors_;  // in the order of creation
     std::vector<FileDescriptor*> readable_;     // of the turn under way
-    std::vector<pollfd> polled_;
-    Queues scheduled_;                          // for the next turn
-    Queues turn_;                               // of the turn under way
+    std::vector<pollfd> polled_ = std::vector<pollfd>(1);
+    Queues scheduled_;  // for the next turn
+    Queues turn_;       // of the turn under way
     Task* running_ = nullptr;
     unsigned yieldAfter_ = defaultYieldAfter;
-    unsigned waitingTurns_ = 0;  // turns in a row that ran only tasks that scheduled themselves
+    bool turning_ = false;
+    // Since the turn before: something arrived, a task ended, or one was scheduled by another.
+    bool progress_ = false;
+    unsigned waitingTurns_ = 0;  // turns in a row with tasks and without progress
 };
 
 }  // namespace Orb

@@ -1,0 +1,185 @@
+#include "Orb/FileDescriptor.h"
+
+#include <fcntl.h>
+#include <gtest/gtest.h>
+#include <unistd.h>
+
+#include <new>
+#include <system_error>
+
+#include "Grist/Grist.h"
+#include "Orb/Fixture.h"
+
+namespace {
+
+bool isOpen(int descriptor) {
+    return ::fcntl(descriptor, F_GETFD) != -1;
+}
+
+struct Descriptor : LoopTest {
+    std::unique_ptr<Pipe> a = pipe("a");
+    std::unique_ptr<Pipe> b = pipe("b");
+    std::unique_ptr<Pipe> c = pipe("c");
+};
+
+TEST_F(Descriptor, IsAnnouncedOnceInEveryTurnThatFindsItReadable) {
+    a->write();
+    a->write();
+    EXPECT_EQ(turn(), (Log{"a"}));
+    EXPECT_EQ(turn(), (Log{"a"}));
+}
+
+TEST_F(Descriptor, IsNotAnnouncedWhenThereIsNothingToRead) {
+    a->write();
+    a->work = [&] {
+        char byte;
+        EXPECT_EQ(::read(a->descriptor->descriptor(), &byte, 1), 1);
+    };
+    EXPECT_EQ(turn(), (Log{"a"}));
+    EXPECT_EQ(turn(), Log{});
+}
+
+TEST_F(Descriptor, IsAnnouncedInTheOrderOfCreation) {
+    c->write();
+    a->write();
+    b->write();
+    EXPECT_EQ(turn(), (Log{"a", "b", "c"}));
+}
+
+TEST_F(Descriptor, IsAnnouncedAtItsEnd) {
+    a->closeWriteEnd();
+    EXPECT_EQ(turn(), (Log{"a"}));
+}
+
+TEST_F(Descriptor, IsAnnouncedWhenItIsFaulty) {
+    ::close(a->descriptor->descriptor());
+    EXPECT_EQ(turn(), (Log{"a"}));
+}
+
+TEST_F(Descriptor, IsNotAnnouncedBeforeItIsAskedTo) {
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    auto const silent = Orb::FileDescriptor::FileDescriptorIs(loop, ends[0], "silent");
+    EXPECT_FALSE(silent->notifyOnReadable());
+    ASSERT_EQ(::write(ends[1], "x", 1), 1);
+    EXPECT_FALSE(loop->turn());
+    ::close(ends[1]);
+}
+
+TEST_F(Descriptor, IsNotAnnouncedOnceItIsSwitchedOff) {
+    a->write();
+    a->descriptor->notifyOnReadableIs(false);
+    EXPECT_EQ(turn(), Log{});
+    a->descriptor->notifyOnReadableIs(true);
+    EXPECT_EQ(turn(), (Log{"a"}));
+}
+
+TEST_F(Descriptor, SwitchedOffByAnAnnouncementBeforeItsOwnIsNotAnnounced) {
+    a->write();
+    b->write();
+    a->work = [&] { b->descriptor->notifyOnReadableIs(false); };
+    EXPECT_EQ(turn(), (Log{"a"}));
+}
+
+TEST_F(Descriptor, ClosedByAnAnnouncementBeforeItsOwnIsNotAnnounced) {
+    a->write();
+    b->write();
+    c->write();
+    a->work = [&] { b->descriptor->close(); };
+    EXPECT_EQ(turn(), (Log{"a", "c"}));
+}
+
+TEST_F(Descriptor, DestroyedByAnAnnouncementBeforeItsOwnIsNotAnnounced) {
+    a->write();
+    b->write();
+    c->write();
+    a->work = [&] { b.reset(); };
+    EXPECT_EQ(turn(), (Log{"a", "c"}));
+}
+
+TEST_F(Descriptor, DestroyedByAPostedCallIsNotAnnounced) {
+    a->write();
+    b->write();
+    loop->post([&] { a.reset(); });
+    EXPECT_EQ(turn(), (Log{"b"}));
+}
+
+TEST_F(Descriptor, MayDestroyItselfInItsAnnouncement) {
+    a->write();
+    b->write();
+    a->work = [&] { a->descriptor = nullptr; };
+    EXPECT_EQ(turn(), (Log{"a", "b"}));
+    EXPECT_EQ(turn(), (Log{"b"}));
+}
+
+TEST_F(Descriptor, CreatedByAnAnnouncementIsAnnouncedInTheNextTurn) {
+    std::unique_ptr<Pipe> added;
+    a->write();
+    a->work = [&] {
+        if (!added) {
+            added = pipe("added");
+            added->write();
+        }
+    };
+    EXPECT_EQ(turn(), (Log{"a"}));
+    EXPECT_EQ(turn(), (Log{"a", "added"}));
+}
+
+// The system gives the new descriptor the number of the one that was just closed.
+TEST_F(Descriptor, IsNotAnnouncedInPlaceOfAClosedOneWithItsNumber) {
+    std::unique_ptr<Pipe> added;
+    a->write();
+    b->write();
+    a->work = [&] {
+        if (!added) {
+            b->descriptor->close();
+            added = pipe("added");
+        }
+    };
+    EXPECT_EQ(turn(), (Log{"a"}));
+    EXPECT_EQ(turn(), (Log{"a"}));
+}
+
+TEST_F(Descriptor, OwnsItsDescriptor) {
+    int const number = a->descriptor->descriptor();
+    EXPECT_TRUE(isOpen(number));
+    a.reset();
+    EXPECT_FALSE(isOpen(number));
+}
+
+TEST_F(Descriptor, ClosedTwiceClosesOnce) {
+    int const number = a->descriptor->descriptor();
+    a->descriptor->close();
+    EXPECT_EQ(a->descriptor->descriptor(), -1);
+    int const reused = ::dup(b->descriptor->descriptor());
+    EXPECT_EQ(reused, number);
+    a->descriptor->close();
+    EXPECT_TRUE(isOpen(reused));
+    ::close(reused);
+}
+
+TEST_F(Descriptor, SwitchesBlockingOffAndOn) {
+    int const number = a->descriptor->descriptor();
+    a->descriptor->nonBlockingIs(true);
+    EXPECT_NE(::fcntl(number, F_GETFL) & O_NONBLOCK, 0);
+    a->descriptor->nonBlockingIs(false);
+    EXPECT_EQ(::fcntl(number, F_GETFL) & O_NONBLOCK, 0);
+}
+
+TEST_F(Descriptor, CannotBeMadeNonBlockingOnceItIsClosed) {
+    a->descriptor->close();
+    EXPECT_THROW(a->descriptor->nonBlockingIs(true), std::system_error);
+}
+
+TEST_F(Descriptor, LeavesTheDescriptorToTheCallerWhenItCannotBeMade) {
+    int ends[2];
+    ASSERT_EQ(::pipe(ends), 0);
+    Vanta::String const name("a name in a block of its own");
+    Grist::failAfterIs(1);
+    EXPECT_THROW(Orb::FileDescriptor::FileDescriptorIs(loop, ends[0], name), std::bad_alloc);
+    EXPECT_TRUE(isOpen(ends[0]));
+    ::close(ends[0]);
+    ::close(ends[1]);
+}
+
+}  // namespace
