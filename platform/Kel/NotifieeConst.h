@@ -7,22 +7,20 @@
 // The notifiee holds a reference to its notifier; its owner holds it. Thread: one only.
 #pragma once
 
-#include "Vanta/Node.h"
+#include "Kel/Object.h"
 #include "Vanta/Publisher.h"
 
 namespace Kel {
 
 template <class T>
-class NotifieeConst : public Vanta::Node {
+class NotifieeConst : public Object {
   public:
     Vanta::Ptr<T const> const& notifier() const noexcept { return notifier_; }
     bool registered() const noexcept { return registered_; }
-    bool hasNotificationActive() const noexcept { return notificationActive_; }
-    bool isZombie() const noexcept { return zombie_; }
 
     // Switches the reactions on or off.
     void hasNotificationActiveIs(bool on) noexcept {
-        notificationActive_ = on;
+        notificationActiveFlagIs(on);
         connect();
     }
     void registeredIs(bool on) noexcept {
@@ -35,13 +33,23 @@ class NotifieeConst : public Vanta::Node {
 
     // Marks the notifiee as being torn down: it then reacts to nothing.
     virtual void kelDoZombieReactors(bool on) {
-        if (zombie_ == on) {
+        if (isZombie() == on) {
             return;
         }
         if (notifier_) {
             hasNotificationActiveIs(!on);
         }
-        zombie_ = on;
+        zombieFlagIs(on);
+    }
+
+    TypeInfo const& typeInfo() const noexcept override {
+        static constexpr AttributeInfo attributes[] = {
+            attribute<&NotifieeConst::notifier>(0, "notifier", "Vanta::Node",
+                                                AttributeKind::pointer),
+            attribute<&NotifieeConst::registered>(0, "registered", "bool"),
+        };
+        static constexpr TypeInfo info{"NotifieeConst", attributes, {}};
+        return info;
     }
 
   protected:
@@ -57,7 +65,7 @@ class NotifieeConst : public Vanta::Node {
 
   private:
     void connect() noexcept {
-        bool const wanted = registered_ && notificationActive_ && notifier_;
+        bool const wanted = registered_ && hasNotificationActive() && notifier_;
         if (wanted == subscriber_.subscribed()) {
             return;
         }
@@ -75,8 +83,6 @@ class NotifieeConst : public Vanta::Node {
     // The subscriber is declared last: it goes before the notifier whose publisher it is on.
     Vanta::Ptr<T const> notifier_;
     bool registered_ = false;
-    bool notificationActive_ = false;
-    bool zombie_ = false;
     Vanta::Subscriber subscriber_;
 };
 

@@ -1,0 +1,285 @@
+#include "VynPacketTracer/VynPtClientSm.h"
+
+#include "Kel/Error.h"
+#include "PacketTracer/ConstructPacket.h"
+#include "Trace/Trace.h"
+
+namespace VynPacketTracer {
+
+using PacketTracer::RequestId;
+
+namespace {
+
+Trace::Handle& trace = Trace::handle("VynPtClientSm");
+
+constexpr std::uint16_t etherTypeMplsUnicast = 0x8847;
+constexpr std::uint16_t etherTypeMplsMulticast = 0x8848;
+constexpr std::uint32_t largestPacket = 9236;
+
+}  // namespace
+
+// ---- NestedSm_Request
+
+NestedSm_Request::NestedSm_Request(Vanta::Ptr<PacketTracer::Request const> const& request,
+                                   PacketTracerClientSm* owner)
+    : owner_(owner) {
+    plainNotifierIs(request);
+}
+
+RequestId NestedSm_Request::key() const {
+    return notifier() ? notifier()->id() : RequestId();
+}
+
+void NestedSm_Request::notifierIs(Vanta::Ptr<PacketTracer::Request const> const& request) {
+    if (request == notifier()) {
+        return;
+    }
+    plainNotifierIs(request);
+    if (request && !isZombie()) {
+        kel_handleRequest_valid();
+    }
+    registeredIs(true);
+}
+
+void NestedSm_Request::kel_handleRequest_valid() {
+    if (owner_ != nullptr) {
+        // Whoever hears of a job or result may remove the client.
+        Vanta::Ptr<PacketTracerClientSm> const alive(owner_);
+        alive->handleRequest(key());
+    }
+}
+
+void NestedSm_Request::onAttribute(Vanta::AttributeNumber attribute, Vanta::ValueRef) {
+    if (attribute == PacketTracer::Request::validAttribute && !isZombie()) {
+        kel_handleRequest_valid();
+    }
+}
+
+// ---- Life of the state machine
+
+Vanta::Ptr<PacketTracerClientSm> PacketTracerClientSm::PacketTracerClientSmIs(
+    Vanta::String const& name, Vanta::Ptr<PacketTracer::ClientConfig const> const& clientConfig,
+    Vanta::Ptr<PacketTracer::ClientStatus> const& clientStatus,
+    Vanta::Ptr<PktGenConfig> const& pktGenConfig,
+    Vanta::Ptr<VynSystem::SystemStatus const> const& systemStatus,
+    Vanta::Ptr<Fen::FenCommonSmData const> const& fcsd,
+    Vanta::Ptr<Bridging::Config const> const& bridgingConfig,
+    Vanta::Ptr<VynSlice::ChipStatus const> const& chipStatus) {
+    auto client =
+        Vanta::makeNode<PacketTracerClientSm>(name, clientConfig, clientStatus, pktGenConfig,
+                                              systemStatus, fcsd, bridgingConfig, chipStatus);
+    client->hasNotificationActiveIs(true);
+    return client;
+}
+
+Vanta::Ptr<PacketTracerClientSm> packetTracerClientSmFactory(
+    Vanta::String const& name, Vanta::Ptr<PacketTracer::ClientConfig const> const& clientConfig,
+    Vanta::Ptr<PacketTracer::ClientStatus> const& clientStatus,
+    Vanta::Ptr<PktGenConfig> const& pktGenConfig,
+    Vanta::Ptr<VynSystem::SystemStatus const> const& systemStatus,
+    Vanta::Ptr<Fen::FenCommonSmData const> const& fcsd,
+    Vanta::Ptr<Bridging::Config const> const& bridgingConfig,
+    Vanta::Ptr<VynSlice::ChipStatus const> const& chipStatus) {
+    return PacketTracerClientSm::PacketTracerClientSmIs(name, clientConfig, clientStatus,
+                                                        pktGenConfig, systemStatus, fcsd,
+                                                        bridgingConfig, chipStatus);
+}
+
+PacketTracerClientSm::PacketTracerClientSm(
+    Vanta::String const& name, Vanta::Ptr<PacketTracer::ClientConfig const> const& clientConfig,
+    Vanta::Ptr<PacketTracer::ClientStatus> const& clientStatus,
+    Vanta::Ptr<PktGenConfig> const& pktGenConfig,
+    Vanta::Ptr<VynSystem::SystemStatus const> const& systemStatus,
+    Vanta::Ptr<Fen::FenCommonSmData const> const& fcsd,
+    Vanta::Ptr<Bridging::Config const> const& bridgingConfig,
+    Vanta::Ptr<VynSlice::ChipStatus const> const& chipStatus)
+    : name_(name),
+      clientConfig_(clientConfig),
+      clientStatus_(clientStatus),
+      pktGenConfig_(pktGenConfig),
+      systemStatus_(systemStatus),
+      fcsd_(fcsd),
+      bridgingConfig_(bridgingConfig),
+      chipStatus_(chipStatus) {
+    subscribe();
+    if (clientConfig_) {
+        for (auto const& entry : clientConfig_->request()) {
+            requestIs(entry.value);
+        }
+    }
+    handleInitialized();
+}
+
+PacketTracerClientSm::~PacketTracerClientSm() {
+    hasNotificationActiveIs(false);
+    kelDoZombieReactors(true);
+    clientConfigSubscriber_.unsubscribe();
+    for (auto const& entry : request_) {
+        entry.value->ownerDel();
+    }
+    request_.clear();
+}
+
+void PacketTracerClientSm::handleInitialized() {
+    Trace::twinlog(trace, 7, "handleInitialized:client %s", name_);
+    handleResults();
+    handleRequests();
+}
+
+void PacketTracerClientSm::subscribe() {
+    if (clientConfig_ && !clientConfigSubscriber_.subscribed()) {
+        clientConfigSubscriber_.subscribe<&PacketTracerClientSm::clientConfigDispatch>(
+            clientConfig_->publisher(), this);
+    }
+}
+
+void PacketTracerClientSm::hasNotificationActiveIs(bool on) {
+    notificationActiveFlagIs(on);
+    if (on) {
+        subscribe();
+    } else {
+        clientConfigSubscriber_.unsubscribe();
+    }
+    for (auto const& entry : request_) {
+        entry.value->hasNotificationActiveIs(on);
+    }
+}
+
+void PacketTracerClientSm::kelDoZombieReactors(bool on) {
+    if (on == isZombie()) {
+        return;
+    }
+    for (auto const& entry : request_) {
+        entry.value->kelDoZombieReactors(on);
+    }
+    zombieFlagIs(on);
+}
+
+// The request is handled before its reactor is made or removed, and a new reactor does not react:
+// so a new request is handled exactly once by its arrival.
+void PacketTracerClientSm::clientConfigDispatch(Vanta::Publisher const&, Vanta::Subscriber&,
+                                                Vanta::AttributeNumber attribute,
+                                                Vanta::ValueRef key, Vanta::ValueRef) {
+    if (attribute != PacketTracer::ClientConfig::requestAttribute) {
+        return;
+    }
+    Vanta::Ptr<PacketTracerClientSm> const alive(this);
+    auto const& requestId = key.get<RequestId>();
+    if (!isZombie()) {
+        handleRequest(requestId);
+    }
+    Vanta::Ptr<PacketTracer::Request const> const packetRequest =
+        clientConfig_ ? clientConfig_->request(requestId) : nullptr;
+    if (packetRequest) {
+        requestIs(packetRequest);
+    } else {
+        requestDel(requestId);
+    }
+}
+
+// ---- The reactors
+
+void PacketTracerClientSm::requestIs(Vanta::Ptr<PacketTracer::Request const> const& packetRequest) {
+    if (!packetRequest) {
+        throw Kel::NullArgumentError("PacketTracerClientSm", "request");
+    }
+    Vanta::Ptr<NestedSm_Request> reactor = request(packetRequest->id());
+    if (!reactor) {
+        reactor = Vanta::makeNode<NestedSm_Request>(packetRequest, this);
+        reactor->registeredIs(true);
+        reactor->hasNotificationActiveIs(hasNotificationActive());
+        request_.insert(packetRequest->id(), reactor);
+    } else {
+        reactor->notifierIs(packetRequest);
+    }
+    reactor->kelDoZombieReactors(isZombie());
+}
+
+void PacketTracerClientSm::requestDel(RequestId const& requestId) {
+    if (auto const reactor = request(requestId)) {
+        reactor->hasNotificationActiveIs(false);
+        reactor->kelDoZombieReactors(true);
+        request_.remove(requestId);
+    }
+}
+
+void PacketTracerClientSm::requestDelAll() {
+    for (auto const& entry : request_) {
+        requestDel(RequestId(entry.key));
+    }
+}
+
+// ---- Requests in
+
+void PacketTracerClientSm::handleRequests() {
+    std::size_t const requests = clientConfig_ ? clientConfig_->request().size() : 0;
+    Trace::twinlog(trace, 7, "handleRequests:client %s #request:%s", name_, requests);
+    if (clientConfig_) {
+        for (auto const& entry : clientConfig_->request()) {
+            handleRequest(RequestId(entry.key));
+        }
+    }
+}
+
+bool PacketTracerClientSm::isValidRequest(
+    Vanta::Ptr<PacketTracer::Request const> const& packetRequest) const {
+    Trace::twinlog(trace, 7, "isValidRequest:client:%s reqId:%s", packetRequest->id().clientName(),
+                   packetRequest->id().number());
+    std::uint16_t const etherType = packetRequest->etherType();
+    if (etherType == etherTypeMplsUnicast || etherType == etherTypeMplsMulticast ||
+        packetRequest->mpls()) {
+        Trace::twinlog(trace, 9, "isValidRequest:MPLS request cannot be fulfilled");
+        return false;
+    }
+    if (packetRequest->gre()) {
+        Trace::twinlog(trace, 9, "isValidRequest:Vyn doesn't support GRE packets");
+        return false;
+    }
+    return true;
+}
+
+// A refusal: the result is complete at once.
+void PacketTracerClientSm::finishResult(RequestId const& requestId, PacketTracer::State state) {
+    auto const result = clientStatus_->resultIs(requestId);
+    result->stateIs(state);
+    result->validIs(true);
+}
+
+void PacketTracerClientSm::handleRequest(RequestId const& requestId) {
+    Vanta::String const& client = requestId.clientName();
+    std::uint32_t const number = requestId.number();
+    Trace::twinlog(trace, 7, "handleRequest:client:%s reqId:%s", client, number);
+    Vanta::Ptr<PacketTracer::Request const> const request =
+        clientConfig_ ? clientConfig_->request(requestId) : nullptr;
+    if (!request) {
+        Trace::twinlog(trace, 7, "handleRequest:del client:%s reqId:%s", client, number);
+        pktGenConfig_->cfgDel(requestId);
+        clientStatus_->resultDel(requestId);
+        return;
+    }
+    if (!request->valid()) {
+        Trace::twinlog(trace, 7, "handleRequest:client:%s reqId:%s not valid yet", client, number);
+        return;
+    }
+    if (!isValidRequest(request)) {
+        Trace::twinlog(trace, 7, "handleRequest:client:%s reqId:%s is not a valid request", client,
+                       number);
+        finishResult(requestId, PacketTracer::State::notTraceable);
+        return;
+    }
+    if (!systemStatus_->portInfo().has(request->intf())) {
+        Trace::twinlog(trace, 9, "handleRequest:Invalid interface:%s", request->intf());
+        finishResult(requestId, PacketTracer::State::noEgress);
+        return;
+    }
+    Vanta::Bytes const pkt = PacketTracer::constructPacket(requestId, request, largestPacket);
+    if (pkt.empty()) {
+        Trace::twinlog(trace, 9, "handleRequest:Unable to construct packet from the request");
+        finishResult(requestId, PacketTracer::State::notTraceable);
+        return;
+    }
+    VynSystem::PortInfo const ingPortInfo = systemStatus_->portInfo().get(request->intf());
+    pktGenConfig_->cfgIs(requestId, pkt, ingPortInfo, request->intf());
+}
+
+}  // namespace VynPacketTracer

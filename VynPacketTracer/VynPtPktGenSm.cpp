@@ -1,0 +1,277 @@
+#include "VynPacketTracer/VynPtPktGenSm.h"
+
+#include "Trace/Trace.h"
+
+namespace VynPacketTracer {
+
+using PacketTracer::RequestId;
+
+namespace {
+
+Trace::Handle& trace = Trace::handle("VynPtPktGenSm");
+
+constexpr std::uint32_t traceAppId = 4;
+constexpr Orb::TaskPriority taskPriority = Orb::TaskPriority::p3;
+
+}  // namespace
+
+Vanta::Ptr<PktGenSm> PktGenSm::PktGenSmIs(
+    Vanta::Ptr<PktGenConfig> const& config,
+    Vanta::Ptr<VynSdk::Phase0DataIntf> const& phase0DataIntf,
+    Vanta::Ptr<PktGenStatus> const& status, std::uint32_t sessionHandle, VynId::VynDevId deviceId,
+    bool pktTracerSupported, Vanta::Ptr<VyResourceInfo::VyResourceInfoIntf> const& resourceInfoIntf,
+    Vanta::Ptr<VyPd::VyPdIntf> const& vyPdIntf,
+    Vanta::Ptr<Orb::TaskSchedulerRoot> const& rootScheduler) {
+    return Vanta::makeNode<PktGenSm>(config, phase0DataIntf, status, sessionHandle, deviceId,
+                                     pktTracerSupported, resourceInfoIntf, vyPdIntf, rootScheduler);
+}
+
+Vanta::Ptr<PktGenSm> pktGenSmFactory(
+    Vanta::Ptr<PktGenConfig> const& config,
+    Vanta::Ptr<VynSdk::Phase0DataIntf> const& phase0DataIntf,
+    Vanta::Ptr<PktGenStatus> const& status, std::uint32_t sessionHandle, VynId::VynDevId deviceId,
+    bool pktTracerSupported, Vanta::Ptr<VyResourceInfo::VyResourceInfoIntf> const& resourceInfoIntf,
+    Vanta::Ptr<VyPd::VyPdIntf> const& vyPdIntf,
+    Vanta::Ptr<Orb::TaskSchedulerRoot> const& rootScheduler) {
+    return PktGenSm::PktGenSmIs(config, phase0DataIntf, status, sessionHandle, deviceId,
+                                pktTracerSupported, resourceInfoIntf, vyPdIntf, rootScheduler);
+}
+
+PktGenSm::PktGenSm(Vanta::Ptr<PktGenConfig> const& config,
+                   Vanta::Ptr<VynSdk::Phase0DataIntf> const& phase0DataIntf,
+                   Vanta::Ptr<PktGenStatus> const& status, std::uint32_t sessionHandle,
+                   VynId::VynDevId deviceId, bool pktTracerSupported,
+                   Vanta::Ptr<VyResourceInfo::VyResourceInfoIntf> const& resourceInfoIntf,
+                   Vanta::Ptr<VyPd::VyPdIntf> const& vyPdIntf,
+                   Vanta::Ptr<Orb::TaskSchedulerRoot> const& rootScheduler)
+    : config_(config),
+      phase0DataIntf_(phase0DataIntf),
+      status_(status),
+      sessionHandle_(sessionHandle),
+      deviceId_(deviceId),
+      pktTracerSupported_(pktTracerSupported),
+      resourceInfoIntf_(resourceInfoIntf),
+      vyPdIntf_(vyPdIntf),
+      rootScheduler_(rootScheduler),
+      learnQuantaIndex_(VyResourceInfo::VyResourceInfoIndexInvalid) {
+    connectReactors();
+    try {
+        handleInitialized();
+    } catch (...) {
+        // The chip must not call an engine that never was.
+        doCleanup();
+        throw;
+    }
+}
+
+PktGenSm::~PktGenSm() {
+    zombieFlagIs(true);
+    hasNotificationActiveIs(false);
+    disconnectReactors();
+    doCleanup();
+    taskDel();
+}
+
+void PktGenSm::handleInitialized() {
+    Trace::twinlog(trace, 7, "handleInitialized:");
+    initialized_ = true;
+    pktId_ = 0;
+    appId_ = traceAppId;
+    taskName_ = "pktGenWorker";
+    stateIs(PktGenState::idle);
+    pktTracerDigestEntrySize_ = vyPdIntf_->digestEntrySize(digestName);
+    learnQuantaIndex_ = VyResourceInfo::VyResourceInfoIndexInvalid;
+    if (pktTracerSupported_) {
+        initSocket();
+        registerPktTracerDigest();
+    }
+    taskIs(rootScheduler_, taskPriority, taskName_);
+    scheduleTask();
+}
+
+Vanta::Ptr<Orb::Task> PktGenSm::taskIs(Vanta::Ptr<Orb::TaskSchedulerRoot> const& scheduler,
+                                       Orb::TaskPriority priority, Vanta::String const& name) {
+    if (task_) {
+        task_->priorityIs(priority);
+        if (task_->scheduler() == scheduler && task_->name() == name) {
+            return task_;
+        }
+    }
+    taskSubscriber_.unsubscribe();
+    task_ = Orb::Task::TaskIs(scheduler, priority, name);
+    taskSubscriber_.subscribe<&PktGenSm::taskDispatch>(task_->publisher(), this);
+    doWork();
+    return task_;
+}
+
+Vanta::Ptr<Orb::Task> PktGenSm::taskDel() {
+    taskSubscriber_.unsubscribe();
+    return std::exchange(task_, nullptr);
+}
+
+void PktGenSm::scheduleTask() {
+    if (task_ && !task_->isScheduled()) {
+        task_->schedule();
+    }
+}
+
+// ---- The reactors
+
+void PktGenSm::hasNotificationActiveIs(bool on) {
+    if (on == hasNotificationActive()) {
+        return;
+    }
+    notificationActiveFlagIs(on);
+    if (on) {
+        connectReactors();
+    } else {
+        disconnectReactors();
+    }
+}
+
+// Connects what has a source and is not connected.
+void PktGenSm::connectReactors() {
+    if (config_ && !configSubscriber_.subscribed()) {
+        configSubscriber_.subscribe<&PktGenSm::configDispatch>(config_->publisher(), this);
+    }
+    if (phase0DataIntf_ && !phase0Subscriber_.subscribed()) {
+        phase0Subscriber_.subscribe<&PktGenSm::phase0Dispatch>(phase0DataIntf_->publisher(), this);
+    }
+    if (task_ && !taskSubscriber_.subscribed()) {
+        taskSubscriber_.subscribe<&PktGenSm::taskDispatch>(task_->publisher(), this);
+    }
+    if (rSocketIn_ && !socketSubscriber_.subscribed()) {
+        socketSubscriber_.subscribe<&PktGenSm::socketDispatch>(rSocketIn_->publisher(), this);
+    }
+}
+
+void PktGenSm::disconnectReactors() noexcept {
+    configSubscriber_.unsubscribe();
+    phase0Subscriber_.unsubscribe();
+    taskSubscriber_.unsubscribe();
+    socketSubscriber_.unsubscribe();
+}
+
+// Each dispatcher keeps the engine alive while it reacts: whoever hears of an answer may let the
+// tracer go.
+
+void PktGenSm::configDispatch(Vanta::Publisher const&, Vanta::Subscriber&,
+                              Vanta::AttributeNumber attribute, Vanta::ValueRef key,
+                              Vanta::ValueRef) {
+    if (attribute == PktGenConfig::cfgAttribute && !isZombie()) {
+        Vanta::Ptr<PktGenSm> const alive(this);
+        handleConfig(key.get<RequestId>());
+    }
+}
+
+void PktGenSm::phase0Dispatch(Vanta::Publisher const&, Vanta::Subscriber&,
+                              Vanta::AttributeNumber attribute, Vanta::ValueRef key,
+                              Vanta::ValueRef) {
+    if (attribute == VynSdk::Phase0DataIntf::responseAttribute && !isZombie()) {
+        Vanta::Ptr<PktGenSm> const alive(this);
+        processPhase0DataResponse(key.get<Plexa::IntfId>());
+    }
+}
+
+void PktGenSm::taskDispatch(Vanta::Publisher const&, Vanta::Subscriber&,
+                            Vanta::AttributeNumber attribute, Vanta::ValueRef, Vanta::ValueRef) {
+    if (attribute == Orb::Task::runAttribute && !isZombie()) {
+        Vanta::Ptr<PktGenSm> const alive(this);
+        doWork();
+    }
+}
+
+void PktGenSm::socketDispatch(Vanta::Publisher const&, Vanta::Subscriber&,
+                              Vanta::AttributeNumber attribute, Vanta::ValueRef, Vanta::ValueRef) {
+    if (attribute == Orb::FileDescriptor::readableAttribute && !isZombie()) {
+        Vanta::Ptr<PktGenSm> const alive(this);
+        processPktTracerDigest();
+    }
+}
+
+// ---- Jobs
+
+RequestId const& PktGenSm::curReq() const noexcept {
+    static RequestId const none;
+    return curCfg_ ? curCfg_->req() : none;
+}
+
+void PktGenSm::handleConfig(RequestId const& requestId) {
+    bool const present = config_->cfgHas(requestId);
+    Trace::twinlog(trace, 7, "handleConfig:clientName:%s reqId:%s add:%s", requestId.clientName(),
+                   requestId.number(), present);
+    if (!present) {
+        if (curCfg_ && curCfg_->req() == requestId && state_ != PktGenState::idle) {
+            Trace::twinlog(trace, 2,
+                           "handleConfig:removed config before it was done clientName:%s reqId:%s",
+                           requestId.clientName(), requestId.number());
+            stateIs(PktGenState::error);
+        } else {
+            status_->statusDel(requestId);
+        }
+    }
+    scheduleTask();
+}
+
+void PktGenSm::doWork() {
+    Trace::twinlog(trace, 7, "doWork:");
+    if (!task_->isRunning()) {
+        Trace::twinlog(trace, 4, "doWork:PktGen task not running");
+        return;
+    }
+    bool done = false;
+    if (state_ != PktGenState::init) {
+        while (!task_->shouldYield() && workOnState(done)) {
+        }
+    }
+    if (!done) {
+        task_->schedule();
+    }
+}
+
+bool PktGenSm::workOnState(bool& done) {
+    PktGenState const before = state_;
+    switch (before) {
+        case PktGenState::idle:
+            done = processRequest();
+            break;
+        case PktGenState::phase0DataReady:
+            sendPkt();
+            break;
+        case PktGenState::waitPktSent:
+            checkPktCnt();
+            break;
+        case PktGenState::reset:
+            disablePktGen();
+            break;
+        case PktGenState::error:
+            // One attempt a run: a chip that keeps failing must not hold the thread.
+            processError();
+            return false;
+        case PktGenState::init:
+        case PktGenState::waitPhase0Data:
+            return false;
+    }
+    return state_ != before;
+}
+
+bool PktGenSm::processRequest() {
+    Trace::twinlog(trace, 7, "processRequest:");
+    for (auto const& entry : config_->cfg()) {
+        if (!status_->statusHas(entry.key)) {
+            curCfg_ = config_->cfg(entry.key);
+            getPhase0Data();
+            return false;
+        }
+    }
+    return true;
+}
+
+void PktGenSm::processError() {
+    Trace::twinlog(trace, 7, "processError:clientName:%s reqId:%s", curReq().clientName(),
+                   curReq().number());
+    status_->statusDel(curReq());
+    disablePktGen();
+}
+
+}  // namespace VynPacketTracer

@@ -1,0 +1,246 @@
+// The trace digest's channel: from the SDK's thread through a socket pair into the status entries.
+//
+// One message is one send and two reads: a header of 10 bytes (the learn message's first 8 bytes,
+// then the number of entries), and the entries as the SDK gave them.
+#include <fcntl.h>
+#include <sys/socket.h>
+#include <sys/uio.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstring>
+
+#include "Trace/Trace.h"
+#include "Vanta/Assert.h"
+#include "VynPacketTracer/VynPtPktGenSm.h"
+
+namespace VynPacketTracer {
+namespace {
+
+Trace::Handle& trace = Trace::handle("VynPtPktGenSm");
+
+constexpr int sendBufferSize = 8388608;
+constexpr std::uint16_t noUnicastEgressPort = 0x1ff;
+
+struct __attribute__((packed)) DigestHeader {
+    std::uint8_t devTgt[8];
+    std::uint16_t entries;
+};
+static_assert(sizeof(DigestHeader) == 10);
+
+// What set-up cannot go on without.
+void checkSocketCall(int rval, Trace::Format<2> message) {
+    if (rval != 0) {
+        Trace::twinlog(trace, 1, message, rval, std::strerror(errno));
+        Vanta::assertionFailed("rval == 0");
+    }
+}
+
+}  // namespace
+
+void PktGenSm::initSocket() {
+    Trace::twinlog(trace, 9, "initSocket:PktGenSm initSocket");
+    int descriptors[2];
+    checkSocketCall(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, descriptors),
+                    "initSocket:socketpairt rval:%s %s");
+    for (int const descriptor : descriptors) {
+        checkSocketCall(::fcntl(descriptor, F_SETFL, O_NONBLOCK), "initSocket:fcntl rval:%s %s");
+    }
+    checkSocketCall(
+        ::setsockopt(descriptors[0], SOL_SOCKET, SO_SNDBUF, &sendBufferSize, sizeof sendBufferSize),
+        "initSocket:setsockopt rval:%s %s");
+    socketPairWriteDesc_ = descriptors[0];
+    socketPairReadFileDesc_ = Orb::FileDescriptor::FileDescriptorIs(rootScheduler_, descriptors[1],
+                                                                    "Packet tracer digest");
+    socketPairReadFileDesc_->nonBlockingIs(true);
+    socketPairReadFileDesc_->notifyOnReadableIs(true);
+    rSocketIn_ = socketPairReadFileDesc_;
+    connectReactors();
+}
+
+void PktGenSm::registerPktTracerDigest() {
+    Trace::twinlog(trace, 9, "registerPktTracerDigest:");
+    learnQuantaIndex_ = resourceInfoIntf_->vyLearnQuantaIndex(digestName);
+    Vanta::assertThat(learnQuantaIndex_ != VyResourceInfo::VyResourceInfoIndexInvalid,
+                      "index != VyResourceInfoIndexInvalid");
+    digestHandle_ = resourceInfoIntf_->vyLearnQuanta(learnQuantaIndex_);
+    p4_pd_status_t const rval = pipe_mgr_lrn_digest_notification_register(
+        sessionHandle_, deviceId_, digestHandle_, rcvPktTracerLearningDigest, this);
+    if (rval != 0) {
+        Trace::twinlog(trace, 1, "registerPktTracerDigest:failed to initialize digest, error: %s",
+                       rval);
+        Vanta::assertionFailed("false");
+    }
+    Trace::twinlog(trace, 4, "registerPktTracerDigest:pktTracerDigest registered");
+}
+
+void PktGenSm::deRegisterPktTracerDigest() {
+    if (learnQuantaIndex_ == VyResourceInfo::VyResourceInfoIndexInvalid) {
+        return;
+    }
+    p4_pd_status_t const rval =
+        pipe_mgr_lrn_digest_notification_deregister(sessionHandle_, deviceId_, digestHandle_);
+    Trace::twinlog(trace, 4, "deRegisterPktTracerDigest:pktTracerDigest deregistered:%s", rval);
+}
+
+void PktGenSm::doCleanup() {
+    deRegisterPktTracerDigest();
+    if (socketPairReadFileDesc_) {
+        socketPairReadFileDesc_->close();
+    }
+    if (socketPairWriteDesc_ != 0) {
+        ::close(std::exchange(socketPairWriteDesc_, 0));
+    }
+}
+
+// ---- The SDK's thread
+
+p4_pd_status_t rcvPktTracerLearningDigest(p4_pd_sess_hdl_t session, pipe_flow_lrn_msg_t* message,
+                                          void* cookie) try {
+    auto const& engine = *static_cast<PktGenSm const*>(cookie);
+    Vanta::assertThat(engine.learnQuantaIndex_ != VyResourceInfo::VyResourceInfoIndexInvalid,
+                      "index != VyResourceInfoIndexInvalid");
+    Trace::twinlog(trace, 5,
+                   "rcvPktTracerLearningDigest:Received pkt tracer digest with #entries:%s",
+                   message->num_entries);
+    Trace::twinlog(trace, 5, "rcvPktTracerLearningDigest:Digest size:%s",
+                   engine.pktTracerDigestEntrySize_);
+
+    DigestHeader header;
+    std::memcpy(header.devTgt, message, sizeof header.devTgt);
+    header.entries = message->num_entries;
+    std::size_t const entriesSize =
+        std::size_t{message->num_entries} * engine.pktTracerDigestEntrySize_;
+    // The gathered send only reads the entries; the system's interface just does not say so.
+    iovec parts[] = {{&header, sizeof header}, {const_cast<void*>(message->entries), entriesSize}};
+    msghdr gathered{};
+    gathered.msg_iov = parts;
+    gathered.msg_iovlen = 2;
+    if (::sendmsg(engine.socketPairWriteDesc_, &gathered, 0) < 0) {
+        Trace::twinlog(
+            trace, 1,
+            "rcvPktTracerLearningDigest:Failed to send pktGen digest of length %s error:%s",
+            sizeof header + entriesSize, std::strerror(errno));
+    }
+    p4_pd_status_t const rval =
+        pipe_mgr_flow_lrn_notify_ack(session, engine.digestHandle_, message);
+    if (rval != 0) {
+        Trace::twinlog(trace, 1, "rcvPktTracerLearningDigest:failed to notify ack");
+    }
+    return rval;
+} catch (...) {
+    // The SDK is C code: nothing may unwind through it.
+    Vanta::endProcessWithCurrentException();
+}
+
+// ---- The event thread
+
+// The fields of one digest entry, beside the packet id.
+struct PktGenSm::DigestEntry {
+    std::uint8_t copyToCpu;
+    std::uint16_t egrL2Domain;
+    std::uint16_t ucastEgressPort;
+    std::uint8_t routed;
+    std::uint8_t dropCtl;
+};
+
+void PktGenSm::processPktTracerDigest() {
+    int const descriptor = socketPairReadFileDesc_->descriptor();
+    DigestHeader header;
+    ssize_t const headerRead = ::read(descriptor, &header, sizeof header);
+    if (headerRead < static_cast<ssize_t>(sizeof header)) {
+        Trace::twinlog(trace, 1,
+                       "processPktTracerDigest:Failed to read digestHdr of size:%s actual read:%s",
+                       sizeof header, headerRead);
+        return;
+    }
+    std::uint16_t const entries = header.entries;
+    std::size_t const len = std::size_t{entries} * pktTracerDigestEntrySize_;
+    if (len > digestBufferSize) {
+        // The entries stay in the stream: the reader is out of step from here on.
+        Trace::twinlog(trace, 1, "processPktTracerDigest:Too many entries:%s bufSize:%s", entries,
+                       digestBufferSize);
+        return;
+    }
+    std::uint8_t buffer[digestBufferSize];
+    ssize_t const entriesRead = ::read(descriptor, buffer, len);
+    if (entriesRead < static_cast<ssize_t>(len)) {
+        Trace::twinlog(
+            trace, 1,
+            "processPktTracerDigest:Failed to read %s digest entries size:%s actual read:%s",
+            entries, len, entriesRead);
+        return;
+    }
+    Trace::twinlog(trace, 7,
+                   "processPktTracerDigest:Processing pktTracer learning digest with %s entries",
+                   entries);
+    for (std::size_t i = 0; i < entries; ++i) {
+        processDigestEntry(buffer + i * pktTracerDigestEntrySize_);
+    }
+}
+
+// One field of an entry. A data-plane program with a field of another width is the wrong program.
+template <class Unsigned>
+Unsigned PktGenSm::digestField(std::uint8_t const* entry, std::string_view field,
+                               std::string_view shortName) const {
+    std::uint32_t size = 0;
+    std::uint8_t const* const bytes = vyPdIntf_->digestEntryField(entry, digestName, field, size);
+    if (size != sizeof(Unsigned)) {
+        Trace::twinlog(trace, 1, "processPktTracerDigest:%s wrong size.  Expected:%s got:%s",
+                       shortName, sizeof(Unsigned), size);
+        Vanta::assertionFailed(sizeof(Unsigned) == 2 ? "size == sizeof( U16 )"
+                                                     : "size == sizeof( U8 )");
+    }
+    Unsigned value;
+    std::memcpy(&value, bytes, sizeof value);
+    return value;
+}
+
+void PktGenSm::processDigestEntry(std::uint8_t const* entry) {
+    auto const pktId = digestField<std::uint16_t>(entry, "pktGen_pktId", "pktId");
+    Trace::twinlog(trace, 7, "processPktTracerDigest:PktId:%s", pktId);
+    for (auto const& candidate : status_->status()) {
+        if (candidate.value->pktId() == pktId) {
+            Vanta::Ptr<PktGenStatusData> const matching = candidate.value;
+            completeStatus(*matching, readDigestEntry(entry));
+        }
+    }
+}
+
+PktGenSm::DigestEntry PktGenSm::readDigestEntry(std::uint8_t const* entry) const {
+    using U8 = std::uint8_t;
+    using U16 = std::uint16_t;
+    DigestEntry digest;
+    digest.copyToCpu = digestField<U8>(entry, "pktTracerMd_copy_to_cpu", "copyToCpu");
+    digest.egrL2Domain = digestField<U16>(entry, "egrMd_egrL2Domain", "egrL2Domain");
+    digest.ucastEgressPort =
+        digestField<U16>(entry, "pktTracerMd_ucast_egress_port", "ucast_egress_port");
+    digest.routed = digestField<U8>(entry, "egrMd_routed", "egrMd_routed");
+    digest.dropCtl =
+        digestField<U8>(entry, "ig_intr_md_for_dprsr_drop_ctl", "ig_intr_md_for_dprsr_drop_ctl");
+    return digest;
+}
+
+void PktGenSm::completeStatus(PktGenStatusData& status, DigestEntry const& digest) {
+    bool const copyToCpu = digest.copyToCpu != 0;
+    bool const routed = digest.routed != 0;
+    bool const dropped = digest.dropCtl != 0;
+    Trace::twinlog(trace, 7,
+                   "processPktTracerDigest:clientName:%s reqId:%s egrPort:%s copyToCpu:%s "
+                   "l2Domain:%s routed:%s dropped:%s",
+                   status.req().clientName(), status.req().number(), digest.ucastEgressPort,
+                   copyToCpu, digest.egrL2Domain, routed, dropped);
+    status.copyToCpuIs(copyToCpu);
+    status.egrL2DomainIs(digest.egrL2Domain);
+    if (digest.ucastEgressPort != noUnicastEgressPort) {
+        VynSystem::PortInfo egrPortInfo;
+        egrPortInfo.pipeIs(static_cast<std::uint8_t>(dev_port_to_pipe_id(digest.ucastEgressPort)));
+        egrPortInfo.portIs(VynPortTypes::PortIndex(digest.ucastEgressPort));
+        status.egrPortInfoIs(egrPortInfo);
+    }
+    status.routedIs(routed);
+    status.droppedIs(dropped);
+    status.readyIs(true);
+}
+
+}  // namespace VynPacketTracer

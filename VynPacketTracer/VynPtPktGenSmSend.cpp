@@ -1,0 +1,128 @@
+// The engine's road through the chip: phase-0 data, injection, counter check, switching off.
+#include "Trace/Trace.h"
+#include "VynPacketTracer/VynPtPktGenSm.h"
+#include "VynSdk/VynSdk.h"
+
+namespace VynPacketTracer {
+namespace {
+
+Trace::Handle& trace = Trace::handle("VynPtPktGenSm");
+
+}  // namespace
+
+void PktGenSm::getPhase0Data() {
+    Trace::twinlog(trace, 7, "getPhase0Data:clientName:%s reqId:%s", curReq().clientName(),
+                   curReq().number());
+    stateIs(PktGenState::waitPhase0Data);
+    // An outdated request for the interface would answer in this one's place.
+    phase0DataIntf_->configDel(curCfg_->ingIntf());
+    phase0DataIntf_->configIs(curCfg_->ingIntf());
+}
+
+void PktGenSm::processPhase0DataResponse(Plexa::IntfId const& intfId) {
+    Trace::twinlog(trace, 7, "processPhase0DataResponse:clientName:%s reqId:%s intfId:%s",
+                   curReq().clientName(), curReq().number(), intfId);
+    auto const* response = phase0DataIntf_->response().find(intfId);
+    if (response == nullptr) {
+        Trace::twinlog(trace, 7, "processPhase0DataResponse:deletion of phase0 for intfId:%s",
+                       intfId);
+    } else if (!curCfg_) {
+        // Nobody asked yet: there is no job that this could make ready.
+    } else if (response->value.status == 0 || state_ == PktGenState::waitPhase0Data) {
+        stateIs(PktGenState::phase0DataReady);
+    } else {
+        Trace::twinlog(trace, 1,
+                       "processPhase0DataResponse:error retrieving phase0Data for intfId:%s "
+                       "state:%s phase0Status:%s",
+                       intfId, state_, response->value.status);
+        phase0DataIntf_->configDel(curCfg_->ingIntf());
+        stateIs(PktGenState::error);
+    }
+    scheduleTask();
+}
+
+p4_pd_status_t PktGenSm::getPktCounters(std::uint64_t& count) {
+    p4_pd_status_t const rval =
+        VynSdk::getPktCounters(sessionHandle_, deviceId_, curPipe(), appId_, count);
+    if (rval != 0) {
+        Trace::twinlog(trace, 1, "getPktCounters:error retrieving pktGen counters for pipeId:%s",
+                       curPipe());
+    }
+    return rval;
+}
+
+void PktGenSm::sendPkt() {
+    PktGenCfgData const& cfg = *curCfg_;
+    Trace::twinlog(trace, 7, "sendPkt:clientName:%s reqId:%s", cfg.req().clientName(),
+                   cfg.req().number());
+    std::uint64_t count = 0;
+    if (getPktCounters(count) != 0) {
+        stateIs(PktGenState::error);
+        phase0DataIntf_->configDel(cfg.ingIntf());
+        return;
+    }
+    ++pktId_;
+    curPktCounter_ = count;
+    Trace::twinlog(trace, 7, "sendPkt:pktCnt:%s", count);
+
+    auto const* response = phase0DataIntf_->response().find(cfg.ingIntf());
+    Vanta::Bytes const phase0Data = response != nullptr ? response->value.data : Vanta::Bytes();
+    auto const portIndex = static_cast<std::uint8_t>(cfg.ingPortInfo().port().value());
+    p4_pd_status_t const rval =
+        VynSdk::genOnePkt(sessionHandle_, deviceId_, curPipe(), genPort, portIndex, appId_,
+                          cfg.pkt().view(), phase0Data.view(), pktId_);
+    if (rval != 0) {
+        stateIs(PktGenState::error);
+        Trace::twinlog(trace, 1, "sendPkt:Error sending pkt clientName:%s reqId:%s",
+                       cfg.req().clientName(), cfg.req().number());
+    } else {
+        if (config_->cfgHas(cfg.req())) {
+            status_->statusIs(cfg.req())->pktIdIs(pktId_);
+        }
+        stateIs(PktGenState::waitPktSent);
+    }
+    phase0DataIntf_->configDel(cfg.ingIntf());
+}
+
+void PktGenSm::checkPktCnt() {
+    PacketTracer::RequestId const& req = curReq();
+    Trace::twinlog(trace, 7, "checkPktCnt:clientName:%s reqId:%s", req.clientName(), req.number());
+    std::uint64_t count = 0;
+    bool const counted = getPktCounters(count) == 0;
+    if (counted && count != curPktCounter_) {
+        Trace::twinlog(trace, 9, "checkPktCnt:Sent pkt for clientName:%s reqId:%s cnt:%s curCnt:%s",
+                       req.clientName(), req.number(), count, curPktCounter_);
+        if (!pktTracerSupported_ && config_->cfgHas(req)) {
+            // No digest will ever come, so this is the answer.
+            status_->statusIs(req)->readyIs(true);
+        }
+        stateIs(PktGenState::reset);
+    } else if (!config_->cfgHas(req)) {
+        Trace::twinlog(trace, 9,
+                       "checkPktCnt:Client %sdel cfg while waiting for pktCnt reqId:%s cnt:%s",
+                       req.clientName(), req.number(), count);
+        stateIs(PktGenState::error);
+    } else {
+        Trace::twinlog(trace, 9,
+                       "checkPktCnt:Waiting on Sent pkt for clientName:%s reqId:%s cnt:%s",
+                       req.clientName(), req.number(), count);
+    }
+}
+
+void PktGenSm::disablePktGen() {
+    if (VynSdk::disableAppId(sessionHandle_, deviceId_, curPipe(), appId_) != 0) {
+        Trace::twinlog(trace, 1, "disablePktGen:Error disabling appId for pipe:%s deviceId:%s",
+                       curPipe(), deviceId_);
+        stateIs(PktGenState::error);
+        return;
+    }
+    if (VynSdk::disablePktGen(sessionHandle_, deviceId_, curPipe(), genPort) != 0) {
+        Trace::twinlog(trace, 1, "disablePktGen:Error disabling pktGen for pipe:%s deviceId",
+                       curPipe());
+        stateIs(PktGenState::error);
+        return;
+    }
+    stateIs(PktGenState::idle);
+}
+
+}  // namespace VynPacketTracer
