@@ -1,0 +1,162 @@
+// The relay: each outcome that the engine writes goes to the client state machine that owns the
+// request.
+#include <utility>
+
+#include "Kel/Error.h"
+#include "Trace/Trace.h"
+#include "VynPacketTracer/VynPtSm.h"
+
+namespace VynPacketTracer {
+
+using PacketTracer::RequestId;
+
+namespace {
+
+Trace::Handle& trace = Trace::handle("VynPtSm");
+
+}  // namespace
+
+// ---- NestedSm_LocalStatus
+
+NestedSm_LocalStatus::NestedSm_LocalStatus(Vanta::Ptr<PktGenStatusData const> const& status,
+                                           PacketTracerSm* owner)
+    : owner_(owner) {
+    plainNotifierIs(status);
+}
+
+NestedSm_LocalStatus::~NestedSm_LocalStatus() {
+    hasNotificationActiveIs(false);
+    zombieFlagIs(true);
+}
+
+RequestId NestedSm_LocalStatus::key() const {
+    return notifier() ? notifier()->req() : RequestId();
+}
+
+void NestedSm_LocalStatus::onAttribute(Vanta::AttributeNumber attribute, Vanta::ValueRef) {
+    if (attribute == PktGenStatusData::readyAttribute && !isZombie()) {
+        kel_handleLocalStatus_ready();
+    }
+}
+
+void NestedSm_LocalStatus::notifierIs(Vanta::Ptr<Vanta::Node const> const& node) {
+    auto const status = Vanta::dynamicCast<PktGenStatusData const>(node);
+    if (status == notifier()) {
+        return;
+    }
+    Vanta::Ptr<NestedSm_LocalStatus> const alive(this);
+    plainNotifierIs(status);
+    if (status && !isZombie()) {
+        kel_handleLocalStatus_ready();
+    }
+    registeredIs(true);
+}
+
+void NestedSm_LocalStatus::kel_handleLocalStatus_ready() {
+    if (owner_ != nullptr) {
+        // Whoever hears of a result may let the tracer go.
+        Vanta::Ptr<PacketTracerSm> const alive(owner_);
+        alive->handlePktGenStatus(key());
+    }
+}
+
+// ---- PacketTracerSm
+
+Vanta::Ptr<PktGenStatus> PacketTracerSm::pktGenStatusIs() {
+    if (pktGenStatus_) {
+        return pktGenStatus_;
+    }
+    pktGenStatus_ = pktGenStatusFactory();
+    subscribe();
+    for (auto const& entry : pktGenStatus_->status()) {
+        localStatusIs(entry.value);
+    }
+    for (auto const& entry : localStatus_) {
+        if (!pktGenStatus_->statusHas(entry.key)) {
+            localStatusDel(RequestId(entry.key));
+        }
+    }
+    return pktGenStatus_;
+}
+
+Vanta::Ptr<PktGenStatus> PacketTracerSm::pktGenStatusDel() {
+    auto taken = std::exchange(pktGenStatus_, nullptr);
+    pktGenStatusSubscriber_.unsubscribe();
+    localStatusDelAll();
+    return taken;
+}
+
+// The relay runs before the watcher of a new entry exists and before that of a removed one goes, so
+// an entry is relayed once by its arrival.
+void PacketTracerSm::pktGenStatusDispatch(Vanta::Publisher const&, Vanta::Subscriber&,
+                                          Vanta::AttributeNumber attribute, Vanta::ValueRef key,
+                                          Vanta::ValueRef) {
+    if (attribute != PktGenStatus::statusAttribute) {
+        return;
+    }
+    Vanta::Ptr<PacketTracerSm> const alive(this);
+    auto const& req = key.get<RequestId>();
+    if (!isZombie()) {
+        handlePktGenStatus(req);
+    }
+    if (!pktGenStatus_) {
+        return;
+    }
+    if (auto const entry = pktGenStatus_->status(req)) {
+        localStatusIs(entry);
+    } else {
+        localStatusDel(req);
+    }
+}
+
+void PacketTracerSm::handlePktGenStatus(RequestId const& key) {
+    auto const entry = pktGenStatus_ ? pktGenStatus_->status(key) : nullptr;
+    Trace::twinlog(trace, 7, "handlePktGenStatus:client:%s reqId:%s del:%s", key.clientName(),
+                   key.number(), !entry);
+    if (!entry) {
+        return;
+    }
+    auto const client = clientSm(key.clientName());
+    if (!client) {
+        Trace::twinlog(trace, 9, "handlePktGenStatus:Couldn't find ClientSm for:%s",
+                       key.clientName());
+        return;
+    }
+    client->updateResult(entry);
+}
+
+void PacketTracerSm::localStatusIs(Vanta::Ptr<PktGenStatusData const> const& entry) {
+    if (!entry) {
+        throw Kel::NullArgumentError("PacketTracerSm", "localStatus");
+    }
+    Vanta::Ptr<NestedSm_LocalStatus> watcher = localStatus(entry->req());
+    if (!watcher) {
+        watcher = Vanta::makeNode<NestedSm_LocalStatus>(entry, this);
+        watcher->registeredIs(true);
+        watcher->hasNotificationActiveIs(true);
+        localStatus_.insert(entry->req(), watcher);
+        watcher->kelDoZombieReactors(isZombie());
+    } else if (!(watcher->notifier() == entry)) {
+        watcher->notifierIs(entry);
+        watcher->kelDoZombieReactors(isZombie());
+    }
+}
+
+Vanta::Ptr<PktGenStatusData const> PacketTracerSm::localStatusDel(RequestId const& key) {
+    auto const watcher = localStatus_.remove(key).value_or(nullptr);
+    if (!watcher) {
+        return nullptr;
+    }
+    watcher->kelDoZombieReactors(true);
+    watcher->ownerDel();
+    watcher->hasNotificationActiveIs(false);
+    return watcher->notifier();
+}
+
+void PacketTracerSm::localStatusDelAll() {
+    for (auto const& entry : localStatus_) {
+        localStatusDel(RequestId(entry.key));
+    }
+}
+
+}  // namespace VynPacketTracer
