@@ -42,7 +42,7 @@ std::optional<MacAddress> MacAddress::fromText(std::string_view text) {
     MacAddress mac;
     for (int group = 0; group < 6; ++group) {
         auto const end = group == 5 ? text.size() : text.find_first_of(":-");
-        if (end == std::string_view::npos || end > 2) {
+        if (end > 2) {  // also where there is no separator
             return std::nullopt;
         }
         auto const byte = number<std::uint8_t>(text.substr(0, end), 16);

@@ -84,6 +84,18 @@ Decision conclude(Walk& walk, Step step, Verdict verdict) {
 
 }  // namespace
 
+std::string Explanation::text() const {
+    std::string lines;
+    for (auto const& entry : entries) {
+        lines += (lines.empty() ? "" : "\n") + std::to_string(static_cast<int>(entry.step)) + " " +
+                 SoftChip::text(entry.step) + ": " + SoftChip::text(entry.reason);
+        if (!entry.detail.empty()) {
+            lines += " (" + entry.detail + ")";
+        }
+    }
+    return lines;
+}
+
 Decision decide(Tables const& tables, std::span<std::uint8_t const> phase0,
                 std::span<std::uint8_t const> frame, Explanation* explain) {
     Walk walk{.tables = tables, .phase0 = phase0, .bytes = frame, .explain = explain};

@@ -1,8 +1,9 @@
+#include "softchip/PipelineSteps.h"
+
 #include <algorithm>
 
 #include "softchip/Hash.h"
 #include "softchip/Phase0.h"
-#include "softchip/PipelineSteps.h"
 
 // Steps 1 to 7 and 11 to 13: from the wire to a domain, and from a domain to the wire.
 namespace SoftChip::PipelineSteps {

@@ -1,7 +1,8 @@
+#include "softchip/PipelineSteps.h"
+
 #include <vector>
 
 #include "softchip/Hash.h"
-#include "softchip/PipelineSteps.h"
 
 // Steps 8 to 10: routing.
 namespace SoftChip::PipelineSteps {

@@ -1,4 +1,4 @@
-#include "softchip/Pipeline.h"
+#include "softchip/PipelineReason.h"
 
 namespace SoftChip {
 
@@ -176,18 +176,6 @@ char const* text(Reason reason) {
             return "dropped: there is no CPU port";
     }
     return "unknown reason";
-}
-
-std::string Explanation::text() const {
-    std::string lines;
-    for (auto const& entry : entries) {
-        lines += (lines.empty() ? "" : "\n") + std::to_string(static_cast<int>(entry.step)) + " " +
-                 SoftChip::text(entry.step) + ": " + SoftChip::text(entry.reason);
-        if (!entry.detail.empty()) {
-            lines += " (" + entry.detail + ")";
-        }
-    }
-    return lines;
 }
 
 }  // namespace SoftChip

@@ -1,3 +1,5 @@
+#include "softchip/PipelineReason.h"
+
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -12,7 +14,7 @@ namespace {
 
 using namespace FrameBuilder;
 
-class PipelineReasons : public PipelineFixture {
+class PipelineReason : public PipelineFixture {
   protected:
     // Whether a frame's road has the reason; the last step's must be the decision's.
     bool has(Reason reason, DevicePort ingress, Bytes const& frame) {
@@ -27,7 +29,7 @@ class PipelineReasons : public PipelineFixture {
     }
 };
 
-TEST_F(PipelineReasons, OfParsing) {
+TEST_F(PipelineReason, OfParsing) {
     EXPECT_TRUE(has(Reason::parsed, 1, to(hostB)));
     EXPECT_EQ(why(456, to(hostB)), Reason::phase0Unknown);
     EXPECT_EQ(why(1, Bytes(13)), Reason::frameTooShort);
@@ -36,13 +38,13 @@ TEST_F(PipelineReasons, OfParsing) {
     EXPECT_EQ(why(1, join({ethernet(hostB, everyone), ipv4({}, udp())})), Reason::sourceMulticast);
 }
 
-TEST_F(PipelineReasons, OfTheIngressPort) {
+TEST_F(PipelineReason, OfTheIngressPort) {
     EXPECT_TRUE(has(Reason::portIsUp, 1, to(hostB)));
     EXPECT_EQ(why(100, to(hostB)), Reason::portUnknown);
     EXPECT_EQ(why(15, to(hostB)), Reason::portDown);
 }
 
-TEST_F(PipelineReasons, OfClassification) {
+TEST_F(PipelineReason, OfClassification) {
     EXPECT_TRUE(has(Reason::untaggedVlan, 1, to(hostB)));
     EXPECT_TRUE(has(Reason::taggedVlan, 3, tagged(20, hostC)));
     EXPECT_TRUE(has(Reason::subInterface, 7, tagged(100, router)));
@@ -54,14 +56,14 @@ TEST_F(PipelineReasons, OfClassification) {
     EXPECT_EQ(why(3, tagged(4095, hostB)), Reason::tagReserved);
 }
 
-TEST_F(PipelineReasons, OfAdmission) {
+TEST_F(PipelineReason, OfAdmission) {
     EXPECT_TRUE(has(Reason::admitted, 1, to(hostB)));
     EXPECT_TRUE(has(Reason::internalDomain, 5, to(router)));
     EXPECT_EQ(why(3, tagged(99, hostB)), Reason::vlanUnknown);
     EXPECT_EQ(why(3, tagged(40, hostB)), Reason::vlanNotOnPort);
 }
 
-TEST_F(PipelineReasons, OfTheAcl) {
+TEST_F(PipelineReason, OfTheAcl) {
     EXPECT_TRUE(has(Reason::noAclRule, 1, to(hostB)));
     rule(AclRule::Action::permit, false);
     EXPECT_TRUE(has(Reason::aclPermit, 1, to(hostB)));
@@ -71,7 +73,7 @@ TEST_F(PipelineReasons, OfTheAcl) {
     EXPECT_EQ(why(1, to(hostB)), Reason::aclDrop);
 }
 
-TEST_F(PipelineReasons, OfControlTraffic) {
+TEST_F(PipelineReason, OfControlTraffic) {
     EXPECT_TRUE(has(Reason::notControl, 1, to(hostB)));
     EXPECT_TRUE(has(Reason::arpBroadcastCopy, 1, to(everyone, arp("10.0.10.7", "10.0.10.1"))));
     EXPECT_TRUE(has(Reason::ipLinkLocalCopy, 1,
@@ -82,7 +84,7 @@ TEST_F(PipelineReasons, OfControlTraffic) {
     EXPECT_EQ(why(1, to(everyone, arp("10.0.10.7", "10.0.10.1"))), Reason::protocolTrap);
 }
 
-TEST_F(PipelineReasons, OfTheRouterMac) {
+TEST_F(PipelineReason, OfTheRouterMac) {
     EXPECT_TRUE(has(Reason::toRouter, 1, routedTo("10.0.20.7")));
     EXPECT_TRUE(has(Reason::groupAddress, 1, to(everyone)));
     EXPECT_TRUE(has(Reason::notRouterMac, 1, to(hostB)));
@@ -90,7 +92,7 @@ TEST_F(PipelineReasons, OfTheRouterMac) {
     EXPECT_EQ(why(5, to(stranger)), Reason::notForRoutedPort);
 }
 
-TEST_F(PipelineReasons, OfOwnAddressAndTtl) {
+TEST_F(PipelineReason, OfOwnAddressAndTtl) {
     EXPECT_TRUE(has(Reason::transit, 1, routedTo("10.0.20.7")));
     EXPECT_EQ(why(1, to(router, number(0x0800, 2))), Reason::ipHeaderBroken);
     EXPECT_EQ(why(1, routedTo("127.0.0.1")), Reason::addressNotRouted);
@@ -98,7 +100,7 @@ TEST_F(PipelineReasons, OfOwnAddressAndTtl) {
     EXPECT_EQ(why(1, routedTo("10.0.20.7", 1)), Reason::ttlExpired);
 }
 
-TEST_F(PipelineReasons, OfTheRoute) {
+TEST_F(PipelineReason, OfTheRoute) {
     EXPECT_TRUE(has(Reason::neighbourFound, 1, routedTo("10.0.20.7")));
     EXPECT_EQ(why(1, routedTo("8.8.8.8")), Reason::noRoute);
     EXPECT_EQ(why(1, routedTo("203.0.113.1")), Reason::routeDrops);
@@ -109,13 +111,13 @@ TEST_F(PipelineReasons, OfTheRoute) {
     EXPECT_EQ(why(1, routedTo("10.0.20.10")), Reason::glean);
 }
 
-TEST_F(PipelineReasons, OfTheEgressInterface) {
+TEST_F(PipelineReason, OfTheEgressInterface) {
     EXPECT_TRUE(has(Reason::intoVlan, 1, routedTo("10.0.20.7")));
     EXPECT_TRUE(has(Reason::outOfRoutedPort, 1, routedTo("192.0.2.1")));
     EXPECT_TRUE(has(Reason::outOfSubInterface, 7, tagged(100, router)));
 }
 
-TEST_F(PipelineReasons, OfTheFdb) {
+TEST_F(PipelineReason, OfTheFdb) {
     EXPECT_TRUE(has(Reason::fdbHit, 1, to(hostB)));
     EXPECT_EQ(why(1, to(hostA)), Reason::hairpin);
     EXPECT_EQ(why(1, to(everyone)), Reason::broadcastFlood);
@@ -126,7 +128,7 @@ TEST_F(PipelineReasons, OfTheFdb) {
     EXPECT_EQ(why(1, to(stranger)), Reason::fdbPortNotInVlan);
 }
 
-TEST_F(PipelineReasons, OfTheLagMember) {
+TEST_F(PipelineReason, OfTheLagMember) {
     EXPECT_TRUE(has(Reason::notLag, 1, to(hostB)));
     EXPECT_TRUE(has(Reason::lagMember, 4, to(hostL)));
     tables.lagIs(1, {});
@@ -135,7 +137,7 @@ TEST_F(PipelineReasons, OfTheLagMember) {
     EXPECT_EQ(why(4, to(hostL)), Reason::allMembersDown);
 }
 
-TEST_F(PipelineReasons, OfTheEgressPort) {
+TEST_F(PipelineReason, OfTheEgressPort) {
     EXPECT_EQ(why(1, to(hostB)), Reason::forwarded);
     tables.portUpIs(2, false);
     EXPECT_EQ(why(1, to(hostB)), Reason::egressPortDown);
@@ -143,14 +145,14 @@ TEST_F(PipelineReasons, OfTheEgressPort) {
     EXPECT_EQ(why(1, to(hostB)), Reason::egressPortDown);
 }
 
-TEST_F(PipelineReasons, OfAMissingCpuPort) {
+TEST_F(PipelineReason, OfAMissingCpuPort) {
     tables.portDel(cpu);
     EXPECT_EQ(in(1, routedTo("10.0.10.1")), (Says{none, 10, false, false, true}));
     EXPECT_TRUE(has(Reason::noCpuPort, 1, routedTo("10.0.10.1")));
     EXPECT_TRUE(has(Reason::ownAddress, 1, routedTo("10.0.10.1")));
 }
 
-TEST_F(PipelineReasons, AllHaveATextOfTheirOwn) {
+TEST_F(PipelineReason, AllHaveATextOfTheirOwn) {
     std::set<std::string> texts;
     for (unsigned reason = 0; reason < reasonCount; ++reason) {
         texts.insert(text(static_cast<Reason>(reason)));
@@ -159,7 +161,7 @@ TEST_F(PipelineReasons, AllHaveATextOfTheirOwn) {
     EXPECT_FALSE(texts.contains("unknown reason"));
 }
 
-TEST_F(PipelineReasons, ExplainARoadStepByStep) {
+TEST_F(PipelineReason, ExplainARoadStepByStep) {
     decision(1, routedTo("192.0.2.1"));
     EXPECT_EQ(
         explanation.text(),
@@ -179,7 +181,7 @@ TEST_F(PipelineReasons, ExplainARoadStepByStep) {
         "13 egress port up: sent (port 5)");
 }
 
-TEST_F(PipelineReasons, ExplainABridgedFrameThroughALag) {
+TEST_F(PipelineReason, ExplainABridgedFrameThroughALag) {
     decision(4, to(hostL));
     auto const text = explanation.text();
     EXPECT_NE(text.find("11 FDB: MAC address known (02:00:00:00:00:10 in VLAN 20, LAG 1)\n"
@@ -189,7 +191,7 @@ TEST_F(PipelineReasons, ExplainABridgedFrameThroughALag) {
         << text;
 }
 
-TEST_F(PipelineReasons, ForgetTheFrameBefore) {
+TEST_F(PipelineReason, ForgetTheFrameBefore) {
     decision(1, to(hostB));
     decision(15, to(hostB));
     EXPECT_EQ(explanation.entries.size(), 2u);
