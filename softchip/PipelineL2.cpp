@@ -131,7 +131,9 @@ Verdict vlanClassification(Walk& walk) {
     auto const tag = classifyingTag(walk.frame);
     if (auto const domain = walk.tables.subIntf(walk.ingress, tag); domain != noDomain) {
         walk.say([&] { return "tag " + std::to_string(tag); });
-        return enterDomain(walk, domain, true, Reason::subInterface);
+        // A sub-interface may lead into a VLAN, which then admits and floods as for any port.
+        bool const routed = walk.tables.vlan(domain) == nullptr;
+        return enterDomain(walk, domain, routed, Reason::subInterface);
     }
     auto const mode = walk.tables.mode(walk.ingress);
     if (mode.kind == PortMode::Kind::none) {

@@ -48,7 +48,8 @@ class Tables {
     // Where a frame that enters at `port` enters: its LAG, or the port itself.
     LogicalPort logicalPort(DevicePort port) const;
 
-    // Sub-interfaces: the domain of the frames with `tag` (1 to 4094) on a port or LAG.
+    // Sub-interfaces: the domain of the frames with `tag` (1 to 4094) on a port or LAG. If that is a
+    // VLAN, the sub-interface is bridged: the VLAN must have the port or LAG as a member.
     void subIntfIs(LogicalPort parent, std::uint16_t tag, DomainId domain);
     bool subIntfDel(LogicalPort parent, std::uint16_t tag);
     DomainId subIntf(LogicalPort parent, std::uint16_t tag) const;  // noDomain if there is none

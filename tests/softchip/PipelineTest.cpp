@@ -55,6 +55,18 @@ TEST_F(Digest, RoutedOutOfASubInterfaceSaysItsParentAndItsInternalVlan) {
     EXPECT_EQ(in(7, tagged(100, router)), (Says{7, 4093, routed}));
 }
 
+TEST_F(Digest, BridgedSubInterfaceForwardsAndFloodsInItsVlan) {
+    tables.subIntfIs(port(7), 200, 20);
+    tables.vlanMemberIs(20, port(7));
+    EXPECT_EQ(in(7, tagged(200, hostC)), (Says{4, 20}));
+    EXPECT_EQ(in(7, tagged(200, stranger)), (Says{none, 20}));
+}
+
+TEST_F(Digest, BridgedSubInterfaceNeedsItsVlanToAdmitThePort) {
+    tables.subIntfIs(port(7), 200, 20);
+    EXPECT_EQ(in(7, tagged(200, hostC)), (Says{none, 20, false, false, dropped}));
+}
+
 TEST_F(Digest, RoutedOutOfARoutedLagSaysAMemberAndItsInternalVlan) {
     auto const says = in(1, routedTo("172.16.8.1"));
     EXPECT_TRUE(says.egressPort == 11 || says.egressPort == 12) << says;
