@@ -21,6 +21,10 @@ SwitchModel readSwitchFile(std::string const& path) {
     return parseSwitchFile(readWholeFile(path), path == "-" ? "standard input" : path);
 }
 
+bool isLinkLocalV6(SoftChip::IpAddress const& address) {
+    return address.family == SoftChip::Family::ipv6 && address.hi >> 54U == 0x3fa;
+}
+
 std::uint16_t lagNumber(Plexa::IntfId const& lag) {
     std::string const name = lag.stringValue();
     return static_cast<std::uint16_t>(

@@ -149,7 +149,10 @@ SwitchModel parseSwitchFile(std::string_view text, std::string const& fileName);
 // unreadable.
 SwitchModel readSwitchFile(std::string const& path);
 
-// The number of a LAG, and the sum of a port's pipe and index: how the chip names them.
+// fe80::/10: such an address means something on its own link only.
+bool isLinkLocalV6(SoftChip::IpAddress const& address);
+
+// The number in a LAG's name.
 std::uint16_t lagNumber(Plexa::IntfId const& lag);
 
 }  // namespace Agent

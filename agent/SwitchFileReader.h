@@ -122,11 +122,6 @@ class SwitchFileReader {
 // if the value is no object.
 void onlyMembers(JsonValue object, std::initializer_list<std::string_view> names);
 
-// fe80::/10: such an address means something on its own link only.
-inline bool isLinkLocalV6(SoftChip::IpAddress const& address) {
-    return address.family == SoftChip::Family::ipv6 && address.hi >> 54U == 0x3fa;
-}
-
 // Texts of addresses. Errors: InputError naming what was expected.
 SoftChip::MacAddress readMac(JsonValue where, std::string_view text, std::string_view shown);
 SoftChip::MacAddress readStationMac(JsonValue where, std::string_view text, std::string_view shown);

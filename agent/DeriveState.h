@@ -1,0 +1,34 @@
+// From the switch's model to the forwarding state that a tracer reads.
+//
+//   - A physical port has port information: its pipe and its index there. A sub-interface has that
+//   of
+//     its parent port; LAGs, their sub-interfaces and VLAN interfaces have none.
+//   - portToIntfId gives a device port's own interface, also of a LAG's member.
+//   - LAGs are members of VLANs, the ports in them never are; a bridged sub-interface is a member
+//   of
+//     its VLAN.
+//   - "Cpu" is a member of exactly the VLANs that have a VLAN interface.
+//   - A routed port, routed LAG or routing sub-interface is the one member of its internal VLAN.
+#pragma once
+
+#include "Bridging/Config.h"
+#include "Fen/FenCommonSmData.h"
+#include "Vanta/Node.h"
+#include "VynSlice/ChipStatus.h"
+#include "VynSystem/SystemStatus.h"
+#include "agent/SwitchFile.h"
+
+namespace Agent {
+
+struct ForwardingState {
+    Vanta::Ptr<VynSystem::SystemStatus> systemStatus;
+    Vanta::Ptr<Fen::FenCommonSmData> fcsd;
+    Vanta::Ptr<Bridging::Config> bridgingConfig;
+    Vanta::Ptr<VynSlice::ChipStatus> chipStatus;
+};
+
+// New state objects, in the order of the model throughout. Never fails but for want of memory.
+// Thread: the event thread.
+ForwardingState deriveForwardingState(SwitchModel const& model);
+
+}  // namespace Agent

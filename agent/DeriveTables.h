@@ -1,0 +1,29 @@
+// From the switch's model to the tables of the software chip.
+//
+//   - Ports, LAGs and VLANs with their members as they stand in the model. A bridged sub-interface
+//     makes its parent a member of the VLAN, for the chip knows ports, tags and domains only.
+//   - What routes has a domain: a VLAN interface its VLAN, everything else its internal VLAN.
+//   - Each subnet of an interface becomes a connected route, each address one of the switch's own.
+//     IPv6's link-local subnets become none, being on every link alike.
+//   - Each place that names an access list gets a list of its own, numbered from 1: VLANs first,
+//     then interfaces, both in the order of the model. `aclPlaces` says where a list came from.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "agent/SwitchFile.h"
+#include "softchip/Tables.h"
+
+namespace Agent {
+
+// The whole tables. Never fails but for want of memory. Thread: any.
+SoftChip::Tables deriveTables(SwitchModel const& model);
+
+// What the chip's list n + 1 is for people: "edge on Ethernet7", "edge on VLAN 10".
+std::vector<std::string> aclPlaces(SwitchModel const& model);
+
+// How the chip names a physical port or LAG, or the parent of a sub-interface.
+SoftChip::LogicalPort logicalPort(SwitchModel const& model, Plexa::IntfId const& id);
+
+}  // namespace Agent
