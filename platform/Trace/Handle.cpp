@@ -4,6 +4,7 @@
 #include <cstdlib>
 
 #include "Trace/Registry.h"
+#include "Trace/Ringlog.h"
 
 namespace Trace {
 namespace {
@@ -64,7 +65,9 @@ Registry& Registry::instance() {
     return *registry;
 }
 
-Registry::Registry() : settings_(settingsOfEnvironment()) {}
+Registry::Registry()
+    : settings_(settingsOfEnvironment()),
+      whole_(environmentNamesRing() ? static_cast<unsigned>(Whole::ring) : 0) {}
 
 Handle& Registry::handle(std::string_view name) {
     std::lock_guard const lock(mutex_);

@@ -45,7 +45,7 @@ class Registry {
     std::mutex mutex_;
     std::map<std::string, std::unique_ptr<Handle>, std::less<>> handles_;
     std::vector<TextSetting> settings_;
-    unsigned whole_ = 0;
+    unsigned whole_;
 };
 
 }  // namespace Trace

@@ -5,6 +5,7 @@
 #include <string>
 
 #include "Trace/Registry.h"
+#include "Trace/Ringlog.h"
 #include "Trace/Text.h"
 
 namespace Trace {
@@ -33,6 +34,11 @@ class ErrnoKept {
     int const before_ = errno;
 };
 
+TapFunction activeTap() noexcept {
+    auto const tap = tapFunction.load(std::memory_order_acquire);
+    return tap && !insideTap ? tap : nullptr;
+}
+
 void tell(TapFunction tap, Handle const& handle, unsigned level, std::string_view text) {
     InsideTap const inside;
     tap(tapContext.load(std::memory_order_relaxed), handle.name(), level, text);
@@ -41,16 +47,18 @@ void tell(TapFunction tap, Handle const& handle, unsigned level, std::string_vie
 }  // namespace
 
 void emit(Handle const& handle, unsigned level, char const* format, std::span<Value const> values) {
+    auto const tap = activeTap();
+    bool const asText = handle.textLevels().has(level);
+    if (!tap && !asText) [[likely]] {
+        return writeRing(handle, level, format, values);
+    }
     ErrnoKept const kept;
     std::string text;
-    auto const tap = insideTap ? nullptr : tapFunction.load(std::memory_order_acquire);
-    bool const asText = handle.textLevels().has(level);
-    if (tap || asText) {
-        appendFormatted(text, format, values);
-    }
+    appendFormatted(text, format, values);
     if (tap) {
         tell(tap, handle, level, text);
     }
+    writeRing(handle, level, format, values);
     if (asText) {
         writeText(handle.name(), level, text);
     }

@@ -36,7 +36,7 @@ class Value {
     // The room that a Writer is given by whoever reads the text; a ring record may give it less.
     static constexpr std::size_t writtenRoom = 256;
 
-    enum class Kind : std::uint8_t { boolean, signedNumber, unsignedNumber, text, written };
+    enum class Kind : std::uint8_t { boolean = 1, signedNumber, unsignedNumber, text, written };
 
     static constexpr Value boolean(bool value) noexcept {
         return Value(Kind::boolean, Content{.number = value}, Extent{.length = 0});
