@@ -41,6 +41,18 @@ void Request::frameIs(Vanta::Bytes frame) {
     set(frame_, std::move(frame), frameAttribute);
 }
 
+void Request::fieldsIs(std::optional<PacketFields> fields) {
+    if (fields_ == nullptr ? !fields : fields == *fields_) {
+        return;
+    }
+    std::unique_ptr<PacketFields const> changed;
+    if (fields) {
+        changed = std::make_unique<PacketFields const>(*std::move(fields));
+    }
+    auto const old = std::exchange(fields_, std::move(changed));
+    publisher_.publish(fieldsAttribute, {}, old ? Vanta::ValueRef::to(*old) : Vanta::ValueRef());
+}
+
 Kel::TypeInfo const& Request::typeInfo() const noexcept {
     static constexpr Kel::AttributeInfo attributes[] = {
         Kel::attribute<&Request::id>(idAttribute, "id", "PacketTracer::RequestId"),
@@ -50,6 +62,7 @@ Kel::TypeInfo const& Request::typeInfo() const noexcept {
         Kel::attribute<&Request::gre>(greAttribute, "gre", "bool"),
         Kel::attribute<&Request::intf>(intfAttribute, "intf", "Plexa::IntfId"),
         Kel::attribute<&Request::frame>(frameAttribute, "frame", "Vanta::Bytes"),
+        Kel::attribute<&Request::fields>(fieldsAttribute, "fields", "PacketTracer::PacketFields"),
     };
     static constexpr Kel::TypeInfo info{"Request", attributes, {}};
     return info;

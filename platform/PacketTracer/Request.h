@@ -1,12 +1,17 @@
 // One question: where would this packet go, if it came in on this interface?
 //
-// The client fills a request in and then sets `valid`. Every setter stores and publishes a change
-// only when the value differs. Thread: the event thread.
+// The client fills a request in and then sets `valid`. The packet is given either as a whole frame
+// or by its fields; where both are there, the frame holds, and where neither is, as in a new
+// request, there is no packet to be built. Every setter stores and publishes a change only when the
+// value differs. Thread: the event thread.
 #pragma once
 
 #include <cstdint>
+#include <memory>
+#include <optional>
 
 #include "Kel/Object.h"
+#include "PacketTracer/PacketFields.h"
 #include "PacketTracer/RequestId.h"
 #include "Plexa/IntfId.h"
 #include "Vanta/Bytes.h"
@@ -25,9 +30,10 @@ class VYN_EXPORT Request final : public Kel::Object {
         greAttribute,
         intfAttribute,
         frameAttribute,
+        fieldsAttribute,
     };
 
-    // A new request, not valid yet, with an empty frame.
+    // A new request, not valid yet, with an empty frame and no fields.
     static Vanta::Ptr<Request> RequestIs(RequestId id);
 
     RequestId const& id() const noexcept { return id_; }
@@ -36,7 +42,7 @@ class VYN_EXPORT Request final : public Kel::Object {
     bool valid() const noexcept { return valid_; }
     void validIs(bool valid);
 
-    // The packet's EtherType, the innermost one.
+    // The packet's EtherType, the innermost one; beside fields that have addresses 0 will do.
     std::uint16_t etherType() const noexcept { return etherType_; }
     void etherTypeIs(std::uint16_t etherType);
 
@@ -50,9 +56,14 @@ class VYN_EXPORT Request final : public Kel::Object {
     Plexa::IntfId const& intf() const noexcept { return intf_; }
     void intfIs(Plexa::IntfId const& intf);
 
-    // The whole frame, taken as it is; an empty one is a packet that cannot be built.
+    // The whole frame, taken as it is; an empty one is none.
     Vanta::Bytes const& frame() const noexcept { return frame_; }
     void frameIs(Vanta::Bytes frame);
+
+    // The fields, or null. They last until they are replaced; nothing as argument takes them away.
+    // The old value that is published is a PacketFields, none if there were none.
+    PacketFields const* fields() const noexcept { return fields_.get(); }
+    void fieldsIs(std::optional<PacketFields> fields);
 
     Vanta::Publisher const& publisher() const noexcept { return publisher_; }
     Kel::TypeInfo const& typeInfo() const noexcept override;
@@ -68,6 +79,7 @@ class VYN_EXPORT Request final : public Kel::Object {
     RequestId id_;
     Plexa::IntfId intf_;
     Vanta::Bytes frame_;
+    std::unique_ptr<PacketFields const> fields_;  // apart: most requests have a frame
     std::uint16_t etherType_ = 0;
     bool valid_ = false;
     bool mpls_ = false;

@@ -1,0 +1,119 @@
+// A packet described by its fields.
+//
+// Plain values. A description may be incomplete or contradict itself; PacketTracer/PacketFault.h
+// says whether a frame can be built from it, PacketTracer/PacketDefaults.h what holds where a field
+// is not given. The packet's EtherType, the innermost one, stands beside the fields, in the
+// request. Thread: the event thread, because of the payload.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <vector>
+
+#include "Kel/Reflection.h"
+#include "PacketTracer/Addresses.h"
+#include "Vanta/Bytes.h"
+#include "VynExport.h"
+
+namespace PacketTracer {
+
+inline constexpr std::uint16_t etherTypeIpv4 = 0x0800;
+inline constexpr std::uint16_t etherTypeArp = 0x0806;
+inline constexpr std::uint16_t etherTypeVlan = 0x8100;
+inline constexpr std::uint16_t etherTypeIpv6 = 0x86dd;
+inline constexpr std::uint16_t etherTypeMpls = 0x8847;
+inline constexpr std::uint16_t etherTypeMplsMulticast = 0x8848;
+inline constexpr std::uint16_t etherTypeServiceVlan = 0x88a8;
+
+struct VlanTag {
+    std::uint16_t tpid = etherTypeVlan;
+    std::uint16_t vlan = 0;     // 0 to 4094; 0 is a priority tag
+    std::uint8_t priority = 0;  // 0 to 7
+    bool dropEligible = false;
+
+    friend bool operator==(VlanTag const&, VlanTag const&) noexcept = default;
+};
+
+enum class IpProtocol : std::uint8_t { icmp = 1, tcp = 6, udp = 17, icmpv6 = 58 };
+
+enum class ArpOperation : std::uint16_t { request = 1, reply = 2 };
+
+namespace TcpFlag {
+inline constexpr std::uint8_t fin = 0x01;
+inline constexpr std::uint8_t syn = 0x02;
+inline constexpr std::uint8_t rst = 0x04;
+inline constexpr std::uint8_t psh = 0x08;
+inline constexpr std::uint8_t ack = 0x10;
+inline constexpr std::uint8_t urg = 0x20;
+inline constexpr std::uint8_t ece = 0x40;
+inline constexpr std::uint8_t cwr = 0x80;
+}  // namespace TcpFlag
+
+struct ArpFields {
+    std::optional<ArpOperation> operation;
+    std::optional<MacAddress> senderMac;
+    std::optional<IpAddress> senderIp;  // IPv4
+    std::optional<MacAddress> targetMac;
+    std::optional<IpAddress> targetIp;  // IPv4
+
+    friend bool operator==(ArpFields const&, ArpFields const&) noexcept = default;
+};
+
+struct PacketFields {
+    std::optional<MacAddress> ethDst;
+    std::optional<MacAddress> ethSrc;
+    std::vector<VlanTag> tags;  // the outer one first
+
+    std::optional<ArpFields> arp;
+
+    std::optional<IpAddress> ipDst;
+    std::optional<IpAddress> ipSrc;
+    std::optional<std::uint8_t> ttl;   // or hop limit
+    std::optional<std::uint8_t> dscp;  // 0 to 63
+    bool dontFragment = false;         // IPv4 alone
+    std::optional<IpProtocol> protocol;
+    std::optional<std::uint16_t> srcPort;
+    std::optional<std::uint16_t> dstPort;
+    std::optional<std::uint8_t> tcpFlags;
+    std::optional<std::uint8_t> icmpType;
+    std::optional<std::uint8_t> icmpCode;
+
+    // What follows the last header: of TCP (20 bytes), UDP, ICMP (8 bytes, so for an echo request
+    // the data behind identifier and sequence number) or, without IP, Ethernet. Empty: not given.
+    Vanta::Bytes payload;
+    // The frame's length in bytes, padding included, check sequence not. In place of a payload:
+    // zeros fill the packet up.
+    std::optional<std::uint32_t> length;
+
+    friend bool operator==(PacketFields const&, PacketFields const&) noexcept = default;
+};
+
+// The EtherType that the addresses demand; 0 if there are neither IP addresses nor ARP.
+VYN_EXPORT std::uint16_t impliedEtherType(PacketFields const& fields) noexcept;
+
+// "tcp", "udp", "icmp", "icmpv6".
+VYN_EXPORT std::string_view text(IpProtocol protocol) noexcept;
+VYN_EXPORT std::optional<IpProtocol> ipProtocolFromText(std::string_view text) noexcept;
+// "request", "reply".
+VYN_EXPORT std::string_view text(ArpOperation operation) noexcept;
+VYN_EXPORT std::optional<ArpOperation> arpOperationFromText(std::string_view text) noexcept;
+
+// The fields that are given, as name and text, in the order of their declaration. The names:
+// eth-dst, eth-src, vlan (one for each tag), arp-op, arp-sender-mac, arp-sender-ip, arp-target-mac,
+// arp-target-ip, ip-dst, ip-src, ttl, dscp, dont-fragment, proto, sport, dport, tcp-flags,
+// icmp-type, icmp-code, payload, length.
+struct NamedField {
+    std::string_view name;
+    std::string value;
+
+    friend bool operator==(NamedField const&, NamedField const&) = default;
+};
+VYN_EXPORT std::vector<NamedField> namedFields(PacketFields const& fields);
+
+// The named fields as a list of pairs; of null (no fields) an empty list.
+VYN_EXPORT void reflectValue(Kel::AttributeSink& sink, PacketFields const* fields);
+
+}  // namespace PacketTracer
