@@ -29,11 +29,23 @@ bool matchesL2(FrameMatch const& match, ParsedFrame const& frame) {
             (frame.tagCount > 0 && frame.tags[0].priority == *match.vlanPriority));
 }
 
-bool matchesL3(FrameMatch const& match, ParsedFrame const& frame) {
-    if (match.srcIp || match.dstIp || match.ipProtocol || match.dscp || match.ttl ||
-        match.fragment) {
-        return frame.hasIp && within(match.srcIp, frame.srcIp) &&
-               within(match.dstIp, frame.dstIp) && equals(match.ipProtocol, frame.protocol) &&
+// Whether the match's addresses may be compared with the frame's.
+bool hasAddresses(FrameMatch const& match, ParsedFrame const& frame) {
+    bool const arp = frame.l3 == L3::arp && frame.l3Fault == L3Fault::none;
+    return frame.hasIp || (arp && match.etherType == etherTypeArp);
+}
+
+bool matchesAddresses(FrameMatch const& match, ParsedFrame const& frame) {
+    if (match.srcIp || match.dstIp) {
+        return hasAddresses(match, frame) && within(match.srcIp, frame.srcIp) &&
+               within(match.dstIp, frame.dstIp);
+    }
+    return true;
+}
+
+bool matchesIpHeader(FrameMatch const& match, ParsedFrame const& frame) {
+    if (match.ipProtocol || match.dscp || match.ttl || match.fragment) {
+        return frame.hasIp && equals(match.ipProtocol, frame.protocol) &&
                equals(match.dscp, frame.dscp) && inRange(match.ttl, frame.ttl) &&
                equals(match.fragment, frame.fragment);
     }
@@ -69,7 +81,8 @@ IpMatch IpMatch::prefix(Prefix const& prefix) {
 
 bool FrameMatch::matches(ParsedFrame const& frame, LogicalPort from, DomainId in) const {
     return (ingress.isNone() || ingress == from) && (domain == noDomain || domain == in) &&
-           matchesL2(*this, frame) && matchesL3(*this, frame) && matchesL4(*this, frame);
+           matchesL2(*this, frame) && matchesAddresses(*this, frame) &&
+           matchesIpHeader(*this, frame) && matchesL4(*this, frame);
 }
 
 std::vector<AclRule>::iterator AclTable::position(std::uint16_t list, std::uint32_t sequence) {

@@ -49,8 +49,12 @@ struct TcpFlagsMatch {
 };
 
 // What a frame must be for a rule to apply: every field that is given must match, a match without
-// any field is every frame. A field that the frame does not have (an IP address in an ARP frame, a
+// any field is every frame. A field that the frame does not have (an IP address in an LLDP frame, a
 // port in a later fragment or behind a broken header) matches nothing.
+//
+// IP addresses are those of IP packets. A match for EtherType ARP takes the sender's for the source
+// and the target's for the destination; others leave ARP alone, so that a rule against a subnet's
+// packets does not silence its ARP.
 struct FrameMatch {
     // Where the frame came in: empty is everywhere.
     LogicalPort ingress{};

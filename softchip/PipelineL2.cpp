@@ -17,9 +17,17 @@ std::uint16_t classifyingTag(ParsedFrame const& frame) {
     return frame.tagCount > 0 ? frame.tags[0].vlan : 0;
 }
 
-Verdict enterDomain(Walk& walk, DomainId domain, bool internal, Reason reason) {
+// Whether the domain is that of one routed port or sub-interface, in which nothing is bridged. A
+// sub-interface may also lead into a VLAN, which then admits and floods as for any port.
+bool isInternal(Tables const& tables, DomainId domain) {
+    auto const* intf = tables.l3Intf(domain);
+    return (intf && !intf->isVlan()) || !tables.vlan(domain);
+}
+
+// `mayBeInternal`: the port's configuration names the domain, not the frame's tag.
+Verdict enterDomain(Walk& walk, DomainId domain, bool mayBeInternal, Reason reason) {
     walk.domain = walk.outDomain = domain;
-    walk.internal = internal;
+    walk.internal = mayBeInternal && isInternal(walk.tables, domain);
     walk.say([&] { return vlanText(domain); });
     return goOn(reason, Step::vlanAdmission);
 }
@@ -131,9 +139,7 @@ Verdict vlanClassification(Walk& walk) {
     auto const tag = classifyingTag(walk.frame);
     if (auto const domain = walk.tables.subIntf(walk.ingress, tag); domain != noDomain) {
         walk.say([&] { return "tag " + std::to_string(tag); });
-        // A sub-interface may lead into a VLAN, which then admits and floods as for any port.
-        bool const routed = walk.tables.vlan(domain) == nullptr;
-        return enterDomain(walk, domain, routed, Reason::subInterface);
+        return enterDomain(walk, domain, true, Reason::subInterface);
     }
     auto const mode = walk.tables.mode(walk.ingress);
     if (mode.kind == PortMode::Kind::none) {

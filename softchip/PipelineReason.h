@@ -44,7 +44,7 @@ enum class Reason : std::uint8_t {
     tagReserved,      // drop: VLAN 4095
     // 4 VLAN admission
     admitted,
-    internalDomain,  // a routed port's or sub-interface's own domain: nothing to admit to
+    internalDomain,  // a routed port's or routed sub-interface's own domain: nothing to admit to
     vlanUnknown,     // drop
     vlanNotOnPort,   // drop
     // 5 ingress ACL

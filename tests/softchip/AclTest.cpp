@@ -89,6 +89,15 @@ TEST(FrameMatch, NeverTakesAnAddressOfTheOtherFamily) {
         matches({.srcIp = IpMatch::prefix(prefix("0.0.0.0/0"))}, arp("10.0.0.1", "10.0.0.2")));
 }
 
+TEST(FrameMatch, LooksAtTheAddressesOfArpOnlyIfItIsForArp) {
+    auto const sender = IpMatch::prefix(prefix("10.0.0.1"));
+    auto const request = arp("10.0.0.1", "10.0.0.2");
+    EXPECT_TRUE(matches({.etherType = 0x0806, .srcIp = sender}, request));
+    EXPECT_FALSE(matches({.etherType = 0x0806, .dstIp = sender}, request));
+    EXPECT_FALSE(matches({.srcIp = sender}, request));
+    EXPECT_FALSE(matches({.etherType = 0x0806, .srcIp = sender}, number(0x0806, 2)));
+}
+
 TEST(FrameMatch, TakesAnyMaskOfAnIpAddress) {
     auto const odd = IpMatch{ip("0.0.0.7"), ip("0.0.0.255")};
     EXPECT_TRUE(matches({.srcIp = odd}, ipv4({.src = "192.0.2.7"})));

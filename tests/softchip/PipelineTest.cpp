@@ -64,7 +64,8 @@ TEST_F(Digest, BridgedSubInterfaceForwardsAndFloodsInItsVlan) {
 
 TEST_F(Digest, BridgedSubInterfaceNeedsItsVlanToAdmitThePort) {
     tables.subIntfIs(port(7), 200, 20);
-    EXPECT_EQ(in(7, tagged(200, hostC)), (Says{none, 20, false, false, dropped}));
+    EXPECT_EQ(in(7, tagged(200, hostC)), (Says{none, 20, !routed, !copied, dropped}));
+    EXPECT_EQ(explanation.entries.back().reason, Reason::vlanNotOnPort);
 }
 
 TEST_F(Digest, RoutedOutOfARoutedLagSaysAMemberAndItsInternalVlan) {
@@ -140,6 +141,18 @@ TEST_F(Pipeline, TakesATagOfItsOwnVlanOnAnAccessPort) {
 
 TEST_F(Pipeline, ClassifiesByTheOuterTag) {
     EXPECT_EQ(in(3, to(hostC, join({tag(20, 0x88a8), tag(10), ipv4({}, udp())}))), (Says{4, 20}));
+}
+
+TEST_F(Pipeline, BridgesASubInterfaceOfAVlan) {
+    tables.subIntfIs(port(7), 200, 10);
+    tables.vlanMemberIs(10, port(7));
+    tables.fdbIs(10, stranger, port(7));
+    EXPECT_EQ(in(7, tagged(200, hostB)), (Says{2, 10}));
+    EXPECT_EQ(in(7, tagged(200, router)), (Says{4, 20, routed})) << "through its VLAN interface";
+    EXPECT_EQ(in(7, tagged(200, everyone)), (Says{none, 10}));
+    EXPECT_EQ(in(1, to(stranger)), (Says{7, 10}));
+    EXPECT_EQ(why(7, tagged(200, stranger)), Reason::hairpin);
+    EXPECT_EQ(why(7, tagged(10, hostB)), Reason::tagRefused) << "the VLAN's number is no tag here";
 }
 
 TEST_F(Pipeline, TakesALagMemberForItsLag) {
