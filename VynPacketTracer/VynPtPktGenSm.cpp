@@ -257,14 +257,13 @@ bool PktGenSm::workOnState(bool& done) {
 
 bool PktGenSm::processRequest() {
     Trace::twinlog(trace, 7, "processRequest:");
-    for (auto const& entry : config_->cfg()) {
-        if (!status_->statusHas(entry.key)) {
-            curCfg_ = config_->cfg(entry.key);
-            getPhase0Data();
-            return false;
-        }
+    auto const pending = config_->firstPending(*status_);
+    if (!pending) {
+        return true;
     }
-    return true;
+    curCfg_ = pending;
+    getPhase0Data();
+    return false;
 }
 
 void PktGenSm::processError() {

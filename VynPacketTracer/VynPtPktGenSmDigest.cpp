@@ -199,11 +199,9 @@ Unsigned PktGenSm::digestField(std::uint8_t const* entry, std::string_view field
 void PktGenSm::processDigestEntry(std::uint8_t const* entry) {
     auto const pktId = digestField<std::uint16_t>(entry, "pktGen_pktId", "pktId");
     Trace::twinlog(trace, 7, "processPktTracerDigest:PktId:%s", pktId);
-    for (auto const& candidate : status_->status()) {
-        if (candidate.value->pktId() == pktId) {
-            Vanta::Ptr<PktGenStatusData> const matching = candidate.value;
-            completeStatus(*matching, readDigestEntry(entry));
-        }
+    PktGenStatus::PktIdWalk walk(*status_, pktId);
+    while (auto const matching = walk.next()) {
+        completeStatus(*matching, readDigestEntry(entry));
     }
 }
 

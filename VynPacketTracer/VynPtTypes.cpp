@@ -61,7 +61,15 @@ void PktGenStatusData::set(T& stored, T const& value, Attribute attribute) {
 }
 
 void PktGenStatusData::pktIdIs(std::uint16_t pktId) {
-    set(pktId_, pktId, pktIdAttribute);
+    if (pktId_ == pktId) {
+        return;
+    }
+    std::uint16_t const old = std::exchange(pktId_, pktId);
+    if (collection_ != nullptr) {
+        collection_->pktIds_.del(*this, old);
+        collection_->pktIds_.add(*this, pktId);
+    }
+    publisher_.publish(pktIdAttribute, {}, ValueRef::to(old));
 }
 
 void PktGenStatusData::readyIs(bool ready) {
@@ -126,6 +134,7 @@ Vanta::Ptr<PktGenConfig> pktGenConfigFactory() {
 
 PktGenConfig::~PktGenConfig() {
     cfgDelAll();
+    answersAre(nullptr);
 }
 
 Vanta::Ptr<PktGenCfgData> PktGenConfig::cfgIs(RequestId const& req, Vanta::Bytes const& pkt,
@@ -136,7 +145,10 @@ Vanta::Ptr<PktGenCfgData> PktGenConfig::cfgIs(RequestId const& req, Vanta::Bytes
         return entry->value;
     }
     auto const made = pktGenCfgDataFactory(req, pkt, ingPortInfo, ingIntf);
-    cfg_.insert(req, made);
+    made->order = cfg_.insert(req, made).order;
+    if (answers_ != nullptr && !answers_->statusHas(req)) {
+        pending_.freshIs(*made);
+    }
     publisher_.publish(cfgAttribute, ValueRef::to(made->req()));
     return made;
 }
@@ -146,6 +158,7 @@ Vanta::Ptr<PktGenCfgData> PktGenConfig::cfgDel(RequestId const& req) {
     if (!removed) {
         return nullptr;
     }
+    pending_.del(**removed);
     // The caller's key may have been the entry's own, so the record's is published.
     publisher_.publish(cfgAttribute, ValueRef::to((*removed)->req()), ValueRef::to(*removed));
     return std::move(*removed);
@@ -154,6 +167,48 @@ Vanta::Ptr<PktGenCfgData> PktGenConfig::cfgDel(RequestId const& req) {
 void PktGenConfig::cfgDelAll() {
     for (auto const& entry : cfg_) {
         cfgDel(entry.key);
+    }
+}
+
+// ---- The pending jobs
+
+Vanta::Ptr<PktGenCfgData> PktGenConfig::firstPending(PktGenStatus& status) {
+    if (answers_ != &status) {
+        answersAre(&status);
+    }
+    return Vanta::Ptr<PktGenCfgData>(static_cast<PktGenCfgData*>(pending_.first()));
+}
+
+void PktGenConfig::answersAre(PktGenStatus* status) noexcept {
+    if (answers_ != nullptr) {
+        answers_->jobs_ = nullptr;
+    }
+    if (status != nullptr && status->jobs_ != nullptr) {
+        status->jobs_->answersAre(nullptr);
+    }
+    answers_ = status;
+    pending_ = PendingJobs();
+    if (status != nullptr) {
+        status->jobs_ = this;
+    }
+    for (auto const& entry : cfg_) {
+        PktGenCfgData& job = *entry.value;
+        job.where = PendingLink::Where::nowhere;
+        if (status != nullptr && !status->statusHas(entry.key)) {
+            pending_.freshIs(job);
+        }
+    }
+}
+
+void PktGenConfig::answerCame(RequestId const& req) noexcept {
+    if (auto const* entry = cfg_.find(req)) {
+        pending_.del(*entry->value);
+    }
+}
+
+void PktGenConfig::answerWent(RequestId const& req) noexcept {
+    if (auto const* entry = cfg_.find(req)) {
+        pending_.returnedIs(*entry->value);
     }
 }
 
@@ -168,6 +223,9 @@ Vanta::Ptr<PktGenStatus> pktGenStatusFactory() {
 }
 
 PktGenStatus::~PktGenStatus() {
+    if (jobs_ != nullptr) {
+        jobs_->answersAre(nullptr);
+    }
     statusDelAll();
 }
 
@@ -175,8 +233,14 @@ Vanta::Ptr<PktGenStatusData> PktGenStatus::statusIs(RequestId const& req) {
     if (auto const* entry = status_.find(req)) {
         return entry->value;
     }
+    pktIds_.makeTable();
     auto const made = pktGenStatusDataFactory(req);
-    status_.insert(req, made);
+    made->order = status_.insert(req, made).order;
+    made->collection_ = this;
+    pktIds_.add(*made, made->pktId());
+    if (jobs_ != nullptr) {
+        jobs_->answerCame(req);
+    }
     publisher_.publish(statusAttribute, ValueRef::to(made->req()));
     return made;
 }
@@ -186,8 +250,26 @@ Vanta::Ptr<PktGenStatusData> PktGenStatus::statusDel(RequestId const& req) {
     if (!removed) {
         return nullptr;
     }
-    publisher_.publish(statusAttribute, ValueRef::to((*removed)->req()), ValueRef::to(*removed));
+    PktGenStatusData& entry = **removed;
+    entry.collection_ = nullptr;
+    pktIds_.del(entry, entry.pktId());
+    if (jobs_ != nullptr) {
+        jobs_->answerWent(entry.req());
+    }
+    publisher_.publish(statusAttribute, ValueRef::to(entry.req()), ValueRef::to(*removed));
     return std::move(*removed);
+}
+
+Vanta::Ptr<PktGenStatusData> PktGenStatus::PktIdWalk::next() {
+    bool const inPlace =
+        current_ && current_->collection_ == &status_ && current_->pktId() == pktId_;
+    PktIdLink* const found = inPlace ? static_cast<PktIdLink*>(current_.get())->next
+                                     : status_.pktIds_.firstAfter(pktId_, order_);
+    current_ = Vanta::Ptr<PktGenStatusData>(static_cast<PktGenStatusData*>(found));
+    if (current_) {
+        order_ = current_->order;
+    }
+    return current_;
 }
 
 void PktGenStatus::statusDelAll() {

@@ -20,6 +20,7 @@
 #include "Vanta/CharRange.h"
 #include "Vanta/Publisher.h"
 #include "VynExport.h"
+#include "VynPacketTracer/VynPtTypesIndex.h"
 #include "VynSystem/PortInfo.h"
 
 namespace VynPacketTracer {
@@ -50,8 +51,11 @@ VYN_EXPORT std::ostream& operator<<(std::ostream& out, PktGenState const& state)
 VYN_EXPORT Trace::Value traceValue(PktGenState state) noexcept;
 VYN_EXPORT void reflectValue(Kel::AttributeSink& sink, PktGenState state);
 
+class PktGenConfig;
+class PktGenStatus;
+
 // One job of the engine. It never changes and publishes nothing.
-class VYN_EXPORT PktGenCfgData final : public Kel::Object {
+class VYN_EXPORT PktGenCfgData final : public Kel::Object, private PendingLink {
   public:
     static Vanta::Ptr<PktGenCfgData> PktGenCfgDataIs(PacketTracer::RequestId const& req,
                                                      Vanta::Bytes const& pkt,
@@ -71,6 +75,7 @@ class VYN_EXPORT PktGenCfgData final : public Kel::Object {
 
   private:
     friend struct Vanta::NodeFactory;
+    friend class PktGenConfig;
     PktGenCfgData(PacketTracer::RequestId const& req, Vanta::Bytes const& pkt,
                   VynSystem::PortInfo const& ingPortInfo, Plexa::IntfId ingIntf);
     ~PktGenCfgData() override = default;
@@ -89,7 +94,7 @@ VYN_EXPORT Vanta::Ptr<PktGenCfgData> pktGenCfgDataFactory(PacketTracer::RequestI
 // What became of one job. The outcome's fields mean something only once `ready` is true, which the
 // engine sets last and only ever to true. A setter stores and publishes a change only when the
 // value differs; the old value goes with the publication.
-class VYN_EXPORT PktGenStatusData final : public Kel::Object {
+class VYN_EXPORT PktGenStatusData final : public Kel::Object, private PktIdLink {
   public:
     enum Attribute : Vanta::AttributeNumber {
         reqAttribute = Kel::firstAttribute,
@@ -135,6 +140,7 @@ class VYN_EXPORT PktGenStatusData final : public Kel::Object {
 
   private:
     friend struct Vanta::NodeFactory;
+    friend class PktGenStatus;
     explicit PktGenStatusData(PacketTracer::RequestId const& req) : req_(req) {}
     ~PktGenStatusData() override = default;
 
@@ -142,6 +148,7 @@ class VYN_EXPORT PktGenStatusData final : public Kel::Object {
     void set(T& stored, T const& value, Attribute attribute);
 
     PacketTracer::RequestId req_;
+    PktGenStatus* collection_ = nullptr;  // that holds this entry
     VynSystem::PortInfo egrPortInfo_;
     std::uint16_t pktId_ = 0;
     std::uint16_t egrL2Domain_ = 0;
@@ -181,17 +188,29 @@ class VYN_EXPORT PktGenConfig final : public Kel::Object {
     // Removes every job, each with its own publication.
     void cfgDelAll();
 
+    // The first job, in the order of the collection, without an entry in `status`; null if there is
+    // none. The first call with a collection of answers is linear in the jobs, each later one at
+    // most logarithmic in the jobs whose answers went.
+    Vanta::Ptr<PktGenCfgData> firstPending(PktGenStatus& status);
+
     Vanta::Publisher const& publisher() const noexcept { return publisher_; }
     Kel::TypeInfo const& typeInfo() const noexcept override;
 
   private:
     friend struct Vanta::NodeFactory;
+    friend class PktGenStatus;
     PktGenConfig() = default;
     ~PktGenConfig() override;
 
     Cfgs const& allCfgs() const noexcept { return cfg_; }
+    // Has the pending jobs follow a collection of answers, or (null) none.
+    void answersAre(PktGenStatus* status) noexcept;
+    void answerCame(PacketTracer::RequestId const& req) noexcept;
+    void answerWent(PacketTracer::RequestId const& req) noexcept;
 
     Cfgs cfg_;
+    PendingJobs pending_;              // the jobs without an answer in answers_
+    PktGenStatus* answers_ = nullptr;  // whose jobs_ is this collection
     Vanta::Publisher publisher_{this};
 };
 
@@ -221,17 +240,39 @@ class VYN_EXPORT PktGenStatus final : public Kel::Object {
     // Removes every entry, each with its own publication.
     void statusDelAll();
 
+    // A walk over the entries that have a packet id, in the order of the collection. Entries that
+    // vanish, appear or change their id meanwhile are passed or met as a walk over the whole
+    // collection would. It costs what the entries of that id cost.
+    class PktIdWalk {
+      public:
+        // Precondition: the collection outlives the walk.
+        PktIdWalk(PktGenStatus& status, std::uint16_t pktId) noexcept
+            : status_(status), pktId_(pktId) {}
+        // The next entry, or null at the end.
+        Vanta::Ptr<PktGenStatusData> next();
+
+      private:
+        PktGenStatus& status_;
+        std::uint16_t const pktId_;
+        std::uint64_t order_ = 0;               // of the entry given last
+        Vanta::Ptr<PktGenStatusData> current_;  // the entry given last
+    };
+
     Vanta::Publisher const& publisher() const noexcept { return publisher_; }
     Kel::TypeInfo const& typeInfo() const noexcept override;
 
   private:
     friend struct Vanta::NodeFactory;
+    friend class PktGenConfig;
+    friend class PktGenStatusData;
     PktGenStatus() = default;
     ~PktGenStatus() override;
 
     Statuses const& allStatuses() const noexcept { return status_; }
 
     Statuses status_;
+    PktIdIndex pktIds_;
+    PktGenConfig* jobs_ = nullptr;  // whose answers_ is this collection
     Vanta::Publisher publisher_{this};
 };
 

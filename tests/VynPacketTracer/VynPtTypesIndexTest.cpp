@@ -1,0 +1,237 @@
+// The indexes against the walks that they stand for, on random histories.
+#include "VynPacketTracer/VynPtTypesIndex.h"
+
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <random>
+#include <string>
+#include <vector>
+
+#include "VynPacketTracer/VynPtTypes.h"
+
+namespace {
+
+using PacketTracer::RequestId;
+using VynPacketTracer::PktGenConfig;
+using VynPacketTracer::PktGenStatus;
+using VynPacketTracer::PktGenStatusData;
+
+RequestId req(unsigned number) {
+    return {"noc", number};
+}
+
+struct Collections {
+    Vanta::Ptr<PktGenConfig> config = PktGenConfig::PktGenConfigIs();
+    Vanta::Ptr<PktGenStatus> status = PktGenStatus::PktGenStatusIs();
+
+    void cfgIs(unsigned number) { config->cfgIs(req(number), Vanta::Bytes{1}, {}, {}); }
+};
+
+std::string name(Vanta::Ptr<VynPacketTracer::PktGenCfgData> const& job) {
+    return job ? std::to_string(job->req().number()) : "none";
+}
+
+// The first job without an answer, entry by entry.
+std::string literalPick(Collections const& all) {
+    for (auto const& entry : all.config->cfg()) {
+        if (!all.status->statusHas(entry.key)) {
+            return name(entry.value);
+        }
+    }
+    return "none";
+}
+
+TEST(PendingJobs, PickWhatTheWalkOverAllJobsFinds) {
+    std::mt19937 random(20260101);
+    Collections all;
+    for (int step = 0; step < 100000; ++step) {
+        unsigned const number = random() % 200;
+        switch (random() % 6) {
+            case 0:
+            case 1:
+                all.cfgIs(number);
+                break;
+            case 2:
+                all.config->cfgDel(req(number));
+                break;
+            case 3:
+            case 4:
+                all.status->statusIs(req(number));
+                break;
+            default:
+                all.status->statusDel(req(number));
+                break;
+        }
+        ASSERT_EQ(name(all.config->firstPending(*all.status)), literalPick(all)) << "step " << step;
+    }
+}
+
+TEST(PendingJobs, PickTheOldPlaceOfAJobThatBecamePendingAgain) {
+    Collections all;
+    for (unsigned number : {1, 2, 3}) {
+        all.cfgIs(number);
+        all.status->statusIs(req(number));
+    }
+    all.cfgIs(4);
+    EXPECT_EQ(name(all.config->firstPending(*all.status)), "4");
+    all.status->statusDel(req(2));
+    EXPECT_EQ(name(all.config->firstPending(*all.status)), "2");
+}
+
+TEST(PendingJobs, FollowTheAnswersThatTheyAreAskedFor) {
+    Collections all;
+    all.cfgIs(1);
+    all.cfgIs(2);
+    all.status->statusIs(req(1));
+    auto const other = PktGenStatus::PktGenStatusIs();
+    EXPECT_EQ(name(all.config->firstPending(*all.status)), "2");
+    EXPECT_EQ(name(all.config->firstPending(*other)), "1");
+    all.status->statusIs(req(2));
+    EXPECT_EQ(name(all.config->firstPending(*all.status)), "none");
+}
+
+TEST(PendingJobs, SurviveTheirAnswers) {
+    Collections all;
+    all.cfgIs(1);
+    all.status->statusIs(req(1));
+    EXPECT_EQ(name(all.config->firstPending(*all.status)), "none");
+    all.status = PktGenStatus::PktGenStatusIs();
+    EXPECT_EQ(name(all.config->firstPending(*all.status)), "1");
+}
+
+TEST(PendingJobs, AreKnownBeforeTheChangeIsPublished) {
+    struct Observer {
+        void dispatch(Vanta::Publisher const&, Vanta::Subscriber&, Vanta::AttributeNumber,
+                      Vanta::ValueRef, Vanta::ValueRef) {
+            seen.push_back(name(all.config->firstPending(*all.status)));
+        }
+        Collections& all;
+        std::vector<std::string> seen = {};
+        Vanta::Subscriber config = {};
+        Vanta::Subscriber status = {};
+    };
+    Collections all;
+    Observer observer{all};
+    observer.config.subscribe<&Observer::dispatch>(all.config->publisher(), &observer);
+    observer.status.subscribe<&Observer::dispatch>(all.status->publisher(), &observer);
+    EXPECT_EQ(name(all.config->firstPending(*all.status)), "none");
+    all.cfgIs(7);
+    all.status->statusIs(req(7));
+    all.status->statusDel(req(7));
+    all.config->cfgDel(req(7));
+    EXPECT_EQ(observer.seen, (std::vector<std::string>{"7", "none", "7", "none"}));
+}
+
+// ---- Packet ids
+
+using Visit = std::function<void(Collections&, RequestId const&)>;
+using Visited = std::vector<unsigned>;
+
+Visited literalWalk(Collections& all, std::uint16_t pktId, Visit const& visit) {
+    Visited visited;
+    for (auto const& entry : all.status->status()) {
+        if (entry.value->pktId() == pktId) {
+            RequestId const id = entry.key;
+            visited.push_back(id.number());
+            visit(all, id);
+        }
+    }
+    return visited;
+}
+
+Visited indexWalk(Collections& all, std::uint16_t pktId, Visit const& visit) {
+    Visited visited;
+    PktGenStatus::PktIdWalk walk(*all.status, pktId);
+    while (auto const entry = walk.next()) {
+        RequestId const id = entry->req();
+        visited.push_back(id.number());
+        visit(all, id);
+    }
+    return visited;
+}
+
+void changeAtRandom(Collections& all, std::minstd_rand& random) {
+    unsigned const number = random() % 60;
+    auto const pktId = static_cast<std::uint16_t>(random() % 5);
+    switch (random() % 4) {
+        case 0:
+            all.status->statusDel(req(number));
+            break;
+        case 1:
+            all.status->statusIs(req(number))->pktIdIs(pktId);
+            break;
+        case 2:
+            all.status->statusDel(req(number));
+            all.status->statusIs(req(number))->pktIdIs(pktId);
+            break;
+        default:
+            if (all.status->statusHas(req(number))) {
+                all.status->statusIs(req(number))->pktIdIs(pktId);
+            }
+            break;
+    }
+}
+
+// Both walks go over twins with the same history, and the same happens at each visit.
+TEST(PktIdIndex, MeetsWhatTheWalkOverAllEntriesMeetsAlsoWhileTheyChange) {
+    std::mt19937 random(7);
+    Collections literal;
+    Collections indexed;
+    for (unsigned step = 0; step < 20000; ++step) {
+        auto const changes = random();
+        for (Collections* all : {&literal, &indexed}) {
+            std::minstd_rand same(changes);
+            changeAtRandom(*all, same);
+            changeAtRandom(*all, same);
+        }
+        auto const pktId = static_cast<std::uint16_t>(random() % 5);
+        unsigned visits = 0;
+        Visit const visit = [&](Collections& all, RequestId const&) {
+            std::minstd_rand same(changes + visits);
+            if (++visits < 8 && same() % 2 == 0) {
+                changeAtRandom(all, same);
+            }
+        };
+        Visited const expected = literalWalk(literal, pktId, visit);
+        visits = 0;
+        ASSERT_EQ(indexWalk(indexed, pktId, visit), expected) << "step " << step;
+    }
+}
+
+TEST(PktIdIndex, MeetsAnEntryThatAppearsDuringTheWalk) {
+    Collections all;
+    all.status->statusIs(req(1))->pktIdIs(9);
+    Visit const add = [](Collections& now, RequestId const&) {
+        now.status->statusIs(req(2))->pktIdIs(9);
+    };
+    EXPECT_EQ(indexWalk(all, 9, add), (Visited{1, 2}));
+}
+
+TEST(PktIdIndex, PassesAnEntryThatVanishesDuringTheWalk) {
+    Collections all;
+    all.status->statusIs(req(1))->pktIdIs(9);
+    all.status->statusIs(req(2))->pktIdIs(9);
+    all.status->statusIs(req(3))->pktIdIs(9);
+    Visit const remove = [](Collections& now, RequestId const&) { now.status->statusDel(req(2)); };
+    EXPECT_EQ(indexWalk(all, 9, remove), (Visited{1, 3}));
+}
+
+TEST(PktIdIndex, KeepsTheOrderOfTheCollectionWhenAnOldEntryGetsTheId) {
+    Collections all;
+    for (unsigned number : {1, 2, 3}) {
+        all.status->statusIs(req(number))->pktIdIs(static_cast<std::uint16_t>(number));
+    }
+    all.status->statusIs(req(3))->pktIdIs(9);
+    all.status->statusIs(req(1))->pktIdIs(9);
+    all.status->statusIs(req(2))->pktIdIs(9);
+    EXPECT_EQ(indexWalk(all, 9, [](Collections&, RequestId const&) {}), (Visited{1, 2, 3}));
+}
+
+TEST(PktIdIndex, KnowsFreshEntriesUnderZero) {
+    Collections all;
+    all.status->statusIs(req(1));
+    EXPECT_EQ(indexWalk(all, 0, [](Collections&, RequestId const&) {}), (Visited{1}));
+}
+
+}  // namespace
