@@ -228,6 +228,12 @@ TEST_F(Pipeline, DropsUnicastToOthersOnARoutedPortAndFloodsGroupsToNobody) {
     EXPECT_EQ(in(5, to(everyone)), (Says{none, 4094}));
 }
 
+TEST_F(Pipeline, BridgesNothingOnARoutedPortEvenIfItsInternalVlanIsListedAsAVlan) {
+    tables.vlanMemberIs(4094, port(5));
+    EXPECT_EQ(why(5, to(stranger)), Reason::notForRoutedPort);
+    EXPECT_EQ(in(5, routedTo("10.0.20.7")), (Says{4, 20, routed}));
+}
+
 TEST_F(Pipeline, DropsPacketsWithABrokenHeaderThatAreToBeRouted) {
     auto frame = routedTo("10.0.20.7");
     frame[14 + 10] ^= 1;
