@@ -1,14 +1,14 @@
 // The packet-generator engine: it turns jobs (PktGenConfig) into answers (PktGenStatus), one at a
 // time, on its own cooperative task.
 //
-//   state             entered by                          what the task does   ways out
-//   init              constructor                         waits                idle
-//   (handleInitialized) idle              handleInitialized, disablePktGen    processRequest
-//   waitPhase0Data waitPhase0Data    getPhase0Data                       waits phase0DataReady,
-//   error phase0DataReady   processPhase0DataResponse           sendPkt              waitPktSent,
-//   error waitPktSent       sendPkt                             checkPktCnt          reset, error
-//   reset             checkPktCnt                         disablePktGen        idle, error
-//   error             any step that fails; handleConfig   processError         idle
+//   state             entered by                  what the task does   ways out
+//   init              constructor                 waits                idle
+//   idle              set-up, disablePktGen       processRequest       waitPhase0Data
+//   waitPhase0Data    getPhase0Data               waits                phase0DataReady, error
+//   phase0DataReady   processPhase0DataResponse   sendPkt              waitPktSent, error
+//   waitPktSent       sendPkt                     checkPktCnt          reset, error
+//   reset             checkPktCnt                 disablePktGen        idle, error
+//   error             a failed step               processError         idle
 //
 // handleConfig forces any state but idle to error when the job in work is withdrawn, and a phase-0
 // answer with status 0 forces any state to phase0DataReady. No wait has a limit and a job that
