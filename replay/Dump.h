@@ -1,0 +1,21 @@
+// Prints objects through their types' reflection tables.
+//
+// The first line names the objects to start from, by number:
+//     {"roots":{"config":1,"tracer":null}}
+// One line an object follows, in the order of the numbers. An attribute stands under its number and
+// name ("130 request"), under its name alone if it has no number; an object that an attribute
+// points to is {"object":N}, no object is null. Every object stands there once. An object without a
+// reflection table has no attributes.
+#pragma once
+
+#include <span>
+#include <string>
+
+#include "replay/Scene.h"
+
+namespace Replay {
+
+// The lines. Objects are numbered from 1 in the order in which they are first mentioned.
+std::string dump(std::span<Scene::Root const> roots);
+
+}  // namespace Replay

@@ -1,0 +1,117 @@
+#include "replay/JsonLine.h"
+
+#include <algorithm>
+#include <array>
+#include <nlohmann/json.hpp>
+
+#include "replay/JsonText.h"
+
+namespace Replay {
+namespace {
+
+constexpr std::string_view byteOrderMark = "\xef\xbb\xbf";
+// A line's object, its list of digest entries, and an entry.
+constexpr std::size_t deepest = 3;
+
+// Builds the value while the parser reads.
+class Builder final : public nlohmann::json_sax<nlohmann::json> {
+  public:
+    bool null() override { return put({}); }
+    bool boolean(bool value) override { return put({value}); }
+    bool number_integer(number_integer_t value) override { return put({value}); }
+    bool number_unsigned(number_unsigned_t value) override { return put({value}); }
+    bool number_float(number_float_t, string_t const& text) override {
+        return put({JsonValue::OtherNumber{text}});
+    }
+    bool string(string_t& text) override { return put({std::move(text)}); }
+    bool binary(binary_t&) override { return false; }
+
+    bool start_object(std::size_t) override { return start({JsonValue::Members()}); }
+    bool start_array(std::size_t) override { return start({JsonValue::List()}); }
+    bool end_object() override { return end(); }
+    bool end_array() override { return end(); }
+
+    bool key(string_t& name) override {
+        auto& members = std::get<JsonValue::Members>(open_.back()->value);
+        if (std::ranges::find(members, name, &JsonValue::Members::value_type::first) !=
+            members.end()) {
+            throw Refusal("the member " + jsonText(name) + " is there twice");
+        }
+        members.emplace_back(std::move(name), JsonValue());
+        return true;
+    }
+
+    bool parse_error(std::size_t column, std::string const&,
+                     nlohmann::detail::exception const& error) override {
+        std::string_view text = error.what();
+        // The parser's own account of the place counts from the line's beginning as well, but
+        // says "line 1" of every line.
+        if (std::size_t const at = text.find(": "); at != std::string_view::npos) {
+            text.remove_prefix(at + 2);
+        }
+        throw Refusal("column " + std::to_string(column) + ": " + std::string(text));
+    }
+
+    JsonValue& root() noexcept { return root_; }
+
+  private:
+    // The place where the next value belongs.
+    JsonValue& place() {
+        if (open_.empty()) {
+            return root_;
+        }
+        if (auto* const members = std::get_if<JsonValue::Members>(&open_.back()->value)) {
+            return members->back().second;
+        }
+        return std::get<JsonValue::List>(open_.back()->value).emplace_back();
+    }
+    bool put(JsonValue value) {
+        place() = std::move(value);
+        return true;
+    }
+    bool start(JsonValue value) {
+        if (open_.size() == deepest) {
+            throw Refusal("nothing is nested as deeply as this");
+        }
+        JsonValue& started = place();
+        started = std::move(value);
+        open_.push_back(&started);
+        return true;
+    }
+    bool end() {
+        open_.pop_back();
+        return true;
+    }
+
+    JsonValue root_;
+    // The objects and lists around the next value. A list only grows while its last value is not
+    // open, so these stay where they are.
+    std::vector<JsonValue*> open_;
+};
+
+}  // namespace
+
+std::string_view kindOf(JsonValue const& value) noexcept {
+    static constexpr std::array<std::string_view, 8> kinds{
+        "null",   "a truth value", "a negative number", "a number", "a number that is not whole",
+        "a text", "a list",        "an object"};
+    return kinds[value.value.index()];
+}
+
+JsonValue::Members parseJsonLine(std::string_view line) {
+    if (line.starts_with(byteOrderMark)) {
+        throw Refusal("the line starts with a byte-order mark");
+    }
+    if (line.find('\0') != std::string_view::npos) {
+        throw Refusal("there is a zero byte in the line");
+    }
+    Builder builder;
+    static_cast<void>(nlohmann::json::sax_parse(line.begin(), line.end(), &builder));
+    auto* const members = std::get_if<JsonValue::Members>(&builder.root().value);
+    if (members == nullptr) {
+        throw Refusal("an object is expected, not " + std::string(kindOf(builder.root())));
+    }
+    return std::move(*members);
+}
+
+}  // namespace Replay

@@ -1,0 +1,44 @@
+// One line of a scenario as a JSON value, read strictly.
+//
+// Besides what JSON itself forbids, a repeated member (names count as they read after unescaping),
+// invalid UTF-8, a byte-order mark, an unpaired surrogate, and anything nested deeper than a
+// scenario ever is are refused.
+#pragma once
+
+#include <cstdint>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <utility>
+#include <variant>
+#include <vector>
+
+namespace Replay {
+
+// Why a line is refused, for people.
+class Refusal : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+// A JSON value. Whole numbers within 64 bits are exact; of any other number (a fraction, an
+// exponent, a huge one) only the text is kept, since no scenario accepts one.
+struct JsonValue {
+    using List = std::vector<JsonValue>;
+    using Members = std::vector<std::pair<std::string, JsonValue>>;
+    struct OtherNumber {
+        std::string text;
+    };
+
+    std::variant<std::monostate, bool, std::int64_t, std::uint64_t, OtherNumber, std::string, List,
+                 Members>
+        value;
+};
+
+// What a value is, in words: "a text", "a number that is not whole".
+std::string_view kindOf(JsonValue const& value) noexcept;
+
+// The members of the one object that the line is. Errors: Refusal.
+JsonValue::Members parseJsonLine(std::string_view line);
+
+}  // namespace Replay

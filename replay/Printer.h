@@ -1,0 +1,83 @@
+// Prints the observations of a run, each at the moment it happens, as one JSON object a line.
+//
+// While an Observation lives, the printer is told of every publication and trace statement ahead of
+// everybody else, and of the end of the process. What is printed waits in a buffer until flush();
+// the buffer empties itself when it grows large, and before the process ends.
+// Thread: one only.
+#pragma once
+
+#include <cstdint>
+#include <exception>
+#include <optional>
+#include <ostream>
+#include <string>
+#include <string_view>
+
+#include "Vanta/Assert.h"
+#include "Vanta/Node.h"
+#include "Vanta/Publisher.h"
+#include "VynPacketTracer/VynPtTypes.h"
+#include "replay/JsonText.h"
+#include "scriptchip/Listener.h"
+
+namespace Replay {
+
+// The exit status of a run that came to the end of the process.
+inline constexpr int fatalStatus = 3;
+
+class Printer final : public ScriptChip::Listener {
+  public:
+    // `out` outlives the printer.
+    explicit Printer(std::ostream& out) noexcept : out_(out) {}
+    Printer(Printer const&) = delete;
+    Printer& operator=(Printer const&) = delete;
+
+    // The number of the line whose observations follow.
+    void event(std::uint64_t line);
+    // The engine's state after a line, printed if it is not the one printed last.
+    void engine(VynPacketTracer::PktGenState state);
+    // An exception that left an event.
+    void error(std::exception const& error);
+    // The end of the process.
+    void fatal(std::string_view type, std::string_view text);
+    // Lines that stand for themselves.
+    void lines(std::string_view text);
+
+    void trace(std::string_view handle, unsigned level, std::string_view text);
+    void published(Vanta::Publisher const& publisher, Vanta::AttributeNumber attribute,
+                   Vanta::ValueRef key);
+    void sdkCalled(ScriptChip::SdkCall const& call) override;
+    void phase0ConfigIs(Plexa::IntfId const& intf) override;
+    void phase0ConfigDel(Plexa::IntfId const& intf) override;
+
+    // Hands everything printed so far to the stream; false if the stream does not take it.
+    bool flush();
+
+    // Prints nothing any more: what follows is not part of the run.
+    void close() noexcept { closed_ = true; }
+
+  private:
+    // Calls write(JsonWriter&) to fill one object, and ends the line.
+    template <class Write>
+    void print(Write const& write);
+
+    std::ostream& out_;
+    std::string buffer_;
+    std::optional<VynPacketTracer::PktGenState> printedState_;
+    bool closed_ = false;
+};
+
+// Connects a printer to the process's taps and makes it the process's last step, which exits with
+// fatalStatus. One at a time.
+class Observation {
+  public:
+    explicit Observation(Printer& printer);
+    Observation(Observation const&) = delete;
+    Observation& operator=(Observation const&) = delete;
+    ~Observation();
+
+  private:
+    Vanta::LastStep previous_;
+};
+
+}  // namespace Replay

@@ -1,0 +1,107 @@
+#include "replay/Replay.h"
+
+#include <cerrno>
+#include <cstdint>
+#include <cstring>
+#include <fstream>
+#include <iostream>
+
+#include "replay/Dump.h"
+#include "replay/Event.h"
+#include "replay/JsonLine.h"
+#include "replay/Printer.h"
+#include "replay/Scene.h"
+
+namespace Replay {
+namespace {
+
+bool isSkipped(std::string_view line) noexcept {
+    return line.empty() || line.front() == '#';
+}
+
+class Run {
+  public:
+    Run(std::ostream& out, std::ostream& err, Options const& options)
+        : err_(err), options_(options), printer_(out), scene_(printer_), observation_(printer_) {}
+    Run(Run const&) = delete;
+    Run& operator=(Run const&) = delete;
+    // What the end of the run takes down is no part of it.
+    ~Run() { printer_.close(); }
+
+    int lines(std::istream& in) {
+        std::string line;
+        for (std::uint64_t number = 1; std::getline(in, line); ++number) {
+            if (isSkipped(line)) {
+                continue;
+            }
+            if (int const status = carryOut(number, line); status != allRun) {
+                return status;
+            }
+        }
+        if (in.bad()) {
+            err_ << options_.name << ": cannot be read: " << std::strerror(errno) << '\n';
+            return badInput;
+        }
+        if (options_.dump) {
+            printer_.lines(dump(scene_.roots()));
+        }
+        return flush();
+    }
+
+  private:
+    int carryOut(std::uint64_t number, std::string_view line) {
+        try {
+            Event const event = readEvent(line);
+            scene_.check(event);
+            printer_.event(number);
+            play(event);
+        } catch (Refusal const& refusal) {
+            err_ << options_.name << ": line " << number << ": " << refusal.what() << '\n';
+            return badInput;
+        }
+        return flush();
+    }
+    void play(Event const& event) {
+        try {
+            scene_.carryOut(event);
+        } catch (std::exception const& error) {
+            printer_.error(error);
+        }
+        if (auto const state = scene_.engineState()) {
+            printer_.engine(*state);
+        }
+    }
+    int flush() {
+        if (printer_.flush()) {
+            return allRun;
+        }
+        err_ << options_.name << ": the output cannot be written\n";
+        return cannotWrite;
+    }
+
+    std::ostream& err_;
+    Options const& options_;
+    Printer printer_;
+    Scene scene_;
+    Observation observation_;
+};
+
+}  // namespace
+
+int run(std::istream& in, std::ostream& out, std::ostream& err, Options const& options) {
+    return Run(out, err, options).lines(in);
+}
+
+int runFile(std::string const& path, std::ostream& out, std::ostream& err, bool dump) {
+    if (path == "-") {
+        return run(std::cin, out, err, {"standard input", dump});
+    }
+    std::ifstream file(path, std::ios::binary);
+    if (!file) {
+        err << path << ": cannot be opened: " << std::strerror(errno) << '\n';
+        return badInput;
+    }
+    return run(file, out, err, {path, dump});
+}
+
+}  // namespace Replay
