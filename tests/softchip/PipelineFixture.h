@@ -28,6 +28,10 @@ inline std::ostream& operator<<(std::ostream& out, Says const& says) {
                << (says.drop ? " drop" : "");
 }
 
+inline void PrintTo(Reason reason, std::ostream* out) {
+    *out << text(reason);
+}
+
 // A small switch. Ports by what they are:
 //   1, 2 access VLAN 10      3 trunk of 10, 20, 30, native 10       4 access VLAN 20
 //   5 routed, 4094           6 access VLAN 30 (not routed)          7 no domain of its own, its
