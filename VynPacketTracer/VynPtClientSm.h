@@ -3,12 +3,14 @@
 //
 // What handleRequest() leaves behind, by what it finds:
 //
-//   the request                          its job                its result
-//   absent                               removed                removed
-//   not valid yet                        unchanged              unchanged
-//   MPLS or GRE, or not buildable        unchanged              state 2, valid
-//   on an interface without port info    unchanged              state 3, valid
-//   fine                                 made, or kept if equal until the engine reports: unchanged
+//   the request                          its job                   its result
+//   absent                               removed                   removed
+//   not valid yet                        unchanged                 unchanged
+//   MPLS or GRE, or not buildable        unchanged                 state 2, valid
+//   on an interface without port info    unchanged                 state 3, valid
+//   fine                                 made, or kept if equal    unchanged
+//
+// The result of an accepted request is written when the engine reports.
 //
 // Jobs and results outlive the state machine; whoever removes a client withdraws its requests
 // first. Thread: the event thread, for everything here.
