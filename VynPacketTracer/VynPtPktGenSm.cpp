@@ -67,7 +67,6 @@ PktGenSm::PktGenSm(Vanta::Ptr<PktGenConfig> const& config,
 PktGenSm::~PktGenSm() {
     zombieFlagIs(true);
     hasNotificationActiveIs(false);
-    disconnectReactors();
     doCleanup();
     taskDel();
 }
@@ -117,10 +116,8 @@ void PktGenSm::scheduleTask() {
 
 // ---- The reactors
 
+// Without a look at the flag: a new engine reacts although nobody has switched it on.
 void PktGenSm::hasNotificationActiveIs(bool on) {
-    if (on == hasNotificationActive()) {
-        return;
-    }
     notificationActiveFlagIs(on);
     if (on) {
         connectReactors();
