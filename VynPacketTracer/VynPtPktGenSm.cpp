@@ -96,7 +96,7 @@ Vanta::Ptr<Orb::Task> PktGenSm::taskIs(Vanta::Ptr<Orb::TaskSchedulerRoot> const&
             return task_;
         }
     }
-    taskSubscriber_.unsubscribe();
+    auto const replaced = taskDel();
     task_ = Orb::Task::TaskIs(scheduler, priority, name);
     taskSubscriber_.subscribe<&PktGenSm::taskDispatch>(task_->publisher(), this);
     doWork();
@@ -105,6 +105,9 @@ Vanta::Ptr<Orb::Task> PktGenSm::taskIs(Vanta::Ptr<Orb::TaskSchedulerRoot> const&
 
 Vanta::Ptr<Orb::Task> PktGenSm::taskDel() {
     taskSubscriber_.unsubscribe();
+    if (task_) {
+        task_->unschedule();
+    }
     return std::exchange(task_, nullptr);
 }
 
@@ -212,7 +215,7 @@ void PktGenSm::handleConfig(RequestId const& requestId) {
 
 void PktGenSm::doWork() {
     Trace::twinlog(trace, 7, "doWork:");
-    if (!task_->isRunning()) {
+    if (!task_ || !task_->isRunning()) {
         Trace::twinlog(trace, 4, "doWork:PktGen task not running");
         return;
     }

@@ -82,9 +82,10 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
     void processError();
 
     // The task of this scheduler and name, with this priority, made (and worked once) if the one
-    // that is there is another. A replaced task calls no one any more.
+    // that is there is another. A replaced task is unscheduled and calls no one any more.
     Vanta::Ptr<Orb::Task> taskIs(Vanta::Ptr<Orb::TaskSchedulerRoot> const& scheduler,
                                  Orb::TaskPriority priority, Vanta::String const& name);
+    // Takes the task out, unscheduled; the engine then does no work.
     Vanta::Ptr<Orb::Task> taskDel();
 
     Vanta::Ptr<PktGenConfig> const& config() const noexcept { return config_; }

@@ -11,9 +11,7 @@ Task::Task(Vanta::Ptr<TaskSchedulerRoot> scheduler, TaskPriority priority, Vanta
     : scheduler_(std::move(scheduler)), priority_(priority), name_(std::move(name)) {}
 
 Task::~Task() {
-    if (scheduled_) {
-        dequeue();
-    }
+    unschedule();
 }
 
 void Task::schedule() {
@@ -23,6 +21,13 @@ void Task::schedule() {
     scheduled_ = true;
     scheduler_->progress_ = scheduler_->progress_ || !running_;
     enqueue(scheduler_->scheduled_);
+}
+
+void Task::unschedule() noexcept {
+    if (scheduled_) {
+        scheduled_ = false;
+        dequeue();
+    }
 }
 
 bool Task::shouldYield() noexcept {

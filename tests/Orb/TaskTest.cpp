@@ -40,6 +40,28 @@ TEST_F(TaskTest, ScheduledTwiceRunsOnceAndKeepsItsPlace) {
     EXPECT_EQ(turn(), Log{});
 }
 
+TEST_F(TaskTest, UnscheduledDoesNotRun) {
+    a->task->schedule();
+    b->task->schedule();
+    a->task->unschedule();
+    EXPECT_FALSE(a->task->isScheduled());
+    EXPECT_EQ(turn(), (Log{"b"}));
+}
+
+TEST_F(TaskTest, UnscheduledByATaskOfTheSameTurnDoesNotRun) {
+    a->work = [&] { b->task->unschedule(); };
+    a->task->schedule();
+    b->task->schedule();
+    c->task->schedule();
+    EXPECT_EQ(turn(), (Log{"a", "c"}));
+}
+
+TEST_F(TaskTest, UnschedulingATaskThatIsNotScheduledChangesNothing) {
+    a->task->unschedule();
+    a->task->schedule();
+    EXPECT_EQ(turn(), (Log{"a"}));
+}
+
 TEST_F(TaskTest, IsNoLongerScheduledWhenItsRunBegins) {
     bool scheduled = true;
     a->work = [&] { scheduled = a->task->isScheduled(); };
