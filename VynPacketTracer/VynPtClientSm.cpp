@@ -199,6 +199,8 @@ void PacketTracerClientSm::requestDel(RequestId const& requestId) {
     if (auto const reactor = request(requestId)) {
         reactor->hasNotificationActiveIs(false);
         reactor->kelDoZombieReactors(true);
+        // Whoever still holds the reactor may call it when the owner has gone.
+        reactor->ownerDel();
         request_.remove(requestId);
     }
 }
