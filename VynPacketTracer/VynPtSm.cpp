@@ -121,6 +121,10 @@ void PacketTracerSm::subscribe() {
     if (status_ && !statusSubscriber_.subscribed()) {
         statusSubscriber_.subscribe<&PacketTracerSm::statusDispatch>(status_->publisher(), this);
     }
+    subscribeToPktGenStatus();
+}
+
+void PacketTracerSm::subscribeToPktGenStatus() {
     if (pktGenStatus_ && !pktGenStatusSubscriber_.subscribed()) {
         pktGenStatusSubscriber_.subscribe<&PacketTracerSm::pktGenStatusDispatch>(
             pktGenStatus_->publisher(), this);

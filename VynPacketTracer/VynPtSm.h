@@ -200,6 +200,7 @@ class VYN_EXPORT PacketTracerSm final : public Kel::Object {
 
     void handleInitialized();
     void subscribe();
+    void subscribeToPktGenStatus();
     void unsubscribe() noexcept;
     void configDispatch(Vanta::Publisher const& publisher, Vanta::Subscriber& subscriber,
                         Vanta::AttributeNumber attribute, Vanta::ValueRef key,

@@ -67,7 +67,7 @@ Vanta::Ptr<PktGenStatus> PacketTracerSm::pktGenStatusIs() {
         return pktGenStatus_;
     }
     pktGenStatus_ = pktGenStatusFactory();
-    subscribe();
+    subscribeToPktGenStatus();
     for (auto const& entry : pktGenStatus_->status()) {
         localStatusIs(entry.value);
     }
