@@ -249,7 +249,8 @@ Vanta::Ptr<PacketTracerClientSm> PacketTracerSm::clientSmIs(
     }
     auto const made = packetTracerClientSmFactory(name, clientConfig, clientStatus, pktGenConfig,
                                                   systemStatus, fcsd, bridgingConfig, chipStatus);
-    clientSm_.insert(name, made);
+    // Its requests were handled meanwhile: whoever heard of that may have come here already.
+    clientSm_.findOrInsert(name).value = made;
     return made;
 }
 
