@@ -221,11 +221,11 @@ void PktGenSm::doWork() {
     }
     bool done = false;
     if (state_ != PktGenState::init) {
-        while (!task_->shouldYield() && workOnState(done)) {
+        while (task_ && !task_->shouldYield() && workOnState(done)) {
         }
     }
     if (!done) {
-        task_->schedule();
+        scheduleTask();
     }
 }
 
