@@ -1,0 +1,182 @@
+// What happens, as lines, in the order in which it happens:
+//
+//   VynPtSm/7 handleClients:                      a trace statement: handle, level, text
+//   cfg add noc/1                                 a job comes or goes
+//   status add noc/1                              an answer comes or goes,
+//   status egrPortInfo noc/1 1/132                or one of its attributes changes
+//   result add noc/1                              a result comes or goes,
+//   result egressIntf noc/1 (Ethernet2,)          or changes
+//   phase0 configIs Ethernet1                     phase-0 data is asked for, or given up
+//   sdk disableAppId session=1 device=0 pipe=0 appId=4 -> 0
+#pragma once
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "PacketTracer/ClientStatus.h"
+#include "Trace/Trace.h"
+#include "Vanta/Publisher.h"
+#include "VynPacketTracer/VynPtTypes.h"
+#include "scriptchip/Listener.h"
+
+using Lines = std::vector<std::string>;
+
+// The lines that begin so.
+inline Lines beginning(std::string_view with, Lines const& lines) {
+    Lines found;
+    for (auto const& line : lines) {
+        if (line.starts_with(with)) {
+            found.push_back(line);
+        }
+    }
+    return found;
+}
+
+inline std::string keyText(PacketTracer::RequestId const& id) {
+    return std::string(id.clientName().view()) + "/" + std::to_string(id.number());
+}
+
+// Hears everything while it lives; there is one at a time.
+class Recorder final : public ScriptChip::Listener {
+  public:
+    Recorder() {
+        Vanta::tapIs(published, this);
+        Trace::tapIs(traced, this);
+    }
+    ~Recorder() {
+        Vanta::tapIs(nullptr, nullptr);
+        Trace::tapIs(nullptr, nullptr);
+    }
+    Recorder(Recorder const&) = delete;
+    Recorder& operator=(Recorder const&) = delete;
+
+    // The lines since the last call.
+    Lines take() { return std::exchange(lines_, {}); }
+    Lines const& lines() const noexcept { return lines_; }
+
+    void note(std::string line) { lines_.push_back(std::move(line)); }
+
+    void sdkCalled(ScriptChip::SdkCall const& call) override { note("sdk " + callText(call)); }
+    void phase0ConfigIs(Plexa::IntfId const& intf) override {
+        note("phase0 configIs " + intf.stringValue());
+    }
+    void phase0ConfigDel(Plexa::IntfId const& intf) override {
+        note("phase0 configDel " + intf.stringValue());
+    }
+
+  private:
+    using Config = VynPacketTracer::PktGenConfig;
+    using Status = VynPacketTracer::PktGenStatus;
+    using StatusData = VynPacketTracer::PktGenStatusData;
+
+    static void traced(void* self, std::string_view handle, unsigned level, std::string_view text) {
+        static_cast<Recorder*>(self)->note(std::string(handle) + "/" + std::to_string(level) + " " +
+                                           std::string(text));
+    }
+
+    static void published(void* self, Vanta::Publisher const& publisher,
+                          Vanta::AttributeNumber attribute, Vanta::ValueRef key, Vanta::ValueRef) {
+        auto& recorder = *static_cast<Recorder*>(self);
+        Vanta::Node const* const owner = publisher.owner();
+        if (auto const* config = dynamic_cast<Config const*>(owner)) {
+            recorder.noteEntry("cfg", config->cfg(), key);
+        } else if (auto const* status = dynamic_cast<Status const*>(owner)) {
+            recorder.noteEntry("status", status->status(), key);
+        } else if (auto const* client = dynamic_cast<PacketTracer::ClientStatus const*>(owner)) {
+            recorder.noteEntry("result", client->result(), key);
+        } else if (auto const* data = dynamic_cast<StatusData const*>(owner)) {
+            recorder.note("status " + change(*data, attribute));
+        } else if (auto const* result = dynamic_cast<PacketTracer::Result const*>(owner)) {
+            recorder.note("result " + change(*result, attribute, key));
+        }
+    }
+
+    template <class Collection>
+    void noteEntry(std::string kind, Collection const& collection, Vanta::ValueRef key) {
+        auto const& id = key.get<PacketTracer::RequestId>();
+        note(std::move(kind) + (collection.has(id) ? " add " : " del ") + keyText(id));
+    }
+
+    static std::string text(bool value) { return value ? "true" : "false"; }
+    static std::string text(VynSystem::PortInfo const& info) {
+        return std::to_string(info.pipe()) + "/" + std::to_string(info.port().value());
+    }
+
+    static std::string change(StatusData const& data, Vanta::AttributeNumber attribute) {
+        std::string const key = " " + keyText(data.req()) + " ";
+        switch (attribute) {
+            case StatusData::pktIdAttribute:
+                return "pktId" + key + std::to_string(data.pktId());
+            case StatusData::readyAttribute:
+                return "ready" + key + text(data.ready());
+            case StatusData::egrPortInfoAttribute:
+                return "egrPortInfo" + key + text(data.egrPortInfo());
+            case StatusData::egrL2DomainAttribute:
+                return "egrL2Domain" + key + std::to_string(data.egrL2Domain());
+            case StatusData::copyToCpuAttribute:
+                return "copyToCpu" + key + text(data.copyToCpu());
+            case StatusData::routedAttribute:
+                return "routed" + key + text(data.routed());
+            case StatusData::droppedAttribute:
+                return "dropped" + key + text(data.dropped());
+            default:
+                return std::to_string(attribute) + key;
+        }
+    }
+
+    static std::string change(PacketTracer::Result const& result, Vanta::AttributeNumber attribute,
+                              Vanta::ValueRef entry) {
+        std::string const key = " " + keyText(result.id()) + " ";
+        switch (attribute) {
+            case PacketTracer::Result::stateAttribute:
+                return "state" + key + std::to_string(static_cast<unsigned>(result.state()));
+            case PacketTracer::Result::validAttribute:
+                return "valid" + key + text(result.valid());
+            case PacketTracer::Result::egressIntfAttribute:
+                return "egressIntf" + key + text(entry.get<PacketTracer::ResultEntry>());
+            default:
+                return std::to_string(attribute) + key;
+        }
+    }
+    static std::string text(PacketTracer::ResultEntry const& entry) {
+        return "(" + entry.physicalIntf().stringValue() + "," + entry.logicalIntf().stringValue() +
+               ")";
+    }
+
+    static std::string callText(ScriptChip::SdkCall const& call) {
+        using Function = ScriptChip::SdkFunction;
+        auto const member = [](std::string_view name, std::uint64_t value) {
+            return " " + std::string(name) + "=" + std::to_string(value);
+        };
+        std::string line(sdkFunctionName(call.function));
+        line += member("session", call.session);
+        if (call.function != Function::notifyAck) {
+            line += member("device", call.device);
+        }
+        switch (call.function) {
+            case Function::getPktCounters:
+            case Function::disableAppId:
+                line += member("pipe", call.pipe) + member("appId", call.appId);
+                break;
+            case Function::disablePktGen:
+                line += member("pipe", call.pipe) + member("genPort", call.genPort);
+                break;
+            case Function::genOnePkt:
+                line += member("pipe", call.pipe) + member("genPort", call.genPort) +
+                        member("portIndex", call.portIndex) + member("appId", call.appId) +
+                        " pkt=" + Vanta::hexText(call.pkt) +
+                        " phase0=" + Vanta::hexText(call.phase0) + member("pktId", call.pktId);
+                break;
+            case Function::digestRegister:
+            case Function::digestDeregister:
+            case Function::notifyAck:
+                line += member("handle", call.handle);
+        }
+        line += " -> " + std::to_string(call.rc);
+        return call.function == Function::getPktCounters ? line + member("count", call.count)
+                                                         : line;
+    }
+
+    Lines lines_;
+};
