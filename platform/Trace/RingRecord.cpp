@@ -1,11 +1,10 @@
 #include "Trace/RingRecord.h"
 
 #include <algorithm>
-#include <cstring>
+#include <string_view>
 
 namespace Trace {
 
-using RingFile::Slot;
 using RingFile::Word;
 
 namespace {
@@ -19,25 +18,29 @@ std::size_t cutLength(std::string_view text, std::size_t room) noexcept {
     return length;
 }
 
-}  // namespace
-
-void RingRecord::addText(std::string_view text, std::size_t valuesBehind) noexcept {
-    addSlot(Slot::text);
-    auto const free = (payload_.size() - used_ - valuesBehind) * sizeof(Word) - 1;
-    auto const room = std::min(free, RingFile::longestText);
+// Writes the text, cut to `freeWords`, and returns how many words it took.
+std::size_t encodeText(std::string_view text, Word* to, std::size_t freeWords) noexcept {
+    auto const room = std::min(freeWords * sizeof(Word) - 1, RingFile::longestText);
     bool const isCut = text.size() > room;
     auto const length = isCut ? cutLength(text, room) : text.size();
     auto const words = length / sizeof(Word) + 1;
-    payload_[used_ + words - 1] = 0;
-    auto* const bytes = reinterpret_cast<unsigned char*>(&payload_[used_]);
+    to[words - 1] = 0;
+    auto* const bytes = reinterpret_cast<unsigned char*>(to);
     bytes[0] = static_cast<unsigned char>(length | (isCut ? RingFile::cutText : 0));
     std::copy_n(text.data(), length, bytes + 1);
-    used_ += words;
+    return words;
 }
 
-void RingRecord::addWritten(Value const& value, std::size_t valuesBehind) {
+}  // namespace
+
+std::size_t RingRecord::putText(Value const& value, std::size_t at, std::size_t valuesBehind) {
+    auto const freeWords = payload_.size() - at - valuesBehind;
+    if (value.kind() == Value::Kind::text) {
+        return encodeText(value.characters(), &payload_[at], freeWords);
+    }
     std::array<char, Value::writtenRoom> room;
-    addText({room.data(), value.writeTo(room.data(), room.size())}, valuesBehind);
+    auto const length = value.writeTo(room.data(), room.size());
+    return encodeText({room.data(), length}, &payload_[at], freeWords);
 }
 
 }  // namespace Trace

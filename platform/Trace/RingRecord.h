@@ -3,7 +3,6 @@
 
 #include <array>
 #include <span>
-#include <string_view>
 
 #include "Trace/RingFile.h"
 #include "Trace/Value.h"
@@ -17,40 +16,41 @@ class RingRecord {
     explicit RingRecord(std::span<Value const> values);
 
     // The record's shape, but for the format's number in its low bits.
-    RingFile::Word shape() const noexcept { return slots_ | used_ << RingFile::formatBits; }
+    RingFile::Word shape() const noexcept { return shape_; }
 
     std::span<RingFile::Word const> payload() const noexcept { return {payload_.data(), used_}; }
 
   private:
-    void addNumber(RingFile::Slot slot, RingFile::Word number) noexcept {
-        addSlot(slot);
-        payload_[used_++] = number;
-    }
-    void addSlot(RingFile::Slot slot) noexcept {
-        slots_ |= static_cast<RingFile::Word>(slot) << slotShift_;
-        slotShift_ += RingFile::slotBits;
-    }
-    void addText(std::string_view text, std::size_t valuesBehind) noexcept;
-    void addWritten(Value const& value, std::size_t valuesBehind);
+    // Puts a text or written value at `at`, leaves `valuesBehind` words free, and returns how many
+    // words it took.
+    std::size_t putText(Value const& value, std::size_t at, std::size_t valuesBehind);
 
-    RingFile::Word slots_ = 0;
-    unsigned slotShift_ = RingFile::formatBits + RingFile::usedBits;
-    std::size_t used_ = 0;
+    RingFile::Word shape_;
+    std::size_t used_;
     std::array<RingFile::Word, RingFile::payloadWords> payload_;
 };
 
+// Inline and with its counters in local variables: every statement passes here.
 inline RingRecord::RingRecord(std::span<Value const> values) {
+    using namespace RingFile;
+    Word slots = 0;
+    unsigned shift = formatBits + usedBits;
+    std::size_t used = 0;
     auto behind = values.size();
     for (auto const& value : values) {
         --behind;
-        if (value.kind() < Value::Kind::text) {
-            addNumber(static_cast<RingFile::Slot>(value.kind()), value.number());
-        } else if (value.kind() == Value::Kind::text) {
-            addText(value.characters(), behind);
+        auto slot = static_cast<Slot>(value.kind());
+        if (slot < Slot::text) {
+            payload_[used++] = value.number();
         } else {
-            addWritten(value, behind);
+            slot = Slot::text;
+            used += putText(value, used, behind);
         }
+        slots |= static_cast<Word>(slot) << shift;
+        shift += slotBits;
     }
+    used_ = used;
+    shape_ = slots | used << formatBits;
 }
 
 }  // namespace Trace

@@ -60,11 +60,9 @@ void writeText(std::string_view handle, unsigned level, std::string_view message
     appendLineHead(line, wallClock(), handle, level);
     line += message;
     line += '\n';
-    int const errorBefore = errno;
     int const descriptor = textDescriptor.load(std::memory_order_relaxed);
     while (::write(descriptor, line.data(), line.size()) < 0 && errno == EINTR) {
     }
-    errno = errorBefore;
 }
 
 }  // namespace Trace

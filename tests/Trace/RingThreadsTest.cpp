@@ -14,50 +14,91 @@ class RingThreads : public RingFixture {
   protected:
     static constexpr std::uint64_t each = 40'000;
 
-    // Statements whose values follow from each other, so that a mixture would show.
+    // A statement whose values follow from each other, so that a mixture would show.
+    void write(std::string_view name, std::uint64_t number) const {
+        twinlog(handle_, 7, "%s %s %s %s", name, number, letters(number), number * 7919);
+    }
+
     void writeAll(std::string_view name) const {
         for (std::uint64_t number = 0; number < each; ++number) {
-            auto const long_ = std::string(number % 90, static_cast<char>('a' + number % 26));
-            twinlog(handle_, 7, "%s %s %s %s", name, number, long_, number * 7919);
+            write(name, number);
         }
+    }
+
+    static std::string_view letters(std::uint64_t number) {
+        static std::string const all(90, 'l');
+        return std::string_view(all).substr(0, number % 90);
     }
 
     // The number in a message, once it is shown to be whole.
     static std::uint64_t checked(std::string const& text) {
         std::uint64_t const number = std::stoull(text.substr(2));
-        auto const long_ = std::string(number % 90, static_cast<char>('a' + number % 26));
-        EXPECT_EQ(text.substr(0, 2) + std::to_string(number) + " " + long_ + " " +
-                      std::to_string(number * 7919),
+        EXPECT_EQ(text.substr(0, 2) + std::to_string(number) + " " + std::string(letters(number)) +
+                      " " + std::to_string(number * 7919),
                   text);
         return number;
     }
 };
 
-TEST_F(RingThreads, LeaveNoTornRecordToAReaderThatFollows) {
+// Two threads that write until the object goes.
+class Writers {
+  public:
+    template <class Write>
+    explicit Writers(Write write) : one_(run(write, "1")), two_(run(write, "2")) {}
+    ~Writers() { stop(); }
+    Writers(Writers const&) = delete;
+    Writers& operator=(Writers const&) = delete;
+
+    // Returns how many statements there were.
+    std::uint64_t stop() {
+        stop_.store(true);
+        for (auto* const thread : {&one_, &two_}) {
+            if (thread->joinable()) {
+                thread->join();
+            }
+        }
+        return written_.load();
+    }
+
+  private:
+    template <class Write>
+    std::thread run(Write write, char const* name) {
+        return std::thread([this, write, name] {
+            std::uint64_t number = 0;
+            for (; !stop_.load(std::memory_order_relaxed); ++number) {
+                write(name, number);
+            }
+            written_ += number;
+        });
+    }
+
+    std::atomic<bool> stop_ = false;
+    std::atomic<std::uint64_t> written_ = 0;
+    std::thread one_;
+    std::thread two_;
+};
+
+TEST_F(RingThreads, LeaveNoTornRecordToAReaderThatIsOvertakenAgainAndAgain) {
     ringIs(path_, smallest);
     RingReader reader(path_);
-    std::atomic<int> running = 2;
-    std::thread one([&] {
-        writeAll("1");
-        --running;
-    });
-    std::thread two([&] {
-        writeAll("2");
-        --running;
-    });
+    Writers writers([this](char const* name, std::uint64_t number) { write(name, number); });
     std::uint64_t seen = 0;
-    bool isRunning = true;
-    while (isRunning) {
-        isRunning = running.load() != 0;
+    auto const readWhatIsThere = [&] {
+        int timesOvertaken = 0;
         reader.poll();
         while (auto const message = reader.next(RingReader::Unfinished::wait)) {
             checked(message->text);
             ++seen;
+            timesOvertaken += message->lostBefore != 0;
         }
+        return timesOvertaken;
+    };
+    for (int timesOvertaken = 0; timesOvertaken < 500;) {
+        timesOvertaken += readWhatIsThere();
     }
-    one.join();
-    two.join();
-    EXPECT_EQ(2 * each, seen + reader.lost() + reader.damaged());
+    auto const written = writers.stop();
+    readWhatIsThere();
+    EXPECT_EQ(written, seen + reader.lost() + reader.damaged());
 }
 
 TEST_F(RingThreads, LoseNothingInARingThatIsLargeEnough) {
