@@ -70,6 +70,7 @@ void TaskSchedulerRoot::run() {
 
 bool TaskSchedulerRoot::turn(Wait maxWait) {
     Vanta::assertThat(!std::exchange(turning_, true), "!turning_");
+    ++turns_;
     bool const woken = waitForEvents(std::min(nextWait(), maxWait));
     bool const posted = runPosted();
     bool const readable = announceReadable();

@@ -57,6 +57,9 @@ class VYN_EXPORT TaskSchedulerRoot final : public Kel::Object {
     // Preconditions: not inside a turn; the caller holds a reference to the loop meanwhile.
     bool turn(Wait maxWait = Wait::zero());
 
+    // Turns begun so far, the one under way included.
+    std::uint64_t turns() const noexcept { return turns_; }
+
     // How long the rules above allow the next turn to wait: zero, a time or `forever`.
     Wait nextWait() const noexcept;
 
@@ -116,6 +119,7 @@ class VYN_EXPORT TaskSchedulerRoot final : public Kel::Object {
     Queues scheduled_;  // for the next turn
     Queues turn_;       // of the turn under way
     Task* running_ = nullptr;
+    std::uint64_t turns_ = 0;
     unsigned yieldAfter_ = defaultYieldAfter;
     bool turning_ = false;
     // Since the turn before: something arrived, a task ended, or one was scheduled by another.

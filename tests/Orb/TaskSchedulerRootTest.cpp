@@ -27,6 +27,15 @@ TEST_F(Turn, RunsPostedCallsThenDescriptorsThenTasks) {
     EXPECT_EQ(turn(), (Log{"posted", "descriptor", "task"}));
 }
 
+TEST_F(Turn, IsCountedFromItsBeginning) {
+    std::uint64_t inside = 0;
+    loop->post([&] { inside = loop->turns(); });
+    EXPECT_EQ(loop->turns(), 0u);
+    turn();
+    EXPECT_EQ(inside, 1u);
+    EXPECT_EQ(loop->turns(), 1u);
+}
+
 TEST_F(Turn, RunsPostedCallsInTheOrderOfPosting) {
     loop->post([&] { log.emplace_back("a"); });
     loop->post([&] { log.emplace_back("b"); });

@@ -1,0 +1,43 @@
+// The roads that packets took through the pipeline, by packet id, for who asks for them.
+//
+// While switched off nothing is formatted and nothing is kept. While on, the newest `capacity`
+// are kept. Threads: any.
+#pragma once
+
+#include <atomic>
+#include <cstdint>
+#include <mutex>
+#include <optional>
+#include <vector>
+
+#include "softchip/Pipeline.h"
+
+namespace SoftChip {
+
+class Explanations {
+  public:
+    static constexpr std::size_t capacity = 1024;
+
+    // Packets that enter the pipeline from now on are explained, or no longer. Switching off
+    // forgets what is kept.
+    void onIs(bool on);
+    bool on() const noexcept { return on_.load(std::memory_order_relaxed); }
+
+    // Keeps the explanation of a packet; without effect while switched off.
+    void add(std::uint16_t pktId, Explanation explanation);
+    // That of the newest packet with this id.
+    std::optional<Explanation> find(std::uint16_t pktId) const;
+
+  private:
+    struct Kept {
+        std::uint16_t pktId;
+        Explanation explanation;
+    };
+
+    std::atomic<bool> on_ = false;
+    mutable std::mutex mutex_;
+    std::vector<Kept> kept_;  // a ring once it is full, with the next to be replaced at next_
+    std::size_t next_ = 0;
+};
+
+}  // namespace SoftChip

@@ -1,0 +1,178 @@
+#include "softchip/Journal.h"
+
+#include <algorithm>
+
+namespace SoftChip {
+namespace {
+
+using Kind = JournalEntry::Kind;
+
+void add(std::string& line, char const* name, std::uint64_t value) {
+    line.append(" ").append(name).append(" ").append(std::to_string(value));
+}
+
+void addArguments(std::string& line, JournalEntry const& entry) {
+    switch (entry.call) {
+        case Call::getPktCounters:
+            add(line, "pipe", entry.pipe);
+            add(line, "appId", entry.appId);
+            add(line, "count", entry.count);
+            break;
+        case Call::genOnePkt:
+            add(line, "pipe", entry.pipe);
+            add(line, "genPort", entry.genPort);
+            add(line, "portIndex", entry.portIndex);
+            add(line, "appId", entry.appId);
+            add(line, "pktBytes", entry.pktBytes);
+            add(line, "phase0Bytes", entry.phase0Bytes);
+            add(line, "pktId", entry.pktId);
+            break;
+        case Call::disableAppId:
+            add(line, "pipe", entry.pipe);
+            add(line, "appId", entry.appId);
+            break;
+        case Call::disablePktGen:
+            add(line, "pipe", entry.pipe);
+            add(line, "genPort", entry.genPort);
+            break;
+        case Call::digestRegister:
+        case Call::digestDeregister:
+        case Call::notifyAck:
+            add(line, "handle", entry.handle);
+            break;
+    }
+}
+
+std::string callText(JournalEntry const& entry) {
+    std::string line = text(entry.call);
+    add(line, "session", entry.session);
+    addArguments(line, entry);
+    return line + " -> " + std::to_string(entry.result);
+}
+
+std::string injectionText(JournalEntry const& entry) {
+    std::string line = "injection";
+    add(line, "pktId", entry.pktId);
+    add(line, "pipe", entry.pipe);
+    add(line, "portIndex", entry.portIndex);
+    add(line, "pktBytes", entry.pktBytes);
+    add(line, "egressPort", entry.decision.egressPort);
+    add(line, "l2Domain", entry.decision.l2Domain);
+    add(line, "routed", entry.decision.routed);
+    add(line, "copyToCpu", entry.decision.copyToCpu);
+    add(line, "drop", entry.decision.drop);
+    return line + ": " + text(entry.decision.step) + ": " + text(entry.decision.reason);
+}
+
+char const* digestText(Kind kind) {
+    switch (kind) {
+        case Kind::digestLost:
+            return "digestLost pktId ";
+        case Kind::digestDoubled:
+            return "digestDoubled pktId ";
+        case Kind::digestHeld:
+            return "digestHeld pktId ";
+        case Kind::digestUndelivered:
+            return "digestUndelivered pktId ";
+        case Kind::call:
+        case Kind::tableChange:
+        case Kind::injection:
+        case Kind::digestMessage:
+            break;
+    }
+    return "?";
+}
+
+}  // namespace
+
+std::string JournalEntry::text() const {
+    switch (kind) {
+        case Kind::call:
+            return callText(*this);
+        case Kind::tableChange:
+            return "tableChange";
+        case Kind::injection:
+            return injectionText(*this);
+        case Kind::digestMessage:
+            return "digestMessage entries " + std::to_string(entries);
+        case Kind::digestLost:
+        case Kind::digestDoubled:
+        case Kind::digestHeld:
+        case Kind::digestUndelivered:
+            break;
+    }
+    return digestText(kind) + std::to_string(pktId);
+}
+
+void Journal::add(JournalEntry entry) {
+    auto& lane = laneOf(entry);
+    std::lock_guard const lock(lane.mutex);
+    entry.number = numbers_.fetch_add(1, std::memory_order_acq_rel) + 1;
+    count(lane.counters, entry);
+    if (lane.entries.size() < limit_) {
+        lane.entries.push_back(entry);
+    } else if (limit_ > 0) {
+        lane.entries[lane.oldest] = entry;
+        lane.oldest = (lane.oldest + 1) % limit_;
+    }
+}
+
+Journal::Lane& Journal::laneOf(JournalEntry const& entry) {
+    // Acknowledgements come from inside the callback, which is the chip's thread.
+    bool const call = entry.kind == Kind::call && entry.call != Call::notifyAck;
+    return call ? calls_ : chip_;
+}
+
+void Journal::count(Counters& counters, JournalEntry const& entry) {
+    switch (entry.kind) {
+        case Kind::call: {
+            auto const call = static_cast<std::size_t>(entry.call);
+            ++counters.calls[call];
+            counters.failures[call] += entry.result != 0 ? 1 : 0;
+            break;
+        }
+        case Kind::tableChange:
+            ++counters.tableChanges;
+            break;
+        case Kind::injection:
+            ++counters.injected[entry.pipe];
+            break;
+        case Kind::digestMessage:
+            ++counters.digestMessages;
+            counters.digestsSent += entry.entries;
+            break;
+        case Kind::digestLost:
+            ++counters.digestsLost;
+            break;
+        case Kind::digestDoubled:
+            ++counters.digestsDoubled;
+            break;
+        case Kind::digestHeld:
+            ++counters.digestsHeld;
+            break;
+        case Kind::digestUndelivered:
+            ++counters.digestsUndelivered;
+            break;
+    }
+}
+
+std::vector<JournalEntry> Journal::entries() const {
+    std::scoped_lock const lock(calls_.mutex, chip_.mutex);
+    std::vector<JournalEntry> all(calls_.entries.begin(), calls_.entries.end());
+    all.insert(all.end(), chip_.entries.begin(), chip_.entries.end());
+    std::ranges::sort(all, {}, &JournalEntry::number);
+    return all;
+}
+
+// Each count is kept in one lane only, so the sum of both is the whole.
+Counters Journal::counters() const {
+    std::scoped_lock const lock(calls_.mutex, chip_.mutex);
+    Counters sum = chip_.counters;
+    for (std::size_t call = 0; call < callCount; ++call) {
+        sum.calls[call] += calls_.counters.calls[call];
+        sum.failures[call] += calls_.counters.failures[call];
+    }
+    return sum;
+}
+
+}  // namespace SoftChip

@@ -1,0 +1,116 @@
+// The software chip: a switch with packet generators and trace digests, behind the SDK's functions.
+//
+// It registers for its device at the seam and refuses what a chip would refuse, with a status of
+// its own for each reason (Sdk.h). What it accepts goes into one queue with the changes of its
+// tables and is carried out in order; then the digests of all that was carried out together go out
+// in as few messages as possible.
+//
+// Threaded: a thread of the chip's own does this. It owns the tables, and calls the digest
+// callback. It sleeps while there is nothing to do, and ends in the destructor, before the chip
+// leaves the seam; what it has not begun by then is dropped.
+// Stepwise: there is no thread; step() does its work, so that runs can be repeated exactly.
+//
+// An exception that leaves a table change ends the process.
+// Threads: notifyAck() any, everything else the event thread.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <functional>
+#include <thread>
+
+#include "sdkseam/Chip.h"
+#include "softchip/CommandQueue.h"
+#include "softchip/DigestChannel.h"
+#include "softchip/Explanations.h"
+#include "softchip/Faults.h"
+#include "softchip/Generator.h"
+#include "softchip/Journal.h"
+#include "softchip/Tables.h"
+
+namespace SoftChip {
+
+enum class Mode : std::uint8_t { threaded, stepwise };
+
+struct Config {
+    VynId::VynDevId device = 0;
+    p4_pd_sess_hdl_t session = 1;  // the one session that is open
+    Mode mode = Mode::threaded;
+    std::size_t journalLimit = Journal::defaultLimit;
+};
+
+class SoftChip final : public SdkSeam::Chip {
+  public:
+    // Errors: std::logic_error if the device id is taken.
+    explicit SoftChip(Config const& config);
+    SoftChip(SoftChip const&) = delete;
+    SoftChip& operator=(SoftChip const&) = delete;
+    ~SoftChip();
+
+    // The SDK's functions, as VynSdk/VynSdk.h and PipeMgr/PipeMgr.h say. A call that is refused or
+    // fails by order changes nothing, but for a deregistration that fails by order.
+    p4_pd_status_t getPktCounters(p4_pd_sess_hdl_t session, std::uint32_t pipe, std::uint32_t appId,
+                                  std::uint64_t& count) override;
+    p4_pd_status_t genOnePkt(p4_pd_sess_hdl_t session, std::uint32_t pipe, std::uint32_t genPort,
+                             std::uint8_t portIndex, std::uint32_t appId,
+                             std::span<std::uint8_t const> pkt,
+                             std::span<std::uint8_t const> phase0, std::uint16_t pktId) override;
+    p4_pd_status_t disableAppId(p4_pd_sess_hdl_t session, std::uint32_t pipe,
+                                std::uint32_t appId) override;
+    p4_pd_status_t disablePktGen(p4_pd_sess_hdl_t session, std::uint32_t pipe,
+                                 std::uint32_t genPort) override;
+    p4_pd_status_t digestRegister(p4_pd_sess_hdl_t session, std::uint32_t handle,
+                                  pipe_flow_lrn_notify_cb callback, void* cookie) override;
+    // Returns when no callback runs; none will run later.
+    p4_pd_status_t digestDeregister(p4_pd_sess_hdl_t session, std::uint32_t handle) override;
+    p4_pd_status_t notifyAck(p4_pd_sess_hdl_t session, std::uint32_t handle,
+                             pipe_flow_lrn_msg_t* message) override;
+
+    // Has the tables changed, behind what was injected before. What `change` refers to is used and
+    // destroyed on the chip's thread: no counted pointers, texts or bytes of the object framework.
+    void change(std::function<void(Tables&)> change);
+
+    // Returns when everything that was asked for before has been done and its digests have gone
+    // out. In stepwise mode it steps until then. Not from inside the callback.
+    void drain();
+    // Stepwise mode: does what the thread would do when it wakes. False if there was nothing to do.
+    bool step();
+    // Threaded mode: whether the thread sleeps, having nothing to do.
+    bool asleep() const { return queue_.asleep(); }
+
+    // What goes wrong to order. Digests that are held go out behind what was injected before.
+    Faults& faults() { return faults_; }
+    void releaseHeld() { queue_.pushReleaseHeld(); }
+    // A pipe's packet generator, 0 to 3: its state, and the faults of its counter.
+    Generator& generator(unsigned pipe) { return generators_.at(pipe); }
+
+    Journal const& journal() const { return journal_; }
+    Explanations& explanations() { return explanations_; }
+    // Messages that are not acknowledged.
+    std::size_t outstandingMessages() const { return channel_.outstanding(); }
+
+  private:
+    bool refused(JournalEntry& entry, Status refusal);
+    Status checkPipe(p4_pd_sess_hdl_t session, std::uint32_t pipe) const;
+    Status checkApp(p4_pd_sess_hdl_t session, std::uint32_t pipe, std::uint32_t appId) const;
+    Status checkDigest(p4_pd_sess_hdl_t session, std::uint32_t handle) const;
+
+    void run();
+    void carryOut(std::span<Command> commands);
+    void carryOut(Command& command);
+    void changeTables(Command& command);
+    void inject(Command const& command);
+
+    Config const config_;
+    Journal journal_;
+    Faults faults_;
+    Explanations explanations_;
+    std::array<Generator, pipeCount> generators_;
+    Tables tables_;  // the chip's thread's own
+    CommandQueue queue_;
+    DigestChannel channel_;
+    SdkSeam::Registration registration_;
+    std::thread thread_;
+};
+
+}  // namespace SoftChip
