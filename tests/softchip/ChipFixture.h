@@ -147,8 +147,8 @@ class ChipFixture : public testing::Test {
         return entries;
     }
 
+    DigestReceiver receiver;  // outlives the chip, whose thread may be calling it to the end
     SoftChip chip;
-    DigestReceiver receiver;
 };
 
 }  // namespace SoftChip
