@@ -113,10 +113,8 @@ struct AclBinding {
 };
 
 AclBinding bindingOf(SwitchModel const& model, Interface const& intf) {
-    AclBinding binding{*intf.acl, {}, SoftChip::noDomain, intf.id.stringValue()};
-    if (intf.id.kind() != Kind::subIntf || intf.vlan != 0) {
-        binding.ingress = logicalPort(model, intf.id);
-    }
+    AclBinding binding{*intf.acl, logicalPort(model, intf.id), SoftChip::noDomain,
+                       intf.id.stringValue()};
     if (intf.id.kind() == Kind::subIntf) {
         binding.domain = intf.vlan != 0 ? intf.vlan : intf.internalVlan;
     }

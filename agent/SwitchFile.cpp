@@ -171,10 +171,13 @@ std::uint16_t SwitchFileReader::vrfOf(JsonValue where, std::string_view name) co
     return found->second;
 }
 
-std::uint16_t SwitchFileReader::aclOf(JsonValue value) const {
+std::uint16_t SwitchFileReader::aclOf(JsonValue value) {
     auto const found = acls_.find(value.text("the name of an access list"));
     if (found == acls_.end()) {
         throw value.expected("an access list of the member acls");
+    }
+    if (++aclPlaces_ > 0xffff) {
+        throw value.expected("at most 65535 places with an access list");
     }
     return found->second;
 }

@@ -85,7 +85,7 @@ class SwitchFileReader {
 
     // References, by text. `where` is the value or the name that errors point at.
     std::uint16_t vrfOf(JsonValue where, std::string_view name) const;
-    std::uint16_t aclOf(JsonValue value) const;
+    std::uint16_t aclOf(JsonValue value);
     Interface const& interfaceOf(JsonValue where, std::string_view name,
                                  std::string_view shown) const;
 
@@ -106,6 +106,7 @@ class SwitchFileReader {
     VlanSet vlans_;
     std::unordered_map<std::string_view, std::uint16_t> vrfs_;
     std::unordered_map<std::string_view, std::uint16_t> acls_;
+    std::uint32_t aclPlaces_ = 0;    // that name a list; the chip numbers them
     std::vector<JsonValue> places_;  // of model_.interfaces, in parallel
     std::array<Plexa::IntfId, SoftChip::maxDevicePort + 1> portOwners_;
     SoftChip::FlatHash<ScopedIp, std::uint32_t> ownAddresses_;  // to places in interfaces

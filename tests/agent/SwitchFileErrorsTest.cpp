@@ -370,6 +370,9 @@ INSTANTIATE_TEST_SUITE_P(
         Case{"LoopbackAddress", R"("interfaces": {"Vlan10": {"addresses": ["::1/128"]}})",
              "/interfaces/Vlan10/addresses/0: expected an address that a host in the "
              R"(subnet can have, got "::1/128")"},
+        Case{"LoopbackAddressOfIpv4", R"("interfaces": {"Vlan10": {"addresses": ["127.0.0.1/8"]}})",
+             "/interfaces/Vlan10/addresses/0: expected an address that a host in the subnet can "
+             R"(have, got "127.0.0.1/8")"},
         Case{"AddressOnTwoInterfacesOfOneVrf",
              R"("interfaces": {"Vlan10": {"addresses": ["10.0.0.1/24"]}, )"
              R"("Vlan11": {"addresses": ["10.0.0.1/25"]}})",
@@ -617,6 +620,12 @@ INSTANTIATE_TEST_SUITE_P(
              R"("protocol": "udp"}]}, "interfaces": {}})",
              "/acls/edge/0/etherType: expected ipv4 or ipv6 beside fields of IP, "
              R"(got "arp")"},
+        Case{
+            "AddressesOfAnotherEtherType",
+            R"({"acls": {"edge": [{"action": "drop", "etherType": "0x88cc", "source": "10.0.0.0/8"}]}, )"
+            R"("interfaces": {}})",
+            "/acls/edge/0/etherType: expected ipv4 or ipv6 beside fields of IP, "
+            R"(got "0x88cc")"},
         Case{"PortsOfAProtocolWithoutPorts",
              R"({"acls": {"edge": [{"action": "drop", "protocol": "icmp", )"
              R"("destinationPort": 23}]}, "interfaces": {}})",
@@ -936,6 +945,11 @@ INSTANTIATE_TEST_SUITE_P(
              R"("routes": {"default": {"10.7.0.0/16": "2001:db8::2"}})",
              "/routes/default/10.7.0.0~116: expected an IPv4 address, "
              R"(as the prefix is, got "2001:db8::2")"},
+        Case{"NextHopOfTheOtherFamilyAfterItsOwn",
+             R"("interfaces": {"Vlan10": {"addresses": ["10.0.10.1/24"]}}, "routes": )"
+             R"({"default": {"10.7.0.0/16": "10.0.10.2", "2001:db8:7::/48": "10.0.10.2"}})",
+             "/routes/default/2001:db8:7::~148: expected an IPv6 address, as the prefix is, "
+             R"(got "10.0.10.2")"},
         Case{"NextHopThatIsTheSwitchItself",
              R"("interfaces": {"Ethernet1": {"port": 1, "access": 10}, )"
              R"("Ethernet2": {"port": 2}, "Lag1": {"members": ["Ethernet2"], )"

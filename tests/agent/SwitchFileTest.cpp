@@ -302,9 +302,40 @@ TEST(SwitchFile, ProtocolCopiesComeByNameOrByFields) {
     EXPECT_TRUE(model.protocolRules[6].trap);
 }
 
+TEST(SwitchFile, EveryProtocolNameStandsForFrames) {
+    SwitchModel const model = read(
+        R"({"protocolCopies": ["dhcp", "dhcpv6", "bfd", "igmp", "ospf", "pim", "vrrp"],
+            "interfaces": {}})");
+    ASSERT_EQ(model.protocolRules.size(), 7U);
+    EXPECT_EQ(model.protocolRules[0].match.dstPort, (SoftChip::Range{67, 68}));
+    EXPECT_EQ(model.protocolRules[1].match.dstPort, (SoftChip::Range{546, 547}));
+    EXPECT_EQ(model.protocolRules[2].match.dstPort, (SoftChip::Range{3784, 3785}));
+    std::vector<int> protocols;
+    for (SoftChip::ProtocolRule const& rule : model.protocolRules) {
+        protocols.push_back(rule.match.ipProtocol.value());
+    }
+    EXPECT_EQ(protocols, (std::vector<int>{17, 17, 17, 2, 89, 103, 112}));
+}
+
 TEST(SwitchFile, CpuPortIsMarked) {
     SwitchModel const model = withInterfaces(R"("Ethernet65": {"port": "1/64", "cpu": true})");
     EXPECT_TRUE(only(model, "Ethernet65").cpu);
+}
+
+TEST(SwitchFile, AccessListsHaveAtMostAsManyPlacesAsTheChipHasNumbers) {
+    std::string text = R"({"acls": {"edge": []}, "vlans": {"1": {"acl": "edge"}}, "interfaces": {)";
+    for (int number = 1; number <= 65535; ++number) {
+        text += (number == 1 ? "\"Lag" : ",\"Lag") + std::to_string(number) +
+                R"(": {"members": [], "acl": "edge"})";
+    }
+    try {
+        read(text + "}}");
+        FAIL();
+    } catch (InputError const& error) {
+        EXPECT_STREQ(error.what(),
+                     "switch.json: /interfaces/Lag65535/acl: expected at most 65535 places with an "
+                     "access list, got \"edge\"");
+    }
 }
 
 TEST(SwitchFile, UnreadableFileIsNamed) {
