@@ -1,15 +1,13 @@
 // One value of a trace statement, as it travels from the statement to whoever reads it.
 //
-// `traceValue(x)` makes a Value of x: truth values, integers of every width (in decimal) and texts
-// are covered here. Another type joins by a function traceValue(T const&) in its own namespace,
-// which is found by the argument's type:
+// `traceValue(x)` makes a Value of x: truth values, integers of every width (in decimal), texts and
+// interfaces (by name) are covered here. Another type joins by a function traceValue(T const&) in
+// its own namespace, which is found by the argument's type:
 //
-//     namespace Plexa {
-//     inline Trace::Value traceValue(IntfId const& id) {
-//         return Trace::Value::written(&id, [](void const* object, char* to, std::size_t room) {
-//             return static_cast<IntfId const*>(object)->nameTo(to, room);
+//     Trace::Value traceValue(MacAddr const& address) {
+//         return Trace::Value::written(&address, [](void const* object, char* to, std::size_t room) {
+//             return static_cast<MacAddr const*>(object)->textTo(to, room);
 //         });
-//     }
 //     }
 //
 // A Value borrows: a text's characters and a written object outlive the statement, which is all
@@ -33,7 +31,7 @@ class Value {
     // Writes the object's text to `to`, at most `room` characters, and returns how many.
     using Writer = std::size_t (*)(void const* object, char* to, std::size_t room);
 
-    // The room that a Writer is given by whoever reads the text; a ring record may give it less.
+    // The room that a Writer is given.
     static constexpr std::size_t writtenRoom = 256;
 
     enum class Kind : std::uint8_t { boolean = 1, signedNumber, unsignedNumber, text, written };

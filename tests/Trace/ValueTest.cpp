@@ -76,6 +76,11 @@ TEST(Value, KeepsANulInsideAText) {
     EXPECT_EQ(std::string("a\0b", 3), textOf(std::string_view("a\0b", 3)));
 }
 
+TEST(Value, PrintsAnInterfaceByItsName) {
+    EXPECT_EQ("Ethernet1/2.7", textOf(*Plexa::IntfId::fromName("Ethernet1/2.7")));
+    EXPECT_EQ("", textOf(Plexa::IntfId()));
+}
+
 TEST(Value, TakesOtherTypesByAFunctionBesideThem) {
     EXPECT_EQ("pear", textOf(Fruit::Kind::pear));
 }
