@@ -13,8 +13,8 @@
 // but the values.
 //
 // Threads: any. A statement takes no lock (but for the first record of each format) and waits for
-// nobody; a thread that stood still inside a record while others went once around the ring loses
-// that record.
+// nobody; where a thread stood still inside a record while others went once around the ring, that
+// record is lost, and the one whose place it takes may be.
 #pragma once
 
 #include <cstddef>
