@@ -30,6 +30,7 @@
 #include <mutex>
 #include <vector>
 
+#include "Grist/Grist.h"
 #include "Kel/Object.h"
 #include "VynExport.h"
 
@@ -113,11 +114,13 @@ class VYN_EXPORT TaskSchedulerRoot final : public Kel::Object {
     std::vector<std::function<void()>> posted_;
     bool stopping_ = false;
 
-    std::vector<FileDescriptor*> descriptors_;  // in the order of creation
-    std::vector<FileDescriptor*> readable_;     // of the turn under way
-    std::vector<pollfd> polled_ = std::vector<pollfd>(1);
-    Queues scheduled_;  // for the next turn
-    Queues turn_;       // of the turn under way
+    template <class T>
+    using List = std::vector<T, Grist::Allocator<T>>;
+    List<FileDescriptor*> descriptors_;      // in the order of creation
+    List<FileDescriptor*> readable_;         // of the turn under way
+    List<pollfd> polled_ = List<pollfd>(1);  // the wake descriptor, then the others
+    Queues scheduled_;                       // for the next turn
+    Queues turn_;                            // of the turn under way
     Task* running_ = nullptr;
     std::uint64_t turns_ = 0;
     unsigned yieldAfter_ = defaultYieldAfter;

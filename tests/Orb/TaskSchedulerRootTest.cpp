@@ -232,6 +232,16 @@ TEST_F(Wait, StartsAnewWhenOneTaskSchedulesAnother) {
     EXPECT_EQ(loop->nextWait(), 0ns);
 }
 
+TEST_F(Wait, StartsAnewWhenATaskThatWaitedIsDone) {
+    auto const other = job("other");
+    other->work = [&] { other->task->schedule(); };
+    other->task->schedule();
+    wearOut();
+    other->work = nullptr;
+    loop->turn();
+    EXPECT_EQ(loop->nextWait(), 0ns);
+}
+
 TEST_F(Wait, CountsTurnsInWhichSeveralTasksWait) {
     auto const other = job("other");
     other->work = [&] { other->task->schedule(); };
