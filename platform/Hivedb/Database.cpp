@@ -56,7 +56,7 @@ Vanta::Ptr<Kel::Dir> Database::mount(Vanta::String const& path) {
     checkPath(path.view());
     auto* entry = mounts_.find(path);
     if (entry == nullptr) {
-        entry = &mounts_.insert(path, Kel::Dir::DirIs(), 0U);
+        entry = &mounts_.insert(path, Mount{Kel::Dir::DirIs()});
     }
     ++entry->value.count;
     return entry->value.dir;
