@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "Vanta/Node.h"
+
 namespace {
 
 using Vanta::AttributeNumber;
@@ -179,6 +181,107 @@ TEST(Publisher, HandsKeyAndOldValueToTheSubscriber) {
     receiver.subscriber.subscribe<&Receiver::dispatch>(publisher, &receiver);
     publisher.publish(1, ValueRef::to(std::string("key")), ValueRef::to(7));
     EXPECT_EQ(receiver.text, "key:7");
+}
+
+TEST_F(Delivery, GoesOnAfterASubscriberThatIsDestroyedInItsOwnTurn) {
+    auto passing = std::make_unique<Listener>("d", log);
+    Listener last("e", log);
+    passing->listen(*publisher);
+    last.listen(*publisher);
+    passing->reaction = [&] { passing.reset(); };
+    publisher->publish(1);
+    EXPECT_EQ(log, (Log{"a1", "b1", "c1", "d1", "e1"}));
+}
+
+TEST_F(Delivery, LeavesOutASubscriberThatIsDestroyedBeforeItsTurn) {
+    auto next = std::make_unique<Listener>("d", log);
+    next->listen(*publisher);
+    a.reaction = [&] { next.reset(); };
+    publisher->publish(1);
+    EXPECT_EQ(log, (Log{"a1", "b1", "c1"}));
+}
+
+TEST_F(Delivery, LetsASubscriberSetTheSameAttributeAgain) {
+    a.reaction = [&] {
+        if (log.size() == 1) {
+            publisher->publish(1);
+        }
+    };
+    publisher->publish(1);
+    EXPECT_EQ(log, (Log{"a1", "a1", "b1", "c1", "b1", "c1"}));
+}
+
+TEST_F(Delivery, TellsOneWhoArrivedMeanwhileOfAnInnerPublication) {
+    Listener late("d", log);
+    a.reaction = [&] {
+        if (!late.subscriber.subscribed()) {
+            late.listen(*publisher);
+            publisher->publish(2);
+        }
+    };
+    publisher->publish(1);
+    EXPECT_EQ(log, (Log{"a1", "a2", "b2", "c2", "d2", "b1", "c1"}));
+}
+
+TEST(Subscriber, LeavesItsFormerPublisherWhenItSubscribesToAnother) {
+    Publisher former(nullptr);
+    Publisher present(nullptr);
+    Log log;
+    Listener listener("a", log);
+    listener.listen(former);
+    listener.listen(present);
+    former.publish(1);
+    present.publish(2);
+    EXPECT_EQ(log, (Log{"a2"}));
+}
+
+TEST(Subscriber, IsNotSubscribedOnceItsPublisherIsGone) {
+    Log log;
+    Listener listener("a", log);
+    {
+        Publisher publisher(nullptr);
+        listener.listen(publisher);
+        EXPECT_TRUE(listener.subscriber.subscribed());
+    }
+    EXPECT_FALSE(listener.subscriber.subscribed());
+    listener.subscriber.unsubscribe();
+}
+
+// A node that publishes, watched by a node.
+struct Source : Vanta::Node {
+    Publisher publisher{this};
+};
+struct Watcher : Vanta::Node {
+    explicit Watcher(Source& source) {
+        subscriber.subscribe<&Watcher::dispatch>(source.publisher, this);
+    }
+    void dispatch(Publisher const& publisher, Subscriber&, AttributeNumber, ValueRef, ValueRef) {
+        countSeen = publisher.owner()->refCount();
+        if (reaction) {
+            reaction();
+        }
+    }
+    std::uint32_t countSeen = 0;
+    std::function<void()> reaction;
+    Subscriber subscriber;
+};
+
+TEST(Publisher, CountsNoReferenceForASubscriptionNorForADelivery) {
+    auto const source = Vanta::makeNode<Source>();
+    auto const watcher = Vanta::makeNode<Watcher>(*source);
+    EXPECT_EQ(watcher->refCount(), 1U);
+    source->publisher.publish(1);
+    EXPECT_EQ(watcher->countSeen, 1U);
+}
+
+TEST(Publisher, MayGoWithItsNodeDuringDelivery) {
+    auto source = Vanta::makeNode<Source>();
+    auto const watcher = Vanta::makeNode<Watcher>(*source);
+    auto const second = Vanta::makeNode<Watcher>(*source);
+    watcher->reaction = [&] { source = nullptr; };
+    source->publisher.publish(1);
+    EXPECT_EQ(second->countSeen, 0U);
+    EXPECT_FALSE(second->subscriber.subscribed());
 }
 
 TEST(PublisherDeathTest, EndsTheProcessOnAnExceptionOfASubscriber) {
