@@ -249,14 +249,10 @@ TEST(Collection, StaysAsItWasWhenAValueCannotBeMade) {
 }
 
 TEST(Collection, IsWholeAgainBeforeARemovedValueGoes) {
-    struct Observer {
-        Kel::Collection<int, std::shared_ptr<Observer>>& values;
-        std::size_t& sizeSeen;
-        ~Observer() { sizeSeen = values.size(); }
-    };
-    Kel::Collection<int, std::shared_ptr<Observer>> values;
+    Kel::Collection<int, std::shared_ptr<void>> values;
     std::size_t sizeSeen = 7;
-    values.insert(1, std::make_shared<Observer>(values, sizeSeen));
+    auto const noteSize = [&](void*) { sizeSeen = values.size(); };
+    values.insert(1, std::shared_ptr<void>(nullptr, noteSize));
     values.insert(2, nullptr);
     values.remove(1);
     EXPECT_EQ(sizeSeen, 1U);

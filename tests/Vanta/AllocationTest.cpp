@@ -64,7 +64,7 @@ struct Listener : Vanta::Node {
 
 TEST(Allocation, IsCounted) {
     auto const before = allocations;
-    delete new int(1);
+    ::operator delete(::operator new(4));
     EXPECT_EQ(allocations, before + 1);
 }
 
