@@ -93,6 +93,7 @@ void deriveRoutes(SwitchModel const& model, Tables& tables) {
     std::uint32_t number = 0;
     for (std::vector<NextHop> const& set : model.nextHopSets) {
         std::vector<SoftChip::NextHop> hops;
+        hops.reserve(set.size());
         for (NextHop const& hop : set) {
             hops.push_back({domainOf(*model.interface(hop.intf)), hop.gateway});
         }
