@@ -5,17 +5,19 @@
 
 #include <cstdlib>
 #include <exception>
+#include <initializer_list>
 #include <string>
 #include <typeinfo>
 
 namespace Vanta {
 namespace {
 
-void writeLine(std::string_view first, std::string_view second) noexcept {
+// Allocates nothing: the process may be ending because memory ran out.
+void writeLine(std::initializer_list<std::string_view> parts) noexcept {
     // One write, so that lines of two dying threads do not mix.
     char line[512];
     std::size_t size = 0;
-    for (std::string_view part : {first, second}) {
+    for (std::string_view const part : parts) {
         size += part.copy(line + size, sizeof line - 1 - size);
     }
     line[size++] = '\n';
@@ -24,8 +26,7 @@ void writeLine(std::string_view first, std::string_view second) noexcept {
 
 void abortProcess(std::string_view errorClass, std::string_view text) {
     if (errorClass != "assert") {
-        std::string const prefix = "uncaught " + std::string(errorClass) + ": ";
-        writeLine(prefix, text);
+        writeLine({"uncaught ", errorClass, ": ", text});
     }
     std::abort();
 }
@@ -65,7 +66,7 @@ void endProcessWithCurrentException() noexcept {
 }
 
 void assertionFailed(std::string_view expression) noexcept {
-    writeLine("assertion failed: ", expression);
+    writeLine({"assertion failed: ", expression});
     endProcess("assert", expression);
 }
 

@@ -16,8 +16,8 @@ class VYN_EXPORT VyPdIntf : public Kel::Object {
 
     // Where a field lies in an entry, and how many bytes it has; the bytes are in host order. Null
     // and size 0 for a field that the digest does not have.
-    virtual std::uint8_t const* digestEntryField(std::uint8_t const* entry,
-                                                 std::string_view digest, std::string_view field,
+    virtual std::uint8_t const* digestEntryField(std::uint8_t const* entry, std::string_view digest,
+                                                 std::string_view field,
                                                  std::uint32_t& size) const = 0;
 
     Kel::TypeInfo const& typeInfo() const noexcept override;

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <stdexcept>
+#include <string>
 
 namespace {
 
@@ -40,6 +41,21 @@ TEST(AssertDeathTest, NamesTheClassOfAnExceptionWithoutItsNamespace) {
     };
     EXPECT_EXIT(dispatcher(), testing::ExitedWithCode(9), "<out_of_range.far>");
     Vanta::lastStepIs(nullptr);
+}
+
+TEST(AssertDeathTest, NamesWhatIsNoStandardExceptionAsUnknown) {
+    auto const dispatcher = [] {
+        try {
+            throw 7;
+        } catch (...) {
+            Vanta::endProcessWithCurrentException();
+        }
+    };
+    EXPECT_DEATH(dispatcher(), "uncaught unknown: an exception that is no std::exception");
+}
+
+TEST(AssertDeathTest, CutsALongTextShortAndEndsTheLine) {
+    EXPECT_DEATH(Vanta::endProcess("Error", std::string(2000, 'x')), "uncaught Error: x{490,}\n");
 }
 
 TEST(AssertDeathTest, AbortsWhenTheLastStepReturns) {
