@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <array>
 #include <nlohmann/json.hpp>
+#include <utility>
 
 #include "replay/JsonText.h"
 
@@ -33,11 +34,10 @@ class Builder final : public nlohmann::json_sax<nlohmann::json> {
 
     bool key(string_t& name) override {
         auto& members = std::get<JsonValue::Members>(open_.back()->value);
-        if (std::ranges::find(members, name, &JsonValue::Members::value_type::first) !=
-            members.end()) {
+        if (std::ranges::find(members, name, &JsonValue::Member::name) != members.end()) {
             throw Refusal("the member " + jsonText(name) + " is there twice");
         }
-        members.emplace_back(std::move(name), JsonValue());
+        members.push_back({std::move(name), {}});
         return true;
     }
 
@@ -61,7 +61,7 @@ class Builder final : public nlohmann::json_sax<nlohmann::json> {
             return root_;
         }
         if (auto* const members = std::get_if<JsonValue::Members>(&open_.back()->value)) {
-            return members->back().second;
+            return members->back().value;
         }
         return std::get<JsonValue::List>(open_.back()->value).emplace_back();
     }

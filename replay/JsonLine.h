@@ -9,7 +9,6 @@
 #include <stdexcept>
 #include <string>
 #include <string_view>
-#include <utility>
 #include <variant>
 #include <vector>
 
@@ -24,8 +23,9 @@ class Refusal : public std::runtime_error {
 // A JSON value. Whole numbers within 64 bits are exact; of any other number (a fraction, an
 // exponent, a huge one) only the text is kept, since no scenario accepts one.
 struct JsonValue {
+    struct Member;
     using List = std::vector<JsonValue>;
-    using Members = std::vector<std::pair<std::string, JsonValue>>;
+    using Members = std::vector<Member>;
     struct OtherNumber {
         std::string text;
     };
@@ -33,6 +33,11 @@ struct JsonValue {
     std::variant<std::monostate, bool, std::int64_t, std::uint64_t, OtherNumber, std::string, List,
                  Members>
         value;
+};
+
+struct JsonValue::Member {
+    std::string name;
+    JsonValue value;
 };
 
 // What a value is, in words: "a text", "a number that is not whole".

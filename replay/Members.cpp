@@ -106,17 +106,17 @@ Members::Members(JsonValue::Members const& members)
     : members_(members), taken_(members.size(), false) {}
 
 JsonValue const* Members::find(std::string_view name) const noexcept {
-    auto const found = std::ranges::find(members_, name, &JsonValue::Members::value_type::first);
-    return found != members_.end() ? &found->second : nullptr;
+    auto const found = std::ranges::find(members_, name, &JsonValue::Member::name);
+    return found != members_.end() ? &found->value : nullptr;
 }
 
 JsonValue const* Members::take(std::string_view name) {
-    auto const found = std::ranges::find(members_, name, &JsonValue::Members::value_type::first);
+    auto const found = std::ranges::find(members_, name, &JsonValue::Member::name);
     if (found == members_.end()) {
         return nullptr;
     }
     taken_[static_cast<std::size_t>(found - members_.begin())] = true;
-    return &found->second;
+    return &found->value;
 }
 
 JsonValue const& Members::at(std::string_view name) {
@@ -234,7 +234,7 @@ void Members::end() const {
     auto const untaken = std::ranges::find(taken_, false);
     if (untaken != taken_.end()) {
         auto const index = static_cast<std::size_t>(untaken - taken_.begin());
-        throw Refusal("unknown member " + quoted(members_[index].first));
+        throw Refusal("unknown member " + quoted(members_[index].name));
     }
 }
 

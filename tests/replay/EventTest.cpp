@@ -392,8 +392,8 @@ TEST(DigestEvent, HasItsRanges) {
                                                             {"egrPort", 65535},
                                                             {"routed", 255},
                                                             {"dropCtl", 255}}) {
-        auto const line = [&](std::string const& value) {
-            return R"({"do":"digest","entries":[{")" + member + "\":" + value + "}]}";
+        auto const line = [name = member](std::string const& value) {
+            return R"({"do":"digest","entries":[{")" + name + "\":" + value + "}]}";
         };
         EXPECT_FALSE(refused(line("0"))) << member;
         EXPECT_FALSE(refused(line(std::to_string(max)))) << member;

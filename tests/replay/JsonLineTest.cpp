@@ -19,15 +19,15 @@ std::string refusal(std::string_view line) {
 }
 
 JsonValue valueOf(std::string const& text) {
-    return parseJsonLine(R"({"a":)" + text + "}").at(0).second;
+    return parseJsonLine(R"({"a":)" + text + "}").at(0).value;
 }
 
 TEST(JsonLine, GivesTheMembersInTheirOrder) {
     auto const members = parseJsonLine(R"( {"b":true,"a":"x"} )");
     ASSERT_EQ(2U, members.size());
-    EXPECT_EQ("b", members[0].first);
-    EXPECT_TRUE(std::get<bool>(members[0].second.value));
-    EXPECT_EQ("x", std::get<std::string>(members[1].second.value));
+    EXPECT_EQ("b", members[0].name);
+    EXPECT_TRUE(std::get<bool>(members[0].value.value));
+    EXPECT_EQ("x", std::get<std::string>(members[1].value.value));
 }
 
 TEST(JsonLine, MayBeEmptyOfMembers) {
