@@ -42,11 +42,17 @@ std::size_t leastIcmpv6BodySize(std::uint8_t type) {
         case 136:
             return 16;
         case 134:  // router advertisement
+        case 138:  // router renumbering
         case 139:  // node information
         case 140:
             return 8;
         case 137:  // redirect
             return 32;
+        case 149:  // certification path advertisement
+            return 4;
+        case 157:  // duplicate address request and confirmation
+        case 158:
+            return 24;
         default:
             return 0;
     }

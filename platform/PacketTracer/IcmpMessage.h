@@ -7,7 +7,8 @@
 //     ICMPv6 130 to 132                     a multicast group
 //     ICMPv6 134                            two timers
 //     ICMPv6 135, 136 and 137               the target; target and destination
-//     ICMPv6 139, 140                       a nonce
+//     ICMPv6 138; 139, 140; 149; 157, 158   the rest of a fixed header; a nonce; a component's
+//                                           number; a host's identifier and address
 // Any other type is taken to be complete with its header. Thread: the event thread.
 #pragma once
 

@@ -1,3 +1,5 @@
+#include "PacketTracer/ConstructPacket.h"
+
 #include <gtest/gtest.h>
 #include <stdlib.h>
 
@@ -11,7 +13,8 @@
 #include <string>
 #include <vector>
 
-#include "PacketTracer/ConstructPacket.h"
+#include "PacketTracer/PacketDefaults.h"
+#include "PacketTracer/PacketSize.h"
 #include "PacketTracer/SomeFields.h"
 
 // What tshark, which knows nothing of this code, says of the frames: it dissects every one of them
@@ -240,6 +243,74 @@ TEST_F(Dissected, AnyOtherEtherTypeBehindUpToTwoTags) {
         PacketFields fields = ethernet();
         fields.tags = tags;
         add("other" + nameOf(tags), fields, "data", "", 0x88b5);
+    }
+    expectThatTsharkAgrees();
+}
+
+TEST_F(Dissected, IcmpOfEveryTypeInUse) {
+    for (std::uint8_t const type : {3, 4, 5, 11, 12}) {
+        add("icmp " + std::to_string(type), icmp(ipv4(), type), "ip:icmp:ip:udp", "icmp");
+    }
+    for (std::uint8_t const type : {0, 8, 9, 10, 13, 14, 17, 18}) {
+        add("icmp " + std::to_string(type), icmp(ipv4(), type), "ip:icmp", "icmp");
+    }
+    for (std::uint8_t const type : {1, 2, 3, 4}) {
+        add("icmpv6 " + std::to_string(type), icmp(ipv6(), type), "ipv6:icmpv6:ipv6:udp", "icmpv6");
+    }
+    for (std::uint8_t type = 128; type <= 161; ++type) {
+        add("icmpv6 " + std::to_string(type), icmp(ipv6(), type), "ipv6:icmpv6", "icmpv6");
+    }
+    expectThatTsharkAgrees();
+}
+
+TEST_F(Dissected, FramesOfEveryLength) {
+    std::uint16_t port = 50000;
+    for (std::uint32_t const length : {42, 50, 59, 60, 61, 64, 100, 1514, 9236}) {
+        for (auto fields : {udp(ipv4()), tcp(ipv4()), udp(ipv6()), tcp(ipv6())}) {
+            fields.length = length;
+            fields.srcPort = fields.dstPort = ++port;
+            std::uint64_t const headers = headerSize(fields);
+            if (headers > length) {
+                continue;
+            }
+            std::string const transport = fields.protocol == IpProtocol::udp ? "udp" : "tcp";
+            add(transport + " " + std::to_string(length), fields,
+                (fields.ipDst->isV6() ? "ipv6:" : "ip:") + transport +
+                    (headers < length ? ":data" : ""),
+                transport);
+        }
+        PacketFields fields = arpRequest();
+        fields.length = length;
+        add("arp " + std::to_string(length), fields, "arp");
+    }
+    expectThatTsharkAgrees();
+}
+
+TEST_F(Dissected, UdpWhoseChecksumComesOutAsZero) {
+    for (auto fields : {udp(ipv4()), udp(ipv6())}) {
+        fields.srcPort = fields.dstPort = 50000;
+        fields.payload = Vanta::Bytes{0, 0};
+        auto const frame = constructFrame(fields, 0, noLimit);
+        std::size_t const checksum = fields.ipDst->isV6() ? 60 : 40;
+        fields.payload = Vanta::Bytes{frame.view()[checksum], frame.view()[checksum + 1]};
+        add("udp", fields, fields.ipDst->isV6() ? "ipv6:udp:data" : "ip:udp:data", "udp");
+    }
+    expectThatTsharkAgrees();
+}
+
+TEST_F(Dissected, DestinationsOfEveryKindCompletedByDefaults) {
+    for (auto const* destination :
+         {"10.0.0.1", "192.0.2.1", "224.0.0.5", "239.1.1.1", "255.255.255.255"}) {
+        PacketFields fields;
+        fields.ipDst = ip(destination);
+        fillDefaults(fields, 0);
+        add(destination, fields, "ip:udp", "udp");
+    }
+    for (auto const* destination : {"2001:db8:9::1", "fe80::1", "ff02::1", "ff05::2"}) {
+        PacketFields fields;
+        fields.ipDst = ip(destination);
+        fillDefaults(fields, 0);
+        add(destination, fields, "ipv6:udp", "udp");
     }
     expectThatTsharkAgrees();
 }

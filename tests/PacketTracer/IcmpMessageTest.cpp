@@ -130,7 +130,8 @@ INSTANTIATE_TEST_SUITE_P(
                     Demand{true, 4, 48}, Demand{true, 130, 16}, Demand{true, 131, 16},
                     Demand{true, 132, 16}, Demand{true, 134, 8}, Demand{true, 135, 16},
                     Demand{true, 136, 16}, Demand{true, 137, 32}, Demand{true, 139, 8},
-                    Demand{true, 140, 8}),
+                    Demand{true, 138, 8}, Demand{true, 140, 8}, Demand{true, 149, 4},
+                    Demand{true, 157, 24}, Demand{true, 158, 24}),
     [](auto const& test) {
         return std::string(test.param.isV6 ? "Icmpv6Type" : "IcmpType") +
                std::to_string(test.param.type);
