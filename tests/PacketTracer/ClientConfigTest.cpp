@@ -99,6 +99,29 @@ TEST_F(ClientConfigOfThree, RemovesByTheKeyOfTheEntryThatGoes) {
     EXPECT_EQ(changes.seen.at(0).key, id(3));
 }
 
+// Adds a request as soon as another goes, so that its place in memory is used again at once.
+struct Refill {
+    explicit Refill(ClientConfig& owner) : config(owner) {
+        subscriber.subscribe<&Refill::add>(config.publisher(), this);
+    }
+    void add(Vanta::Publisher const&, Vanta::Subscriber&, Vanta::AttributeNumber, Vanta::ValueRef,
+             Vanta::ValueRef) {
+        subscriber.unsubscribe();
+        config.requestIs(Request::RequestIs(id(9)));
+    }
+    ClientConfig& config;
+    Vanta::Subscriber subscriber;
+};
+
+TEST_F(ClientConfigOfThree, TellsTheIdThatWentEvenWhenItsPlaceIsUsedAgain) {
+    Refill refill(*config);
+    Changes changes(config->publisher());
+    config->requestDel(config->request().begin()->key);
+    ASSERT_EQ(changes.seen.size(), 2U);
+    EXPECT_EQ(changes.seen[0].key, id(9));  // the inner publication is delivered first
+    EXPECT_EQ(changes.seen[1].key, id(3));
+}
+
 TEST_F(ClientConfigOfThree, PublishesNothingWhenThereIsNothingToRemove) {
     Changes changes(config->publisher());
     EXPECT_EQ(config->requestDel(id(4)), nullptr);

@@ -66,6 +66,29 @@ TEST_F(Status, RemovesByTheResultsOwnId) {
     EXPECT_EQ(changes.seen.at(0).key, id(7));
 }
 
+// Adds a result as soon as another goes, so that its place in memory is used again at once.
+struct Refill {
+    explicit Refill(ClientStatus& owner) : status(owner) {
+        subscriber.subscribe<&Refill::add>(status.publisher(), this);
+    }
+    void add(Vanta::Publisher const&, Vanta::Subscriber&, Vanta::AttributeNumber, Vanta::ValueRef,
+             Vanta::ValueRef) {
+        subscriber.unsubscribe();
+        status.resultIs(id(9));
+    }
+    ClientStatus& status;
+    Vanta::Subscriber subscriber;
+};
+
+TEST_F(Status, TellsTheIdThatWentEvenWhenItsPlaceIsUsedAgain) {
+    status->resultIs(id(7));
+    Refill refill(*status);
+    Changes changes(status->publisher());
+    status->resultDel(status->result().begin()->key);
+    ASSERT_EQ(changes.seen.size(), 2U);
+    EXPECT_EQ(changes.seen[1].key, id(7));
+}
+
 TEST_F(Status, PublishesNothingWhenThereIsNothingToRemove) {
     Changes changes(status->publisher());
     EXPECT_EQ(status->resultDel(id(7)), nullptr);

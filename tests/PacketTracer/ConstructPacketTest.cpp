@@ -233,6 +233,18 @@ TEST(ConstructFrame, KeepsAZeroChecksumOfTcp) {
     EXPECT_EQ(Vanta::hexText(frame.view().subspan(50, 2)), "0000");
 }
 
+TEST(ConstructFrame, FoldsTheCarryOfTheChecksumsCarry) {
+    // One more than what makes the sum all ones carries once again when the carries are added.
+    PacketFields fields = udp(ipv4());
+    fields.payload = Vanta::Bytes{0, 0};
+    auto const before = constructFrame(fields, 0, noLimit);
+    ASSERT_NE(before.view()[41], 0xff);
+    fields.payload =
+        Vanta::Bytes{before.view()[40], static_cast<std::uint8_t>(before.view()[41] + 1)};
+    auto const frame = constructFrame(fields, 0, noLimit);
+    EXPECT_EQ(Vanta::hexText(frame.view().subspan(40, 2)), "fffe");
+}
+
 TEST(ConstructFrame, TakesTheLargestFrameAndNoneBeyond) {
     PacketFields fields = udp(ipv4());
     fields.length = 9236;

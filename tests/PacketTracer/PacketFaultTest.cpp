@@ -290,6 +290,8 @@ INSTANTIATE_TEST_SUITE_P(
                 "a payload and a length that disagree"},
         Refused{"BeyondAPaddedFrame", ofLength(withPayload(udp(ipv4()), 5), 61),
                 "a payload and a length that disagree"},
+        Refused{"SixtyWithinThePayload", ofLength(withPayload(udp(ipv4()), 19), 60),
+                "a payload and a length that disagree"},
         Refused{"BeyondAnIpv4Packet", ofLength(udp(ipv4()), 14 + 65536),
                 "longer than an IP packet can be"},
         Refused{"BeyondAnIpv6Packet", ofLength(udp(ipv6()), 14 + 40 + 65536),
