@@ -1,0 +1,58 @@
+// One more whole trace while answered requests stand, and what each of them occupies.
+#include <memory>
+
+#include "Grist/Grist.h"
+#include "bench/Cost.h"
+#include "bench/Host.h"
+
+namespace Bench {
+namespace {
+
+// The requests that stand stay for the next measurement with as many: making a million takes longer
+// than measuring with them.
+struct Standing {
+    explicit Standing(std::uint64_t requests) : count(requests) {
+        load.stand(warmUp);
+        auto const before = residentBytes();
+        load.stand(requests);
+        bytesEach = static_cast<double>(residentBytes() - before) / static_cast<double>(requests);
+        other.next();
+    }
+
+    // Makes what every process has once: threads' stacks, first slabs, first segments of tables.
+    static constexpr std::uint64_t warmUp = 512;
+
+    std::uint64_t count;
+    Host host;
+    Load load{host, 1, 64};
+    double bytesEach = 0;
+    Load other{host, 1, 1};
+};
+
+void standing(benchmark::State& state) {
+    static std::unique_ptr<Standing> made;
+    auto const requests = static_cast<std::uint64_t>(state.range(0));
+    traceIntoRing();
+    if (!made || made->count != requests) {
+        made.reset();
+        made = std::make_unique<Standing>(requests);
+    }
+    for (auto _ : state) {
+        made->other.next();
+    }
+    // Every id that the engine gives out belongs to this many of the older entries.
+    state.counters["matches"] = static_cast<double>(requests) / 65536;
+    if (requests >= 100'000) {
+        state.counters["bytes"] = made->bytesEach;
+    }
+}
+BENCHMARK(standing)
+    ->Name("trace/standing")
+    ->Arg(1)
+    ->Arg(1'000)
+    ->Arg(100'000)
+    ->Arg(1'000'000)
+    ->UseRealTime();
+
+}  // namespace
+}  // namespace Bench
