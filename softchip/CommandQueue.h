@@ -4,10 +4,10 @@
 // it was injected. Slots are used again, with the room they have for a packet's bytes, so a queue
 // that has seen its longest row of long packets does not allocate any more.
 //
-// The thread that waits looks for work a bounded number of times (some ten microseconds) before it
-// sleeps: the engine injects its next packet within that time when it is busy, and waking a thread
-// costs more than the packet. Where there is but one processor it sleeps at once. Asleep it takes
-// no processor time; only a push to a sleeping thread costs a system call.
+// The thread that waits looks for work a bounded number of times (some tens of microseconds) before
+// it sleeps: the engine injects its next packet within that time when it is busy, and waking a
+// thread costs more than the packet. Where there is but one processor it sleeps at once. Asleep it
+// takes no processor time; only a push to a sleeping thread costs a system call.
 //
 // Threads: waitAndTake(), take() and done() belong to the chip's thread, wake() and asleep() to
 // any, the rest to the event thread.
