@@ -10,6 +10,7 @@
 //   sdk disableAppId session=1 device=0 pipe=0 appId=4 -> 0
 #pragma once
 
+#include <functional>
 #include <string>
 #include <utility>
 #include <vector>
@@ -57,7 +58,15 @@ class Recorder final : public ScriptChip::Listener {
 
     void note(std::string line) { lines_.push_back(std::move(line)); }
 
-    void sdkCalled(ScriptChip::SdkCall const& call) override { note("sdk " + callText(call)); }
+    // What a test does inside a call of the chip, once the call is noted.
+    std::function<void(ScriptChip::SdkCall const&)> onSdkCall;
+
+    void sdkCalled(ScriptChip::SdkCall const& call) override {
+        note("sdk " + callText(call));
+        if (onSdkCall) {
+            onSdkCall(call);
+        }
+    }
     void phase0ConfigIs(Plexa::IntfId const& intf) override {
         note("phase0 configIs " + intf.stringValue());
     }

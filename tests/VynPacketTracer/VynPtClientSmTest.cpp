@@ -1,0 +1,728 @@
+#include "VynPacketTracer/VynPtClientSm.h"
+
+#include "VynPacketTracer/ClientFixture.h"
+
+namespace VynPacketTracer {
+namespace {
+
+// What an accepted request brings about.
+Lines accepted(std::uint32_t number) {
+    std::string const key = std::to_string(number);
+    return {"VynPtClientSm/7 handleRequest:client:noc reqId:" + key,
+            "VynPtClientSm/7 isValidRequest:client:noc reqId:" + key, "cfg add noc/" + key};
+}
+
+// What an accepted request brings about when it is handled again.
+Lines acceptedAgain(std::uint32_t number) {
+    Lines lines = accepted(number);
+    lines.pop_back();
+    return lines;
+}
+
+Lines operator+(Lines all, Lines const& more) {
+    all.insert(all.end(), more.begin(), more.end());
+    return all;
+}
+
+// ---- The beginning
+
+class PacketTracerClientSmTest : public ClientTest {};
+
+TEST_F(PacketTracerClientSmTest, RequestsThatAreThereAtTheBeginningAreHandledOnceAfterTheResults) {
+    request(1);
+    request(2);
+    clientStatus->resultIs(id("noc", 3));
+    EXPECT_EQ(after([&] { start(); }), (Lines{
+                                            "VynPtClientSm/7 handleInitialized:client noc",
+                                            "VynPtClientSm/7 handleResults:client noc #status:1",
+                                            "result del noc/3",
+                                            "VynPtClientSm/7 handleRequests:client noc #request:2",
+                                        } +
+                                        accepted(1) + accepted(2)));
+    EXPECT_TRUE(client->requestHas(id("noc", 1)));
+    EXPECT_TRUE(client->requestHas(id("noc", 2)));
+}
+
+TEST_F(PacketTracerClientSmTest, ReactorsAreThereBeforeTheFirstRequestIsHandled) {
+    request(1);
+    auto const held = clientConfig->request(id("noc", 1))->refCount();
+    std::uint32_t whileHandled = 0;
+    OnPublication const observer(pktGenConfig->publisher(), [&](auto, auto) {
+        whileHandled = clientConfig->request(id("noc", 1))->refCount();
+    });
+    start();
+    // handleRequest() holds the request, and so does its reactor.
+    EXPECT_EQ(whileHandled, held + 2);
+}
+
+TEST_F(PacketTracerClientSmTest, RequestsAreHandledInTheOrderInWhichTheyCame) {
+    request(3);
+    request(1);
+    request(2);
+    start();
+    EXPECT_EQ(happened("cfg"), (Lines{"cfg add noc/3", "cfg add noc/1", "cfg add noc/2"}));
+}
+
+TEST_F(PacketTracerClientSmTest, TheCreatorDoesTheSameAsTheFactory) {
+    auto const made = PacketTracerClientSm::PacketTracerClientSmIs(
+        "noc", clientConfig, clientStatus, pktGenConfig, systemStatus, fcsd, bridgingConfig,
+        chipStatus);
+    EXPECT_EQ(made->name(), "noc");
+    EXPECT_TRUE(made->hasNotificationActive());
+}
+
+TEST_F(PacketTracerClientSmTest, HoldsWhatItWasMadeOf) {
+    start();
+    EXPECT_EQ(client->name(), "noc");
+    EXPECT_EQ(client->clientConfig(), clientConfig);
+    EXPECT_EQ(client->clientStatus(), clientStatus);
+    EXPECT_EQ(client->pktGenConfig(), pktGenConfig);
+    EXPECT_EQ(client->systemStatus(), systemStatus);
+    EXPECT_EQ(client->fcsd(), fcsd);
+    EXPECT_EQ(client->bridgingConfig(), bridgingConfig);
+    EXPECT_EQ(client->chipStatus(), chipStatus);
+}
+
+TEST_F(PacketTracerClientSmTest, IsActiveAfterItsCreation) {
+    start();
+    EXPECT_TRUE(client->hasNotificationActive());
+    EXPECT_FALSE(client->isZombie());
+}
+
+TEST_F(PacketTracerClientSmTest, AConstructionThatFailsLeavesNoSubscriptionBehind) {
+    request(1);
+    job(1);  // of another packet
+    EXPECT_THROW(start(), Kel::ReinstantiationError);
+    EXPECT_EQ(after([&] { request(2); }), Lines{});
+}
+
+TEST_F(PacketTracerClientSmTest, AConstructionThatFailsReleasesWhatItWasGiven) {
+    request(1);
+    job(1);
+    EXPECT_THROW(start(), Kel::ReinstantiationError);
+    EXPECT_EQ(clientConfig->refCount(), 1u);
+    EXPECT_EQ(clientStatus->refCount(), 1u);
+    EXPECT_EQ(pktGenConfig->refCount(), 1u);
+    EXPECT_EQ(systemStatus->refCount(), 1u);
+    EXPECT_EQ(clientConfig->request(id("noc", 1))->refCount(), 2u);  // the configuration's, ours
+}
+
+// ---- Reactions to the configuration
+
+class ClientReactionTest : public ClientTest {
+  protected:
+    ClientReactionTest() { start(); }
+};
+
+TEST_F(ClientReactionTest, ARequestThatIsAddedIsHandledOnce) {
+    EXPECT_EQ(after([&] { request(1); }), accepted(1));
+    EXPECT_TRUE(client->requestHas(id("noc", 1)));
+}
+
+TEST_F(ClientReactionTest, ARequestThatIsAddedIsHandledBeforeItsReactorIsMade) {
+    bool reactor = true;
+    OnPublication const observer(pktGenConfig->publisher(),
+                                 [&](auto, auto) { reactor = client->requestHas(id("noc", 1)); });
+    request(1);
+    EXPECT_FALSE(reactor);
+}
+
+TEST_F(ClientReactionTest, ARequestThatIsWithdrawnLosesItsJobAndResultThenItsReactor) {
+    request(1);
+    clientStatus->resultIs(id("noc", 1));
+    bool reactor = false;
+    OnPublication const observer(pktGenConfig->publisher(),
+                                 [&](auto, auto) { reactor = client->requestHas(id("noc", 1)); });
+    EXPECT_EQ(after([&] { withdraw(1); }),
+              (Lines{"VynPtClientSm/7 handleRequest:client:noc reqId:1",
+                     "VynPtClientSm/7 handleRequest:del client:noc reqId:1", "cfg del noc/1",
+                     "result del noc/1"}));
+    EXPECT_TRUE(reactor);
+    EXPECT_FALSE(client->requestHas(id("noc", 1)));
+}
+
+TEST_F(ClientReactionTest, ARequestWhoseValidChangesIsHandledThroughItsReactor) {
+    auto const made = request(1, "Ethernet1", false);
+    EXPECT_EQ(after([&] { made->validIs(true); }), accepted(1));
+}
+
+TEST_F(ClientReactionTest, ARequestThatBecomesInvalidAgainIsHandledToo) {
+    auto const made = request(1);
+    EXPECT_EQ(after([&] { made->validIs(false); }),
+              (Lines{"VynPtClientSm/7 handleRequest:client:noc reqId:1",
+                     "VynPtClientSm/7 handleRequest:client:noc reqId:1 not valid yet"}));
+}
+
+TEST_F(ClientReactionTest, AnyOtherAttributeOfARequestDoesNothing) {
+    auto const made = request(1);
+    EXPECT_EQ(after([&] {
+                  made->etherTypeIs(0x8847);
+                  made->mplsIs(true);
+                  made->greIs(true);
+                  made->intfIs(intf("Ethernet2"));
+                  made->frameIs({});
+              }),
+              Lines{});
+}
+
+TEST_F(ClientReactionTest, ARequestThatIsReplacedIsHandledTwice) {
+    request(1);
+    EXPECT_EQ(after([&] { request(1); }), acceptedAgain(1) + acceptedAgain(1));
+}
+
+TEST_F(ClientReactionTest, ARequestThatIsReplacedIsWatchedInPlaceOfTheOldOne) {
+    auto const old = request(1);
+    auto const fresh = request(1);
+    EXPECT_EQ(after([&] { old->validIs(false); }), Lines{});
+    EXPECT_FALSE(after([&] { fresh->validIs(false); }).empty());
+}
+
+TEST_F(ClientReactionTest, ADescriptionOfTheConfigurationDoesNothing) {
+    EXPECT_EQ(after([&] { clientConfig->descriptionIs("the night shift"); }), Lines{});
+}
+
+TEST_F(ClientReactionTest, ARequestOfAnotherClientsNameIsHandledUnderItsOwnId) {
+    EXPECT_EQ(after([&] { clientConfig->requestIs(makeRequest("ops", 1, "Ethernet1")); }),
+              (Lines{"VynPtClientSm/7 handleRequest:client:ops reqId:1",
+                     "VynPtClientSm/7 isValidRequest:client:ops reqId:1", "cfg add ops/1"}));
+}
+
+TEST_F(ClientReactionTest, AClientNameThatLooksLikeAPlaceForAValueIsTracedAsItIs) {
+    clientConfig->requestIs(makeRequest("%s", 1, "Ethernet1", false));
+    EXPECT_EQ(happened("VynPtClientSm/7 handleRequest:client:%s reqId:1 not"),
+              (Lines{"VynPtClientSm/7 handleRequest:client:%s reqId:1 not valid yet"}));
+}
+
+TEST_F(ClientReactionTest, DestroyingTheStateMachineLeavesItsJobsAndResults) {
+    request(1);
+    clientStatus->resultIs(id("noc", 1));
+    EXPECT_EQ(after([&] { client = nullptr; }), Lines{});
+    EXPECT_TRUE(pktGenConfig->cfgHas(id("noc", 1)));
+    EXPECT_TRUE(result(1));
+}
+
+TEST_F(ClientReactionTest, ADestroyedStateMachineReactsToNothing) {
+    auto const made = request(1);
+    client = nullptr;
+    EXPECT_EQ(after([&] {
+                  made->validIs(false);
+                  request(2);
+                  withdraw(1);
+              }),
+              Lines{});
+}
+
+TEST_F(ClientReactionTest, ADestroyedStateMachineReleasesWhatItWasMadeOf) {
+    request(1);
+    client = nullptr;
+    EXPECT_EQ(clientConfig->refCount(), 1u);
+    EXPECT_EQ(clientStatus->refCount(), 1u);
+    EXPECT_EQ(pktGenConfig->refCount(), 1u);
+    EXPECT_EQ(systemStatus->refCount(), 1u);
+    EXPECT_EQ(fcsd->refCount(), 1u);
+    EXPECT_EQ(bridgingConfig->refCount(), 1u);
+    EXPECT_EQ(chipStatus->refCount(), 1u);
+    EXPECT_EQ(clientConfig->request(id("noc", 1))->refCount(), 2u);
+}
+
+TEST_F(ClientReactionTest, TheLastHolderOfTheJobsTakesThemAlong) {
+    request(1);
+    pktGenConfig = nullptr;
+    EXPECT_EQ(after([&] { client = nullptr; }), (Lines{"cfg del noc/1"}));
+}
+
+// ---- Switching off and on, and tearing down
+
+TEST_F(ClientReactionTest, SwitchedOffItReactsToNothing) {
+    auto const made = request(1);
+    client->hasNotificationActiveIs(false);
+    EXPECT_FALSE(client->hasNotificationActive());
+    EXPECT_EQ(after([&] {
+                  request(2);
+                  made->validIs(false);
+              }),
+              Lines{});
+    EXPECT_FALSE(client->requestHas(id("noc", 2)));
+}
+
+TEST_F(ClientReactionTest, SwitchedOnAgainItReactsOnceToEachChange) {
+    auto const made = request(1);
+    client->hasNotificationActiveIs(false);
+    client->hasNotificationActiveIs(true);
+    EXPECT_EQ(after([&] { request(2); }), accepted(2));
+    EXPECT_EQ(after([&] { made->validIs(false); }).size(), 2u);
+}
+
+TEST_F(ClientReactionTest, SwitchedOnTwiceItReactsOnceToEachChange) {
+    client->hasNotificationActiveIs(true);
+    EXPECT_EQ(after([&] { request(1); }), accepted(1));
+}
+
+TEST_F(ClientReactionTest, AReactorThatIsMadeWhileSwitchedOffFollows) {
+    client->hasNotificationActiveIs(false);
+    auto const made = makeRequest("noc", 1, "Ethernet1", false);
+    client->requestIs(made);
+    EXPECT_FALSE(client->request(id("noc", 1))->hasNotificationActive());
+    EXPECT_EQ(after([&] { made->validIs(true); }), Lines{});
+}
+
+TEST_F(ClientReactionTest, TornDownItHandlesNothing) {
+    auto const made = request(1);
+    client->kelDoZombieReactors(true);
+    EXPECT_TRUE(client->isZombie());
+    EXPECT_TRUE(client->request(id("noc", 1))->isZombie());
+    EXPECT_EQ(after([&] {
+                  request(2);
+                  made->validIs(false);
+                  withdraw(1);
+              }),
+              Lines{});
+}
+
+TEST_F(ClientReactionTest, TornDownItStillKeepsItsReactorsInStep) {
+    request(1);
+    client->kelDoZombieReactors(true);
+    request(2);
+    withdraw(1);
+    EXPECT_FALSE(client->requestHas(id("noc", 1)));
+    ASSERT_TRUE(client->requestHas(id("noc", 2)));
+    EXPECT_TRUE(client->request(id("noc", 2))->isZombie());
+}
+
+TEST_F(ClientReactionTest, NotTornDownAnyMoreItHandlesAgain) {
+    auto const made = request(1);
+    client->kelDoZombieReactors(true);
+    client->kelDoZombieReactors(false);
+    EXPECT_FALSE(client->request(id("noc", 1))->isZombie());
+    EXPECT_EQ(after([&] { made->validIs(false); }).size(), 2u);
+    EXPECT_EQ(after([&] { request(2); }), accepted(2));
+}
+
+// ---- The reactors
+
+class RequestReactorTest : public ClientReactionTest {};
+
+TEST_F(RequestReactorTest, ANullRequestIsRefusedAndChangesNothing) {
+    request(1);
+    try {
+        client->requestIs(nullptr);
+        FAIL() << "nothing was raised";
+    } catch (Kel::NullArgumentError const& error) {
+        EXPECT_EQ(error.typeName(), "PacketTracerClientSm");
+        EXPECT_EQ(error.attribute(), "request");
+    }
+    EXPECT_TRUE(client->requestHas(id("noc", 1)));
+}
+
+TEST_F(RequestReactorTest, ANewReactorDoesNotReact) {
+    EXPECT_EQ(after([&] { client->requestIs(makeRequest("noc", 1, "Ethernet1")); }), Lines{});
+    EXPECT_TRUE(client->request(id("noc", 1))->registered());
+    EXPECT_TRUE(client->request(id("noc", 1))->hasNotificationActive());
+}
+
+TEST_F(RequestReactorTest, TheSameRequestAgainDoesNotReact) {
+    auto const made = request(1);
+    EXPECT_EQ(after([&] { client->requestIs(made); }), Lines{});
+}
+
+TEST_F(RequestReactorTest, AnotherRequestOfTheSameIdIsHandledAtOnce) {
+    request(1);
+    EXPECT_EQ(after([&] { client->requestIs(makeRequest("noc", 1, "Ethernet1")); }),
+              acceptedAgain(1));
+}
+
+TEST_F(RequestReactorTest, ATornDownReactorWatchesAnotherRequestWithoutReacting) {
+    request(1);
+    client->kelDoZombieReactors(true);
+    auto const other = makeRequest("noc", 1, "Ethernet1");
+    EXPECT_EQ(after([&] { client->requestIs(other); }), Lines{});
+    EXPECT_EQ(client->request(id("noc", 1))->notifier(), other);
+}
+
+TEST_F(RequestReactorTest, IsKeyedByItsRequestsId) {
+    request(1);
+    EXPECT_EQ(client->request(id("noc", 1))->key(), id("noc", 1));
+    EXPECT_EQ(client->request(id("noc", 2)), nullptr);
+}
+
+TEST_F(RequestReactorTest, RequestDelSilencesAndRemovesIt) {
+    auto const made = request(1);
+    auto const reactor = client->request(id("noc", 1));
+    client->requestDel(id("noc", 1));
+    EXPECT_FALSE(reactor->hasNotificationActive());
+    EXPECT_TRUE(reactor->isZombie());
+    EXPECT_FALSE(client->requestHas(id("noc", 1)));
+    EXPECT_EQ(after([&] { made->validIs(false); }), Lines{});
+}
+
+TEST_F(RequestReactorTest, RequestDelOfAnAbsentIdIsIgnored) {
+    EXPECT_EQ(after([&] { client->requestDel(id("noc", 1)); }), Lines{});
+}
+
+TEST_F(RequestReactorTest, RequestDelMayBeGivenTheReactorsOwnKey) {
+    request(1);
+    client->requestDel(client->request(id("noc", 1))->notifier()->id());
+    EXPECT_FALSE(client->requestHas(id("noc", 1)));
+}
+
+TEST_F(RequestReactorTest, RequestDelAllRemovesEachOne) {
+    request(1);
+    request(2);
+    client->requestDelAll();
+    EXPECT_FALSE(client->requestHas(id("noc", 1)));
+    EXPECT_FALSE(client->requestHas(id("noc", 2)));
+}
+
+TEST_F(RequestReactorTest, WithoutItsOwnerItDoesNothing) {
+    auto const made = request(1);
+    auto const reactor = client->request(id("noc", 1));
+    client = nullptr;
+    EXPECT_EQ(after([&] {
+                  reactor->kel_handleRequest_valid();
+                  made->validIs(false);
+              }),
+              Lines{});
+}
+
+TEST_F(RequestReactorTest, RemovedItDoesNothingWhenItsOwnerHasGone) {
+    request(1);
+    auto const reactor = client->request(id("noc", 1));
+    withdraw(1);
+    client = nullptr;
+    EXPECT_EQ(after([&] { reactor->kel_handleRequest_valid(); }), Lines{});
+}
+
+TEST_F(RequestReactorTest, WithoutARequestItHandlesTheEmptyId) {
+    auto const reactor = Vanta::makeNode<NestedSm_Request>(nullptr, client.get());
+    EXPECT_EQ(reactor->key(), PacketTracer::RequestId());
+    EXPECT_EQ(after([&] { reactor->kel_handleRequest_valid(); }),
+              (Lines{"VynPtClientSm/7 handleRequest:client: reqId:0",
+                     "VynPtClientSm/7 handleRequest:del client: reqId:0"}));
+}
+
+TEST_F(RequestReactorTest, PointedAtNoRequestItDoesNotReact) {
+    request(1);
+    auto const reactor = client->request(id("noc", 1));
+    EXPECT_EQ(after([&] { reactor->notifierIs(nullptr); }), Lines{});
+    EXPECT_TRUE(reactor->registered());
+}
+
+TEST_F(RequestReactorTest, IsRegisteredOnceItWatchesAnotherRequest) {
+    auto const reactor = Vanta::makeNode<NestedSm_Request>(nullptr, client.get());
+    EXPECT_FALSE(reactor->registered());
+    EXPECT_EQ(after([&] { reactor->notifierIs(makeRequest("noc", 9, "Ethernet1")); }).size(), 2u);
+    EXPECT_TRUE(reactor->registered());
+}
+
+// ---- Releasing the client from inside a notification
+
+class ClientReleaseTest : public ClientReactionTest {
+  protected:
+    // Releases the client at the first publication.
+    OnPublication releaseAt(Vanta::Publisher const& publisher) {
+        return OnPublication(publisher, [this](auto, auto) { client = nullptr; });
+    }
+};
+
+TEST_F(ClientReleaseTest, MayHappenWhileARequestIsAccepted) {
+    auto const observer = releaseAt(pktGenConfig->publisher());
+    EXPECT_EQ(after([&] { request(1); }), accepted(1));
+    EXPECT_EQ(clientConfig->refCount(), 1u);
+}
+
+TEST_F(ClientReleaseTest, MayHappenWhileARequestIsRefused) {
+    auto const observer = releaseAt(clientStatus->publisher());
+    request(1, "Ethernet9");
+    EXPECT_EQ(happened("result"),
+              (Lines{"result add noc/1", "result state noc/1 3", "result valid noc/1 true"}));
+    EXPECT_EQ(clientStatus->refCount(), 1u);
+}
+
+TEST_F(ClientReleaseTest, MayHappenWhileARequestIsWithdrawn) {
+    request(1);
+    auto const observer = releaseAt(pktGenConfig->publisher());
+    withdraw(1);
+    EXPECT_EQ(clientConfig->refCount(), 1u);
+}
+
+TEST_F(ClientReleaseTest, MayHappenInTheReactionToValid) {
+    auto const made = request(1, "Ethernet1", false);
+    auto const observer = releaseAt(pktGenConfig->publisher());
+    EXPECT_EQ(after([&] { made->validIs(true); }), accepted(1));
+    EXPECT_EQ(clientConfig->refCount(), 1u);
+}
+
+TEST_F(ClientReleaseTest, MayHappenWhileARequestIsReplaced) {
+    request(1);
+    pktGenConfig->cfgDel(id("noc", 1));
+    auto const observer = releaseAt(pktGenConfig->publisher());
+    request(1);
+    EXPECT_EQ(clientConfig->refCount(), 1u);
+}
+
+TEST_F(ClientReleaseTest, ARequestWithdrawnWhileItIsAcceptedLeavesNothing) {
+    OnPublication const observer(pktGenConfig->publisher(), [&](auto, auto) { withdraw(1); });
+    request(1);
+    EXPECT_FALSE(pktGenConfig->cfgHas(id("noc", 1)));
+    EXPECT_FALSE(client->requestHas(id("noc", 1)));
+}
+
+// ---- Validation
+
+class IsValidRequestTest : public ClientReactionTest {
+  protected:
+    Lines validated(bool expected) {
+        return after([&] { EXPECT_EQ(client->isValidRequest(made), expected); });
+    }
+    Lines const valid{"VynPtClientSm/7 isValidRequest:client:noc reqId:1"};
+    Lines const mpls{"VynPtClientSm/7 isValidRequest:client:noc reqId:1",
+                     "VynPtClientSm/9 isValidRequest:MPLS request cannot be fulfilled"};
+    Lines const gre{"VynPtClientSm/7 isValidRequest:client:noc reqId:1",
+                    "VynPtClientSm/9 isValidRequest:Vyn doesn't support GRE packets"};
+    Vanta::Ptr<PacketTracer::Request> made = makeRequest("noc", 1, "Ethernet1");
+};
+
+TEST_F(IsValidRequestTest, AcceptsAPlainRequest) {
+    EXPECT_EQ(validated(true), valid);
+}
+
+TEST_F(IsValidRequestTest, RefusesEtherTypes8847And8848AsMpls) {
+    made->etherTypeIs(0x8847);
+    EXPECT_EQ(validated(false), mpls);
+    made->etherTypeIs(0x8848);
+    EXPECT_EQ(validated(false), mpls);
+}
+
+TEST_F(IsValidRequestTest, AcceptsEtherTypes8846And8849) {
+    made->etherTypeIs(0x8846);
+    EXPECT_EQ(validated(true), valid);
+    made->etherTypeIs(0x8849);
+    EXPECT_EQ(validated(true), valid);
+}
+
+TEST_F(IsValidRequestTest, RefusesTheMplsFlag) {
+    made->mplsIs(true);
+    EXPECT_EQ(validated(false), mpls);
+}
+
+TEST_F(IsValidRequestTest, RefusesTheGreFlag) {
+    made->greIs(true);
+    EXPECT_EQ(validated(false), gre);
+}
+
+TEST_F(IsValidRequestTest, ReportsMplsAloneOfARequestThatIsBoth) {
+    made->mplsIs(true);
+    made->greIs(true);
+    EXPECT_EQ(validated(false), mpls);
+}
+
+TEST_F(IsValidRequestTest, LooksAtNothingElse) {
+    made->intfIs(Plexa::IntfId());
+    made->frameIs({});
+    EXPECT_EQ(validated(true), valid);
+}
+
+// ---- handleRequest
+
+class HandleRequestTest : public ClientReactionTest {
+  protected:
+    // Writes request 1 after a change of the plain one.
+    template <class Change>
+    Lines handled(Change const& change) {
+        auto const made = makeRequest("noc", 1, "Ethernet1");
+        change(*made);
+        return after([&] { clientConfig->requestIs(made); });
+    }
+    Lines const refused{"result add noc/1", "result state noc/1 2", "result valid noc/1 true"};
+    Lines const unknown{"result add noc/1", "result state noc/1 3", "result valid noc/1 true"};
+};
+
+TEST_F(HandleRequestTest, AnAcceptedRequestBecomesAJob) {
+    request(1);
+    auto const made = pktGenConfig->cfg(id("noc", 1));
+    ASSERT_TRUE(made);
+    EXPECT_EQ(Vanta::hexText(made->pkt().view()), requestPacket);
+    EXPECT_TRUE(made->ingPortInfo().isEq({0, VynPortTypes::PortIndex(4)}));
+    EXPECT_EQ(made->ingIntf(), intf("Ethernet1"));
+    EXPECT_FALSE(result(1));
+}
+
+TEST_F(HandleRequestTest, ARefusedRequestGetsState2AndNoJob) {
+    EXPECT_EQ(handled([](auto& made) { made.mplsIs(true); }),
+              (Lines{"VynPtClientSm/7 handleRequest:client:noc reqId:1",
+                     "VynPtClientSm/7 isValidRequest:client:noc reqId:1",
+                     "VynPtClientSm/9 isValidRequest:MPLS request cannot be fulfilled",
+                     "VynPtClientSm/7 handleRequest:client:noc reqId:1 is not a valid request"} +
+               refused));
+    EXPECT_FALSE(pktGenConfig->cfgHas(id("noc", 1)));
+    EXPECT_TRUE(result(1)->egressIntf().empty());
+}
+
+TEST_F(HandleRequestTest, AGreRequestGetsState2) {
+    EXPECT_EQ(beginning("result", handled([](auto& made) { made.greIs(true); })), refused);
+}
+
+TEST_F(HandleRequestTest, AnUnknownIngressInterfaceGetsState3) {
+    EXPECT_EQ(handled([](auto& made) { made.intfIs(intf("Ethernet9")); }),
+              (Lines{"VynPtClientSm/7 handleRequest:client:noc reqId:1",
+                     "VynPtClientSm/7 isValidRequest:client:noc reqId:1",
+                     "VynPtClientSm/9 handleRequest:Invalid interface:Ethernet9"} +
+               unknown));
+    EXPECT_FALSE(pktGenConfig->cfgHas(id("noc", 1)));
+}
+
+TEST_F(HandleRequestTest, AnUnknownIngressInterfaceIsFoundBeforeThePacketIsBuilt) {
+    EXPECT_EQ(beginning("VynPtClientSm/9", handled([](auto& made) {
+                            made.intfIs(intf("Ethernet9"));
+                            made.frameIs({});
+                        })),
+              (Lines{"VynPtClientSm/9 handleRequest:Invalid interface:Ethernet9"}));
+    EXPECT_EQ(result(1)->state(), PacketTracer::State::noEgress);
+}
+
+TEST_F(HandleRequestTest, TheEmptyInterfacePrintsAsNothing) {
+    EXPECT_EQ(
+        beginning("VynPtClientSm/9", handled([](auto& made) { made.intfIs(Plexa::IntfId()); })),
+        (Lines{"VynPtClientSm/9 handleRequest:Invalid interface:"}));
+}
+
+TEST_F(HandleRequestTest, TheIngressPortIsThatOfTheInterfaceItselfAlone) {
+    lag("Lag1");
+    lagMember("Ethernet1", "Lag1");
+    vlan(10, {"Ethernet1"});
+    cpuPort("Ethernet1");
+    std::uint32_t number = 0;
+    for (std::string_view const name : {"Ethernet1.100", "Lag1", "Vlan10", "Cpu"}) {
+        request(++number, name);
+        EXPECT_EQ(result(number)->state(), PacketTracer::State::noEgress) << name;
+    }
+    EXPECT_TRUE(pktGenConfig->cfg().empty());
+}
+
+TEST_F(HandleRequestTest, APacketThatCannotBeBuiltGetsState2) {
+    EXPECT_EQ(handled([](auto& made) { made.frameIs({}); }),
+              (Lines{"VynPtClientSm/7 handleRequest:client:noc reqId:1",
+                     "VynPtClientSm/7 isValidRequest:client:noc reqId:1",
+                     "VynPtClientSm/9 handleRequest:Unable to construct packet from the request"} +
+               refused));
+    EXPECT_FALSE(pktGenConfig->cfgHas(id("noc", 1)));
+}
+
+TEST_F(HandleRequestTest, APacketOf9236BytesIsTheLongest) {
+    handled([](auto& made) { made.frameIs(std::vector<std::uint8_t>(9236)); });
+    EXPECT_TRUE(pktGenConfig->cfgHas(id("noc", 1)));
+}
+
+TEST_F(HandleRequestTest, APacketOf9237BytesCannotBeBuilt) {
+    EXPECT_EQ(beginning("result",
+                        handled([](auto& made) { made.frameIs(std::vector<std::uint8_t>(9237)); })),
+              refused);
+}
+
+TEST_F(HandleRequestTest, ARequestThatIsNotValidYetChangesNothing) {
+    job(1);
+    clientStatus->resultIs(id("noc", 1))->stateIs(PacketTracer::State::egressFound);
+    EXPECT_EQ(handled([](auto& made) {
+                  made.validIs(false);
+                  made.mplsIs(true);
+              }),
+              (Lines{"VynPtClientSm/7 handleRequest:client:noc reqId:1",
+                     "VynPtClientSm/7 handleRequest:client:noc reqId:1 not valid yet"}));
+    EXPECT_TRUE(pktGenConfig->cfgHas(id("noc", 1)));
+    EXPECT_EQ(result(1)->state(), PacketTracer::State::egressFound);
+    EXPECT_FALSE(result(1)->valid());
+}
+
+TEST_F(HandleRequestTest, WithdrawingRemovesJobAndResult) {
+    request(1);
+    clientStatus->resultIs(id("noc", 1));
+    recorder.take();
+    withdraw(1);
+    EXPECT_EQ(happened().back(), "result del noc/1");
+    EXPECT_FALSE(pktGenConfig->cfgHas(id("noc", 1)));
+    EXPECT_FALSE(result(1));
+}
+
+TEST_F(HandleRequestTest, WithdrawingWithoutJobAndResultIsTheSameSteps) {
+    request(1, "Ethernet1", false);
+    EXPECT_EQ(after([&] { withdraw(1); }),
+              (Lines{"VynPtClientSm/7 handleRequest:client:noc reqId:1",
+                     "VynPtClientSm/7 handleRequest:del client:noc reqId:1"}));
+}
+
+TEST_F(HandleRequestTest, ARequestThatNeverWasIsTreatedAsWithdrawn) {
+    EXPECT_EQ(after([&] { client->handleRequest(id("noc", 77)); }),
+              (Lines{"VynPtClientSm/7 handleRequest:client:noc reqId:77",
+                     "VynPtClientSm/7 handleRequest:del client:noc reqId:77"}));
+}
+
+TEST_F(HandleRequestTest, ASecondTimeWithEqualContentsKeepsTheJobAndPublishesNothing) {
+    request(1);
+    auto const made = pktGenConfig->cfg(id("noc", 1));
+    EXPECT_EQ(after([&] { client->handleRequest(id("noc", 1)); }), acceptedAgain(1));
+    EXPECT_EQ(pktGenConfig->cfg(id("noc", 1)), made);
+}
+
+TEST_F(HandleRequestTest, ASecondTimeWithAnotherPacketRaisesTheReinstantiationError) {
+    request(1)->frameIs({1, 2, 3});
+    EXPECT_THROW(client->handleRequest(id("noc", 1)), Kel::ReinstantiationError);
+}
+
+TEST_F(HandleRequestTest, ASecondTimeOnAnotherPortRaisesTheReinstantiatingValueError) {
+    request(1);
+    port("Ethernet1", 1, 4);
+    EXPECT_THROW(client->handleRequest(id("noc", 1)), Kel::ReinstantiatingValueError);
+}
+
+TEST_F(HandleRequestTest, AnotherPacketInsideADispatcherEndsTheProcess) {
+    auto const made = request(1);
+    made->frameIs({1, 2, 3});
+    made->validIs(false);
+    expectEnd([&] { made->validIs(true); }, acceptedAgain(1), "ReinstantiationError",
+              "PktGenCfgData::pkt cannot change from " + std::string(requestPacket) + " to 010203");
+}
+
+TEST_F(HandleRequestTest, ARefusalKeepsTheJobOfAnEarlierVersion) {
+    request(1);
+    EXPECT_EQ(beginning("result", handled([](auto& made) { made.mplsIs(true); })), refused);
+    EXPECT_TRUE(pktGenConfig->cfgHas(id("noc", 1)));
+}
+
+TEST_F(HandleRequestTest, AnUnknownInterfaceKeepsTheJobOfAnEarlierVersion) {
+    request(1);
+    EXPECT_EQ(beginning("result", handled([](auto& made) { made.intfIs(intf("Ethernet9")); })),
+              unknown);
+    EXPECT_TRUE(pktGenConfig->cfgHas(id("noc", 1)));
+}
+
+TEST_F(HandleRequestTest, AcceptanceKeepsTheResultOfAnEarlierVersion) {
+    handled([](auto& made) { made.mplsIs(true); });
+    recorder.take();
+    request(1);
+    EXPECT_EQ(happened("result"), Lines{});
+    EXPECT_EQ(result(1)->state(), PacketTracer::State::notTraceable);
+    EXPECT_TRUE(pktGenConfig->cfgHas(id("noc", 1)));
+}
+
+TEST_F(HandleRequestTest, ARefusalUsesTheResultThatIsThere) {
+    clientStatus->resultIs(id("noc", 1));
+    EXPECT_EQ(beginning("result", handled([](auto& made) { made.greIs(true); })),
+              (Lines{"result state noc/1 2", "result valid noc/1 true"}));
+}
+
+// ---- Reflection
+
+TEST_F(PacketTracerClientSmTest, NumbersItsAttributesFrom130) {
+    start();
+    std::string text(client->typeInfo().name);
+    for (auto const& attribute : client->typeInfo().attributes) {
+        text += " " + std::to_string(attribute.number) + ":" + std::string(attribute.name);
+    }
+    EXPECT_EQ(text,
+              "PacketTracerClientSm 130:name 131:clientConfig 132:clientStatus 133:pktGenConfig "
+              "134:systemStatus 135:fcsd 136:bridgingConfig 137:chipStatus 138:request "
+              "0:initialized");
+}
+
+}  // namespace
+}  // namespace VynPacketTracer
