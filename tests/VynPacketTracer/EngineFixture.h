@@ -9,11 +9,6 @@ inline std::string engineTrace(unsigned level, std::string const& text) {
     return "VynPtPktGenSm/" + std::to_string(level) + " " + text;
 }
 
-inline Lines operator+(Lines all, Lines const& more) {
-    all.insert(all.end(), more.begin(), more.end());
-    return all;
-}
-
 class EngineTest : public Switch {
   protected:
     using State = VynPacketTracer::PktGenState;

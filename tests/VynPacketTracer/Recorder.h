@@ -23,6 +23,11 @@
 
 using Lines = std::vector<std::string>;
 
+inline Lines operator+(Lines all, Lines const& more) {
+    all.insert(all.end(), more.begin(), more.end());
+    return all;
+}
+
 // The lines that begin so.
 inline Lines beginning(std::string_view with, Lines const& lines) {
     Lines found;

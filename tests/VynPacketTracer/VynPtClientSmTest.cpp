@@ -19,11 +19,6 @@ Lines acceptedAgain(std::uint32_t number) {
     return lines;
 }
 
-Lines operator+(Lines all, Lines const& more) {
-    all.insert(all.end(), more.begin(), more.end());
-    return all;
-}
-
 // ---- The beginning
 
 class PacketTracerClientSmTest : public ClientTest {};

@@ -385,10 +385,8 @@ TEST_F(EngineTaskTest, AResetThatFailsIsAnError) {
 TEST_F(EngineTaskTest, AnErrorDeletesTheAnswerAndSwitchesTheGeneratorOff) {
     toWaitPktSent();
     withdraw(1);
-    EXPECT_EQ(turned(),
-              worked +
-                  Lines{engineTrace(7, "processError:clientName:noc reqId:1"), "status del noc/1"} +
-                  disabled);
+    Lines const cleaned{engineTrace(7, "processError:clientName:noc reqId:1"), "status del noc/1"};
+    EXPECT_EQ(turned(), worked + cleaned + disabled);
     EXPECT_EQ(engine->state(), State::idle);
 }
 
@@ -507,17 +505,23 @@ TEST_F(EngineTaskTest, WithdrawingAJobBeforeTheFirstOneIsInWorkIsNoError) {
     EXPECT_TRUE(isScheduled());
 }
 
-TEST_F(EngineTaskTest, WithdrawingTheJobInWorkIsAnErrorInEveryState) {
-    for (auto const reach : {&EngineTaskTest::toWaitPhase0Data, &EngineTaskTest::toPhase0DataReady,
-                             &EngineTaskTest::toWaitPktSent, &EngineTaskTest::toReset}) {
-        counter(0);
-        (this->*reach)();
-        withdraw(1);
-        EXPECT_EQ(engine->state(), State::error);
-        turn(2);
-        EXPECT_EQ(engine->state(), State::idle);
-        chip.phase0Data()->answerDel(intf("Ethernet1"));
-    }
+TEST_F(EngineTaskTest, WithdrawnWhileItWaitsForPhase0DataTheJobIsAnError) {
+    toWaitPhase0Data();
+    withdraw(1);
+    EXPECT_EQ(engine->state(), State::error);
+}
+
+TEST_F(EngineTaskTest, WithdrawnBeforeItIsSentTheJobIsAnErrorAndNotSent) {
+    toPhase0DataReady();
+    withdraw(1);
+    EXPECT_EQ(engine->state(), State::error);
+    EXPECT_EQ(beginning("sdk", turned()), disabled);
+}
+
+TEST_F(EngineTaskTest, WithdrawnBeforeTheGeneratorIsOffTheJobIsAnError) {
+    toReset();
+    withdraw(1);
+    EXPECT_EQ(engine->state(), State::error);
 }
 
 TEST_F(EngineTaskTest, AJobThatIsWithdrawnAndMadeAnewInErrorIsServedAgain) {
@@ -630,7 +634,7 @@ TEST_F(EngineEndTest, LetsTheAnswersGoBeforeTheJobs) {
     config = nullptr;
     status = nullptr;
     EXPECT_EQ(after([&] { engine = nullptr; }),
-              deregistered + Lines{"status del noc/1", "cfg del noc/1"});
+              (deregistered + Lines{"status del noc/1", "cfg del noc/1"}));
 }
 
 TEST_F(EngineEndTest, ReleasesWhatItWasMadeOf) {
