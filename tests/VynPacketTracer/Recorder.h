@@ -46,14 +46,8 @@ inline std::string keyText(PacketTracer::RequestId const& id) {
 // Hears everything while it lives; there is one at a time.
 class Recorder final : public ScriptChip::Listener {
   public:
-    Recorder() {
-        Vanta::tapIs(published, this);
-        Trace::tapIs(traced, this);
-    }
-    ~Recorder() {
-        Vanta::tapIs(nullptr, nullptr);
-        Trace::tapIs(nullptr, nullptr);
-    }
+    Recorder() { hearsIs(true); }
+    ~Recorder() { hearsIs(false); }
     Recorder(Recorder const&) = delete;
     Recorder& operator=(Recorder const&) = delete;
 
@@ -61,13 +55,26 @@ class Recorder final : public ScriptChip::Listener {
     Lines take() { return std::exchange(lines_, {}); }
     Lines const& lines() const noexcept { return lines_; }
 
-    void note(std::string line) { lines_.push_back(std::move(line)); }
+    void note(std::string line) {
+        if (hears_) {
+            lines_.push_back(std::move(line));
+        }
+    }
+    // Deaf, nothing is put into lines: for tests that repeat something very often.
+    void hearsIs(bool on) {
+        hears_ = on;
+        Vanta::tapIs(on ? published : nullptr, this);
+        Trace::tapIs(on ? traced : nullptr, this);
+    }
 
-    // What a test does inside a call of the chip, once the call is noted.
+    // What a test does inside a call of the chip or a trace statement, once it is noted.
     std::function<void(ScriptChip::SdkCall const&)> onSdkCall;
+    std::function<void()> onTrace;
 
     void sdkCalled(ScriptChip::SdkCall const& call) override {
-        note("sdk " + callText(call));
+        if (hears_) {
+            note("sdk " + callText(call));
+        }
         if (onSdkCall) {
             onSdkCall(call);
         }
@@ -85,8 +92,11 @@ class Recorder final : public ScriptChip::Listener {
     using StatusData = VynPacketTracer::PktGenStatusData;
 
     static void traced(void* self, std::string_view handle, unsigned level, std::string_view text) {
-        static_cast<Recorder*>(self)->note(std::string(handle) + "/" + std::to_string(level) + " " +
-                                           std::string(text));
+        auto& recorder = *static_cast<Recorder*>(self);
+        recorder.note(std::string(handle) + "/" + std::to_string(level) + " " + std::string(text));
+        if (recorder.onTrace) {
+            recorder.onTrace();
+        }
     }
 
     static void published(void* self, Vanta::Publisher const& publisher,
@@ -192,5 +202,6 @@ class Recorder final : public ScriptChip::Listener {
                                                          : line;
     }
 
+    bool hears_ = false;
     Lines lines_;
 };

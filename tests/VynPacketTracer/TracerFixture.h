@@ -1,0 +1,76 @@
+// A whole tracer: directories with clients, the root, the engine, the scripted chip.
+#pragma once
+
+#include "VynPacketTracer/Fixture.h"
+#include "VynPacketTracer/VynPtSm.h"
+
+class TracerTest : public Switch {
+  protected:
+    TracerTest() {
+        port("Ethernet1", 0, 4);
+        egressPort(132, "Ethernet2");
+    }
+
+    // A root that nobody keeps.
+    Vanta::Ptr<VynPacketTracer::PacketTracerSm> made(bool pktTracerSupported = true,
+                                                     bool pktGenSupported = true) {
+        return VynPacketTracer::packetTracerSmFactory(
+            config, status, chip.phase0Data(), pktGenSupported, pktTracerSupported, 1,
+            chip.device(), chip.learnQuanta(), chip.digestLayout(), loop, systemStatus, fcsd,
+            bridgingConfig, chipStatus);
+    }
+    // The tracer begins. Its engine has slept since its first run.
+    void start(bool pktTracerSupported = true) {
+        tracer = made(pktTracerSupported);
+        turn();
+        recorder.take();
+    }
+
+    // ---- The directories
+
+    Vanta::Ptr<PacketTracer::ClientConfig> clientConfig(std::string_view name) {
+        auto const entity = PacketTracer::ClientConfig::ClientConfigIs();
+        config->entryIs(name, entity);
+        return entity;
+    }
+    Vanta::Ptr<PacketTracer::ClientStatus> clientStatus(std::string_view name) {
+        auto const entity = PacketTracer::ClientStatus::ClientStatusIs();
+        status->entryIs(name, entity);
+        return entity;
+    }
+    void client(std::string_view name) {
+        clientConfig(name);
+        clientStatus(name);
+    }
+    Vanta::Ptr<PacketTracer::ClientConfig> configOf(std::string_view name) const {
+        return config->entity<PacketTracer::ClientConfig>(name);
+    }
+    Vanta::Ptr<PacketTracer::ClientStatus> statusOf(std::string_view name) const {
+        return status->entity<PacketTracer::ClientStatus>(name);
+    }
+    Vanta::Ptr<VynPacketTracer::PacketTracerClientSm> clientSm(std::string_view name) const {
+        return tracer->clientSm(name);
+    }
+
+    // ---- Requests of the client "noc"
+
+    Vanta::Ptr<PacketTracer::Request> request(std::uint32_t number,
+                                              std::string_view ingress = "Ethernet1") {
+        auto const made = makeRequest("noc", number, ingress);
+        configOf("noc")->requestIs(made);
+        return made;
+    }
+    void withdraw(std::uint32_t number) { configOf("noc")->requestDel(id("noc", number)); }
+    // An answer of the engine, as the engine makes it.
+    Vanta::Ptr<VynPacketTracer::PktGenStatusData> answer(std::uint32_t number,
+                                                         std::string_view name = "noc") {
+        return tracer->pktGenStatus()->statusIs(id(name, number));
+    }
+    Vanta::Ptr<PacketTracer::Result> result(std::uint32_t number) const {
+        return statusOf("noc")->result(id("noc", number));
+    }
+
+    Vanta::Ptr<Kel::Dir> config = Kel::Dir::DirIs();
+    Vanta::Ptr<Kel::Dir> status = Kel::Dir::DirIs();
+    Vanta::Ptr<VynPacketTracer::PacketTracerSm> tracer;
+};

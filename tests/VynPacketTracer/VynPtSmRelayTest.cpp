@@ -1,0 +1,481 @@
+#include "VynPacketTracer/TracerFixture.h"
+#include "VynPacketTracer/VynPtSm.h"
+
+namespace VynPacketTracer {
+namespace {
+
+std::string relayed(std::string const& key, bool del = false) {
+    auto const slash = key.find('/');
+    return "VynPtSm/7 handlePktGenStatus:client:" + key.substr(0, slash) +
+           " reqId:" + key.substr(slash + 1) + (del ? " del:true" : " del:false");
+}
+std::string updated(std::string const& number, bool ready) {
+    return "VynPtClientSm/7 updateResult:client:noc reqId:" + number +
+           (ready ? " ready:true" : " ready:false");
+}
+
+class RelayTest : public TracerTest {
+  protected:
+    RelayTest() {
+        start();
+        client("noc");
+        recorder.take();
+    }
+    bool isWatched(std::uint32_t number) const { return tracer->localStatusHas(id("noc", number)); }
+};
+
+// ---- Answers come, become ready, and go
+
+TEST_F(RelayTest, AnAnswerThatIsMadeIsRelayedNotReadyAndWatched) {
+    EXPECT_EQ(after([&] { answer(1); }),
+              (Lines{"status add noc/1", relayed("noc/1"), updated("1", false)}));
+    EXPECT_TRUE(isWatched(1));
+    EXPECT_FALSE(result(1));
+}
+
+TEST_F(RelayTest, AnAnswerThatBecomesReadyIsRelayedOnceMore) {
+    answer(1);
+    EXPECT_EQ(
+        after([&] { answer(1)->readyIs(true); }),
+        (Lines{"status ready noc/1 true", relayed("noc/1"), updated("1", true), "result add noc/1",
+               "VynPtClientSm/9 updateResult:client:noc reqId:1 invalid portIndex:456",
+               "result state noc/1 3", "result valid noc/1 true"}));
+}
+
+TEST_F(RelayTest, AnAnswerThatIsReadyAlreadyIsNotRelayedAgain) {
+    answer(1)->readyIs(true);
+    EXPECT_EQ(after([&] { answer(1)->readyIs(true); }), Lines{});
+}
+
+TEST_F(RelayTest, NoOtherAttributeIsRelayed) {
+    auto const made = answer(1);
+    recorder.take();
+    made->pktIdIs(7);
+    made->egrPortInfoIs({1, VynPortTypes::PortIndex(132)});
+    made->egrL2DomainIs(10);
+    made->copyToCpuIs(true);
+    made->routedIs(true);
+    made->droppedIs(true);
+    EXPECT_EQ(happened("VynPt"), Lines{});
+}
+
+TEST_F(RelayTest, AnAnswerThatGoesIsTracedAndNotWatchedAnyMore) {
+    auto const made = answer(1);
+    EXPECT_EQ(after([&] { tracer->pktGenStatus()->statusDel(id("noc", 1)); }),
+              (Lines{"status del noc/1", relayed("noc/1", true)}));
+    EXPECT_FALSE(isWatched(1));
+    EXPECT_EQ(after([&] { made->readyIs(true); }), (Lines{"status ready noc/1 true"}));
+}
+
+TEST_F(RelayTest, AnAnswerIsRelayedBeforeItIsWatched) {
+    bool watched = true;
+    recorder.onTrace = [&] { watched = isWatched(1); };
+    answer(1);
+    EXPECT_FALSE(watched);
+    EXPECT_TRUE(isWatched(1));
+}
+
+TEST_F(RelayTest, AnAnswerThatGoesIsTracedBeforeItsWatcherGoes) {
+    answer(1);
+    bool watched = false;
+    recorder.onTrace = [&] { watched = isWatched(1); };
+    tracer->pktGenStatus()->statusDel(id("noc", 1));
+    EXPECT_TRUE(watched);
+    EXPECT_FALSE(isWatched(1));
+}
+
+TEST_F(RelayTest, AnAnswerForAnUnknownClientIsOnlyTraced) {
+    EXPECT_EQ(after([&] { answer(1, "ops"); }),
+              (Lines{"status add ops/1", relayed("ops/1"),
+                     "VynPtSm/9 handlePktGenStatus:Couldn't find ClientSm for:ops"}));
+    EXPECT_TRUE(tracer->localStatusHas(id("ops", 1)));
+}
+
+TEST_F(RelayTest, AnAnswerForAnUnknownClientThatGoesIsTracedAsGoneAlone) {
+    answer(1, "ops");
+    EXPECT_EQ(after([&] { tracer->pktGenStatus()->statusDel(id("ops", 1)); }),
+              (Lines{"status del ops/1", relayed("ops/1", true)}));
+}
+
+TEST_F(RelayTest, AnAnswerIsRelayedToAClientThatCameMeanwhile) {
+    auto const made = answer(1, "ops");
+    client("ops");
+    EXPECT_EQ(beginning("VynPtClientSm/7", after([&] { made->readyIs(true); })),
+              (Lines{"VynPtClientSm/7 updateResult:client:ops reqId:1 ready:true"}));
+    EXPECT_TRUE(statusOf("ops")->result(id("ops", 1)));
+}
+
+TEST_F(RelayTest, AnAnswerOfARemovedClientIsDropped) {
+    auto const made = answer(1);
+    config->entryDel("noc");
+    EXPECT_EQ(after([&] { made->readyIs(true); }),
+              (Lines{"status ready noc/1 true", relayed("noc/1"),
+                     "VynPtSm/9 handlePktGenStatus:Couldn't find ClientSm for:noc"}));
+}
+
+TEST_F(RelayTest, AnAnswerIsRelayedToItsOwnClientAlone) {
+    client("ops");
+    EXPECT_EQ(beginning("VynPtClientSm", after([&] { answer(1); })), (Lines{updated("1", false)}));
+}
+
+TEST_F(RelayTest, ARangeErrorOfTheResultEndsTheProcess) {
+    request(1);
+    auto const made = answer(1);
+    made->egrL2DomainIs(4095);
+    expectEnd([&] { made->readyIs(true); },
+              {"status ready noc/1 true", relayed("noc/1"), updated("1", true), "result add noc/1",
+               "VynPtClientSm/7 pktFlooded:client:noc reqId:1 flooded:4095 ingIntf:Ethernet1 "
+               "routed:false"},
+              "RangeError", "Bridging::VlanId::value < 1 or > 4094 not allowed");
+}
+
+TEST_F(RelayTest, ARangeErrorOfARoutedPacketEndsTheProcess) {
+    request(1);
+    auto const made = answer(1);
+    made->egrPortInfoIs({1, VynPortTypes::PortIndex(132)});
+    made->routedIs(true);
+    expectEnd([&] { made->readyIs(true); },
+              {"status ready noc/1 true", relayed("noc/1"), updated("1", true), "result add noc/1",
+               "VynPtClientSm/7 updatePortInfoResult:client:noc reqId:1 intfId:Ethernet2",
+               "VynPtClientSm/7 updatePortInfoResult:physical egress intf:Ethernet2",
+               "result egressIntf noc/1 (Ethernet2,)",
+               "VynPtClientSm/7 updateResult:portId:132 intfId:Ethernet2"},
+              "RangeError", "Bridging::VlanId::value < 1 or > 4094 not allowed");
+}
+
+// ---- The watchers
+
+class WatcherTest : public RelayTest {
+  protected:
+    static Vanta::Ptr<PktGenStatusData const> loose(std::uint32_t number) {
+        return pktGenStatusDataFactory(id("noc", number));
+    }
+    static Vanta::Ptr<NestedSm_LocalStatus> watcherOf(
+        Vanta::Ptr<PktGenStatusData const> const& entry, PacketTracerSm* owner) {
+        return Vanta::makeNode<NestedSm_LocalStatus>(entry, owner);
+    }
+};
+
+TEST_F(WatcherTest, WithoutAnEntryIsRefused) {
+    try {
+        tracer->localStatusIs(nullptr);
+        FAIL() << "nothing was raised";
+    } catch (Kel::NullArgumentError const& error) {
+        EXPECT_EQ(error.typeName(), "PacketTracerSm");
+        EXPECT_EQ(error.attribute(), "localStatus");
+    }
+}
+
+TEST_F(WatcherTest, IsMadeWithoutReacting) {
+    auto const entry = loose(1);
+    EXPECT_EQ(after([&] { tracer->localStatusIs(entry); }), Lines{});
+    auto const watcher = tracer->localStatus(id("noc", 1));
+    EXPECT_EQ(watcher->notifier(), entry);
+    EXPECT_TRUE(watcher->registered());
+    EXPECT_TRUE(watcher->hasNotificationActive());
+    EXPECT_FALSE(watcher->isZombie());
+}
+
+TEST_F(WatcherTest, OfTheSameEntryIsLeftAlone) {
+    auto const made = answer(1);
+    auto const watcher = tracer->localStatus(id("noc", 1));
+    EXPECT_EQ(after([&] { tracer->localStatusIs(made); }), Lines{});
+    EXPECT_EQ(tracer->localStatus(id("noc", 1)), watcher);
+}
+
+TEST_F(WatcherTest, OfAnotherEntryIsPointedAtItAndReactsAtOnce) {
+    answer(1);
+    auto const watcher = tracer->localStatus(id("noc", 1));
+    auto const other = loose(1);
+    EXPECT_EQ(after([&] { tracer->localStatusIs(other); }),
+              (Lines{relayed("noc/1"), updated("1", false)}));
+    EXPECT_EQ(tracer->localStatus(id("noc", 1)), watcher);
+    EXPECT_EQ(watcher->notifier(), other);
+}
+
+TEST_F(WatcherTest, TornDownIsPointedAtAnotherEntryWithoutReacting) {
+    answer(1);
+    tracer->kelDoZombieReactors(true);
+    auto const other = loose(1);
+    EXPECT_EQ(after([&] { tracer->localStatusIs(other); }), Lines{});
+    EXPECT_EQ(tracer->localStatus(id("noc", 1))->notifier(), other);
+}
+
+TEST_F(WatcherTest, IsSilencedAndRemovedByLocalStatusDel) {
+    auto const made = answer(1);
+    auto const watcher = tracer->localStatus(id("noc", 1));
+    EXPECT_EQ(tracer->localStatusDel(id("noc", 1)), made);
+    EXPECT_FALSE(isWatched(1));
+    EXPECT_TRUE(watcher->isZombie());
+    EXPECT_FALSE(watcher->hasNotificationActive());
+    EXPECT_EQ(after([&] { watcher->kel_handleLocalStatus_ready(); }), Lines{});
+}
+
+TEST_F(WatcherTest, ThatIsAbsentIsNullToLocalStatusDel) {
+    EXPECT_EQ(tracer->localStatusDel(id("noc", 1)), nullptr);
+    EXPECT_EQ(tracer->localStatus(id("noc", 1)), nullptr);
+}
+
+TEST_F(WatcherTest, OfEveryKeyGoesByLocalStatusDelAll) {
+    answer(1);
+    answer(2);
+    tracer->localStatusDelAll();
+    EXPECT_FALSE(isWatched(1));
+    EXPECT_FALSE(isWatched(2));
+}
+
+TEST_F(WatcherTest, WithoutAnEntryRelaysTheEmptyId) {
+    auto const watcher = watcherOf(nullptr, tracer.get());
+    EXPECT_EQ(after([&] { watcher->kel_handleLocalStatus_ready(); }),
+              (Lines{"VynPtSm/7 handlePktGenStatus:client: reqId:0 del:true"}));
+}
+
+TEST_F(WatcherTest, WithoutAnOwnerDoesNothing) {
+    auto const watcher = watcherOf(loose(1), nullptr);
+    EXPECT_EQ(after([&] { watcher->kel_handleLocalStatus_ready(); }), Lines{});
+}
+
+TEST_F(WatcherTest, TakesANodeOfAnotherTypeForNone) {
+    answer(1);
+    auto const watcher = tracer->localStatus(id("noc", 1));
+    EXPECT_EQ(after([&] { watcher->notifierIs(tracer->pktGenCfg()); }), Lines{});
+    EXPECT_EQ(watcher->notifier(), nullptr);
+}
+
+TEST_F(WatcherTest, IsRegisteredOnceItIsPointedAtAnotherEntry) {
+    auto const watcher = watcherOf(nullptr, tracer.get());
+    EXPECT_FALSE(watcher->registered());
+    EXPECT_EQ(after([&] { watcher->notifierIs(loose(1)); }), (Lines{relayed("noc/1", true)}));
+    EXPECT_TRUE(watcher->registered());
+}
+
+TEST_F(WatcherTest, PointedAtTheEntryThatItWatchesDoesNothing) {
+    auto const entry = loose(1);
+    auto const watcher = watcherOf(entry, tracer.get());
+    EXPECT_EQ(after([&] { watcher->notifierIs(entry); }), Lines{});
+    EXPECT_FALSE(watcher->registered());
+}
+
+TEST_F(WatcherTest, TornDownWithAnEntryIsSwitchedOff) {
+    answer(1);
+    auto const watcher = tracer->localStatus(id("noc", 1));
+    watcher->kelDoZombieReactors(true);
+    EXPECT_FALSE(watcher->hasNotificationActive());
+    watcher->kelDoZombieReactors(false);
+    EXPECT_TRUE(watcher->hasNotificationActive());
+}
+
+TEST_F(WatcherTest, TornDownWithoutAnEntryKeepsTheFlagAndIsNotSwitched) {
+    auto const watcher = watcherOf(nullptr, tracer.get());
+    watcher->hasNotificationActiveIs(true);
+    watcher->kelDoZombieReactors(true);
+    EXPECT_TRUE(watcher->isZombie());
+    EXPECT_TRUE(watcher->hasNotificationActive());
+}
+
+TEST_F(WatcherTest, TornDownIgnoresReady) {
+    auto const made = answer(1);
+    auto const watcher = tracer->localStatus(id("noc", 1));
+    watcher->kelDoZombieReactors(true);
+    watcher->hasNotificationActiveIs(true);
+    EXPECT_EQ(after([&] { made->readyIs(true); }), (Lines{"status ready noc/1 true"}));
+}
+
+// ---- The collection of answers
+
+TEST_F(RelayTest, TheAnswersAreKeptByPktGenStatusIs) {
+    auto const answers = tracer->pktGenStatus();
+    EXPECT_EQ(tracer->pktGenStatusIs(), answers);
+}
+
+TEST_F(RelayTest, TheAnswersGoWithTheirWatchersByPktGenStatusDel) {
+    auto const made = answer(1);
+    auto const answers = tracer->pktGenStatus();
+    EXPECT_EQ(after([&] { EXPECT_EQ(tracer->pktGenStatusDel(), answers); }), Lines{});
+    EXPECT_EQ(tracer->pktGenStatus(), nullptr);
+    EXPECT_FALSE(isWatched(1));
+    EXPECT_EQ(after([&] {
+                  made->readyIs(true);
+                  answers->statusIs(id("noc", 2));
+              }),
+              (Lines{"status ready noc/1 true", "status add noc/2"}));
+}
+
+TEST_F(RelayTest, WithoutAnswersARelayFindsNone) {
+    tracer->pktGenStatusDel();
+    EXPECT_EQ(after([&] { tracer->handlePktGenStatus(id("noc", 1)); }),
+              (Lines{relayed("noc/1", true)}));
+}
+
+TEST_F(RelayTest, AnswersThatAreMadeAnewAreRelayed) {
+    tracer->pktGenStatusDel();
+    auto const answers = tracer->pktGenStatusIs();
+    EXPECT_EQ(after([&] { answers->statusIs(id("noc", 1)); }),
+              (Lines{"status add noc/1", relayed("noc/1"), updated("1", false)}));
+}
+
+TEST_F(RelayTest, WatchersWithoutAnAnswerGoWhenTheAnswersAreMadeAnew) {
+    auto const answers = tracer->pktGenStatusDel();
+    tracer->localStatusIs(answers->statusIs(id("noc", 1)));
+    tracer->pktGenStatusIs();
+    EXPECT_FALSE(isWatched(1));
+}
+
+TEST_F(RelayTest, AnAnswerThatIsDeletedInItsOwnRelayIsNotWatched) {
+    request(1);
+    OnPublication const observer(statusOf("noc")->publisher(), [&](auto, auto) { withdraw(1); });
+    answer(1)->readyIs(true);
+    EXPECT_FALSE(isWatched(1));
+    EXPECT_FALSE(tracer->pktGenStatus()->statusHas(id("noc", 1)));
+}
+
+// ---- From end to end
+
+TEST_F(TracerTest, TheFirstRequestFromArrivalToWithdrawal) {
+    EXPECT_EQ(
+        after([&] { tracer = made(); }),
+        (Lines{
+            "VynPtSm/7 handleInitialized:pktTracerSupported:true pktGenSupportedtrue",
+            "VynPtPktGenSm/7 handleInitialized:", "VynPtPktGenSm/9 initSocket:PktGenSm initSocket",
+            "VynPtPktGenSm/9 registerPktTracerDigest:",
+            "sdk pipe_mgr_lrn_digest_notification_register session=1 device=0 handle=77 -> 0",
+            "VynPtPktGenSm/4 registerPktTracerDigest:pktTracerDigest registered",
+            "VynPtPktGenSm/7 doWork:", "VynPtPktGenSm/4 doWork:PktGen task not running",
+            "VynPtSm/7 handleClients:"}));
+    EXPECT_EQ(after([&] { clientConfig("noc"); }), (Lines{"VynPtSm/7 handleClient:client noc"}));
+    EXPECT_EQ(
+        after([&] { clientStatus("noc"); }),
+        (Lines{"VynPtSm/7 handleClient:client noc", "VynPtClientSm/7 handleInitialized:client noc",
+               "VynPtClientSm/7 handleResults:client noc #status:0",
+               "VynPtClientSm/7 handleRequests:client noc #request:0"}));
+    EXPECT_EQ(after([&] { request(1); }),
+              (Lines{"VynPtClientSm/7 handleRequest:client:noc reqId:1",
+                     "VynPtClientSm/7 isValidRequest:client:noc reqId:1", "cfg add noc/1",
+                     "VynPtPktGenSm/7 handleConfig:clientName:noc reqId:1 add:true"}));
+    EXPECT_EQ(after([&] { turn(); }),
+              (Lines{"VynPtPktGenSm/7 doWork:", "VynPtPktGenSm/7 processRequest:",
+                     "VynPtPktGenSm/7 getPhase0Data:clientName:noc reqId:1",
+                     "phase0 configDel Ethernet1", "phase0 configIs Ethernet1"}));
+    EXPECT_EQ(tracer->pktGenSm()->state(), PktGenState::waitPhase0Data);
+    EXPECT_EQ(after([&] {
+                  phase0("Ethernet1", {4, 0});
+              }),
+              (Lines{"VynPtPktGenSm/7 processPhase0DataResponse:clientName:noc reqId:1 "
+                     "intfId:Ethernet1"}));
+    EXPECT_EQ(tracer->pktGenSm()->state(), PktGenState::phase0DataReady);
+    EXPECT_EQ(
+        after([&] { turn(); }),
+        (Lines{"VynPtPktGenSm/7 doWork:", "VynPtPktGenSm/7 sendPkt:clientName:noc reqId:1",
+               "sdk getPktCounters session=1 device=0 pipe=0 appId=4 -> 0 count=0",
+               "VynPtPktGenSm/7 sendPkt:pktCnt:0",
+               "sdk genOnePkt session=1 device=0 pipe=0 genPort=68 portIndex=4 appId=4 "
+               "pkt=ffffffffffff0200000000010800 phase0=0400 pktId=1 -> 0",
+               "status add noc/1", "VynPtSm/7 handlePktGenStatus:client:noc reqId:1 del:false",
+               "VynPtClientSm/7 updateResult:client:noc reqId:1 ready:false",
+               "status pktId noc/1 1", "phase0 configDel Ethernet1",
+               "VynPtPktGenSm/7 checkPktCnt:clientName:noc reqId:1",
+               "sdk getPktCounters session=1 device=0 pipe=0 appId=4 -> 0 count=0",
+               "VynPtPktGenSm/9 checkPktCnt:Waiting on Sent pkt for clientName:noc reqId:1 "
+               "cnt:0"}));
+    EXPECT_EQ(tracer->pktGenSm()->state(), PktGenState::waitPktSent);
+    counter(1);
+    EXPECT_EQ(after([&] { digest({{.pktId = 1, .l2Domain = 10, .egrPort = 132}}); }),
+              (Lines{"VynPtPktGenSm/5 rcvPktTracerLearningDigest:Received pkt tracer digest with "
+                     "#entries:1",
+                     "VynPtPktGenSm/5 rcvPktTracerLearningDigest:Digest size:9",
+                     "sdk pipe_mgr_flow_lrn_notify_ack session=1 handle=77 -> 0"}));
+    EXPECT_EQ(
+        after([&] { turn(); }),
+        (Lines{"VynPtPktGenSm/7 processPktTracerDigest:Processing pktTracer learning digest with 1 "
+               "entries",
+               "VynPtPktGenSm/7 processPktTracerDigest:PktId:1",
+               "VynPtPktGenSm/7 processPktTracerDigest:clientName:noc reqId:1 egrPort:132 "
+               "copyToCpu:false l2Domain:10 routed:false dropped:false",
+               "status egrL2Domain noc/1 10",
+               "status egrPortInfo noc/1 1/132",
+               "status ready noc/1 true",
+               "VynPtSm/7 handlePktGenStatus:client:noc reqId:1 del:false",
+               "VynPtClientSm/7 updateResult:client:noc reqId:1 ready:true",
+               "result add noc/1",
+               "VynPtClientSm/7 updatePortInfoResult:client:noc reqId:1 intfId:Ethernet2",
+               "VynPtClientSm/7 updatePortInfoResult:physical egress intf:Ethernet2",
+               "result egressIntf noc/1 (Ethernet2,)",
+               "VynPtClientSm/7 updateResult:portId:132 intfId:Ethernet2",
+               "result state noc/1 4",
+               "result valid noc/1 true",
+               "VynPtPktGenSm/7 doWork:",
+               "VynPtPktGenSm/7 checkPktCnt:clientName:noc reqId:1",
+               "sdk getPktCounters session=1 device=0 pipe=0 appId=4 -> 0 count=1",
+               "VynPtPktGenSm/9 checkPktCnt:Sent pkt for clientName:noc reqId:1 cnt:1 curCnt:0",
+               "sdk disableAppId session=1 device=0 pipe=0 appId=4 -> 0",
+               "sdk disablePktGen session=1 device=0 pipe=0 genPort=68 -> 0",
+               "VynPtPktGenSm/7 processRequest:"}));
+    EXPECT_EQ(tracer->pktGenSm()->state(), PktGenState::idle);
+    EXPECT_EQ(
+        after([&] { withdraw(1); }),
+        (Lines{"VynPtClientSm/7 handleRequest:client:noc reqId:1",
+               "VynPtClientSm/7 handleRequest:del client:noc reqId:1", "cfg del noc/1",
+               "VynPtPktGenSm/7 handleConfig:clientName:noc reqId:1 add:false", "status del noc/1",
+               "VynPtSm/7 handlePktGenStatus:client:noc reqId:1 del:true", "result del noc/1"}));
+    EXPECT_EQ(
+        after([&] { tracer = nullptr; }),
+        (Lines{"sdk pipe_mgr_lrn_digest_notification_deregister session=1 device=0 handle=77 -> 0",
+               "VynPtPktGenSm/4 deRegisterPktTracerDigest:pktTracerDigest deregistered:0"}));
+}
+
+TEST_F(TracerTest, WithoutTraceSupportARequestEndsAsAFloodInNoVlan) {
+    start(false);
+    client("noc");
+    request(1);
+    turn();
+    phase0("Ethernet1");
+    turn();
+    counter(1);
+    recorder.take();
+    turn();
+    EXPECT_EQ(happened("result"),
+              (Lines{"result add noc/1", "result state noc/1 3", "result valid noc/1 true"}));
+}
+
+TEST_F(TracerTest, ARequestWithdrawnInFlightLeavesNothing) {
+    start();
+    client("noc");
+    request(1);
+    turn();
+    phase0("Ethernet1");
+    turn();
+    withdraw(1);
+    EXPECT_TRUE(tracer->pktGenStatus()->statusHas(id("noc", 1)));
+    turn();
+    EXPECT_FALSE(tracer->pktGenStatus()->statusHas(id("noc", 1)));
+    EXPECT_FALSE(result(1));
+    EXPECT_FALSE(tracer->localStatusHas(id("noc", 1)));
+}
+
+TEST_F(TracerTest, ADigestThatComesAfterTheWithdrawalIsAnsweredAsWithoutAJob) {
+    start();
+    client("noc");
+    request(1);
+    turn();
+    phase0("Ethernet1");
+    turn();
+    withdraw(1);
+    recorder.take();
+    digest({{.pktId = 1, .egrPort = 132}});
+    turn();
+    EXPECT_EQ(happened("VynPtClientSm/9"),
+              (Lines{"VynPtClientSm/9 updateResult:client:noc reqId:1 invalid portIndex:132"}));
+}
+
+TEST_F(TracerTest, RequestsOfTwoClientsAreServedInTheOrderInWhichTheyCame) {
+    start();
+    client("noc");
+    client("ops");
+    configOf("ops")->requestIs(makeRequest("ops", 1, "Ethernet1"));
+    request(1);
+    turn();
+    EXPECT_EQ(tracer->pktGenSm()->curCfg()->req(), id("ops", 1));
+}
+
+}  // namespace
+}  // namespace VynPacketTracer
