@@ -41,6 +41,11 @@ class Switch : public testing::Test {
     using SdkFunction = ScriptChip::SdkFunction;
 
     Switch() { loop->yieldAfterIs(Orb::TaskSchedulerRoot::neverYield); }
+    void TearDown() override {
+        // What a test does inside calls is over when the tracer goes.
+        recorder.onSdkCall = nullptr;
+        recorder.onTrace = nullptr;
+    }
 
     // ---- The forwarding state
 
