@@ -58,11 +58,15 @@ class Allocator {
 
     T* allocate(std::size_t n) {
         static_assert(alignof(T) <= alignof(std::max_align_t));
-        return static_cast<T*>(Grist::allocate(n * sizeof(T)));
+        return static_cast<T*>(Grist::allocate(n * elementSize));
     }
-    void deallocate(T* block, std::size_t n) noexcept { Grist::deallocate(block, n * sizeof(T)); }
+    void deallocate(T* block, std::size_t n) noexcept { Grist::deallocate(block, n * elementSize); }
 
     friend bool operator==(Allocator, Allocator) noexcept { return true; }
+
+  private:
+    // Elements may be pointers, and then a pointer's size is what is meant.
+    static constexpr std::size_t elementSize = sizeof(T);  // NOLINT(bugprone-sizeof-expression)
 };
 
 }  // namespace Grist
