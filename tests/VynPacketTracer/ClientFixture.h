@@ -4,6 +4,20 @@
 #include "VynPacketTracer/Fixture.h"
 #include "VynPacketTracer/VynPtClientSm.h"
 
+// What an accepted request brings about.
+inline Lines accepted(std::uint32_t number) {
+    std::string const key = std::to_string(number);
+    return {"VynPtClientSm/7 handleRequest:client:noc reqId:" + key,
+            "VynPtClientSm/7 isValidRequest:client:noc reqId:" + key, "cfg add noc/" + key};
+}
+
+// What an accepted request brings about when it is handled again.
+inline Lines acceptedAgain(std::uint32_t number) {
+    Lines lines = accepted(number);
+    lines.pop_back();
+    return lines;
+}
+
 // What the pipeline says of a packet; by default it was flooded in no VLAN.
 struct Outcome {
     std::uint16_t port = VynPortTypes::PortIndex::invalid;
@@ -73,4 +87,10 @@ class ClientTest : public Switch {
         PacketTracer::ClientStatus::ClientStatusIs();
     Vanta::Ptr<VynPacketTracer::PktGenConfig> pktGenConfig = VynPacketTracer::pktGenConfigFactory();
     Vanta::Ptr<VynPacketTracer::PacketTracerClientSm> client;
+};
+
+// A client that has begun without requests.
+class RunningClientTest : public ClientTest {
+  protected:
+    RunningClientTest() { start(); }
 };

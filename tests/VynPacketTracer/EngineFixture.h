@@ -9,6 +9,29 @@ inline std::string engineTrace(unsigned level, std::string const& text) {
     return "VynPtPktGenSm/" + std::to_string(level) + " " + text;
 }
 
+// What the task and the reactors bring about, step by step.
+inline Lines const worked{engineTrace(7, "doWork:")};
+inline Lines const looked{engineTrace(7, "doWork:"), engineTrace(7, "processRequest:")};
+inline Lines const disabled{"sdk disableAppId session=1 device=0 pipe=0 appId=4 -> 0",
+                            "sdk disablePktGen session=1 device=0 pipe=0 genPort=68 -> 0"};
+
+// Asks for the phase-0 data of a job.
+inline Lines asked(std::uint32_t number, std::string const& ingress = "Ethernet1") {
+    return {engineTrace(7, "getPhase0Data:clientName:noc reqId:" + std::to_string(number)),
+            "phase0 configDel " + ingress, "phase0 configIs " + ingress};
+}
+
+inline Lines addHandled(std::uint32_t number) {
+    std::string const key = std::to_string(number);
+    return {"cfg add noc/" + key,
+            engineTrace(7, "handleConfig:clientName:noc reqId:" + key + " add:true")};
+}
+inline Lines delHandled(std::uint32_t number) {
+    std::string const key = std::to_string(number);
+    return {"cfg del noc/" + key,
+            engineTrace(7, "handleConfig:clientName:noc reqId:" + key + " add:false")};
+}
+
 class EngineTest : public Switch {
   protected:
     using State = VynPacketTracer::PktGenState;
@@ -79,4 +102,10 @@ class EngineTest : public Switch {
     Vanta::Ptr<VynPacketTracer::PktGenConfig> config = VynPacketTracer::pktGenConfigFactory();
     Vanta::Ptr<VynPacketTracer::PktGenStatus> status = VynPacketTracer::pktGenStatusFactory();
     Vanta::Ptr<VynPacketTracer::PktGenSm> engine;
+};
+
+// An engine that has not run yet.
+class AwakeEngineTest : public EngineTest {
+  protected:
+    AwakeEngineTest() { startAwake(); }
 };

@@ -34,6 +34,11 @@ inline PacketTracer::RequestId id(std::string_view client, std::uint32_t number)
     return {client, number};
 }
 
+// What an engine with trace support brings about when it goes.
+inline Lines const deregistered{
+    "sdk pipe_mgr_lrn_digest_notification_deregister session=1 device=0 handle=77 -> 0",
+    "VynPtPktGenSm/4 deRegisterPktTracerDigest:pktTracerDigest deregistered:0"};
+
 // The chip, the loop and the switch. Fixtures with a tracer or a part of it derive from it, so that
 // the chip goes last.
 class Switch : public testing::Test {

@@ -4,6 +4,17 @@
 #include "VynPacketTracer/Fixture.h"
 #include "VynPacketTracer/VynPtSm.h"
 
+inline std::string handled(std::string const& name) {
+    return "VynPtSm/7 handleClient:client " + name;
+}
+
+// What a client without requests brings about when its state machine is made.
+inline Lines begun(std::string const& name) {
+    return {handled(name), "VynPtClientSm/7 handleInitialized:client " + name,
+            "VynPtClientSm/7 handleResults:client " + name + " #status:0",
+            "VynPtClientSm/7 handleRequests:client " + name + " #request:0"};
+}
+
 class TracerTest : public Switch {
   protected:
     TracerTest() {
@@ -73,4 +84,10 @@ class TracerTest : public Switch {
     Vanta::Ptr<Kel::Dir> config = Kel::Dir::DirIs();
     Vanta::Ptr<Kel::Dir> status = Kel::Dir::DirIs();
     Vanta::Ptr<VynPacketTracer::PacketTracerSm> tracer;
+};
+
+// A tracer without clients.
+class RunningTracerTest : public TracerTest {
+  protected:
+    RunningTracerTest() { start(); }
 };

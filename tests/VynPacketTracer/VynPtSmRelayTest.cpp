@@ -281,6 +281,14 @@ TEST_F(WatcherTest, TornDownIgnoresReady) {
     EXPECT_EQ(after([&] { made->readyIs(true); }), (Lines{"status ready noc/1 true"}));
 }
 
+TEST_F(WatcherTest, KeepsItsOwnerWhileTheOwnerIsOnlyMarkedTornDown) {
+    answer(1);
+    tracer->kelDoZombieReactors(true);
+    auto const watcher = tracer->localStatus(id("noc", 1));
+    EXPECT_EQ(after([&] { watcher->kel_handleLocalStatus_ready(); }),
+              (Lines{relayed("noc/1"), updated("1", false)}));
+}
+
 // ---- The collection of answers
 
 TEST_F(RelayTest, TheAnswersAreKeptByPktGenStatusIs) {

@@ -1,8 +1,5 @@
 #include "VynPacketTracer/VynPtTypes.h"
 
-#include <sstream>
-
-#include "Trace/Trace.h"
 #include "VynPacketTracer/Fixture.h"
 
 namespace VynPacketTracer {
@@ -47,104 +44,6 @@ class Listener {
 template <class Old>
 std::vector<Told<Old>> oneChange(Vanta::AttributeNumber attribute, Old const& old) {
     return {{attribute, std::nullopt, old}};
-}
-
-// ---- PktGenState
-
-TEST(PktGenStateTest, HasSevenNamesInTheFixedOrder) {
-    std::string names;
-    for (unsigned number = 0; number < 7; ++number) {
-        names += std::string(stringValue(PktGenStateInstance(number)).view()) + " ";
-    }
-    EXPECT_EQ(names, "init idle waitPhase0Data phase0DataReady waitPktSent reset error ");
-}
-
-TEST(PktGenStateTest, StringValueOfFiveIsReset) {
-    EXPECT_EQ(stringValue(static_cast<PktGenState>(5)), "reset");
-}
-
-TEST(PktGenStateTest, InstanceOfTheNameWaitPktSentIsFour) {
-    EXPECT_EQ(static_cast<unsigned>(PktGenStateInstance("waitPktSent")), 4u);
-}
-
-TEST(PktGenStateTest, IsAnUnsignedByte) {
-    static_assert(std::is_same_v<std::underlying_type_t<PktGenState>, std::uint8_t>);
-}
-
-TEST(PktGenStateTest, EveryNameGivesItsStateBack) {
-    for (unsigned number = 0; number < 7; ++number) {
-        PktGenState const state = PktGenStateInstance(number);
-        EXPECT_EQ(PktGenStateInstance(stringValue(state)), state);
-    }
-}
-
-TEST(PktGenStateTest, NumberSevenIsARangeError) {
-    EXPECT_THROW(PktGenStateInstance(7), Kel::RangeError);
-}
-
-TEST(PktGenStateTest, ThereIsNoStateNamedReady) {
-    EXPECT_THROW(PktGenStateInstance("ready"), Kel::RangeError);
-}
-
-TEST(PktGenStateTest, ANameInAnotherCaseIsARangeError) {
-    EXPECT_THROW(PktGenStateInstance("Idle"), Kel::RangeError);
-}
-
-TEST(PktGenStateTest, TheEmptyNameIsARangeError) {
-    EXPECT_THROW(PktGenStateInstance(""), Kel::RangeError);
-}
-
-TEST(PktGenStateTest, PrintsItsName) {
-    std::ostringstream out;
-    out << PktGenState::phase0DataReady;
-    EXPECT_EQ(out.str(), "phase0DataReady");
-}
-
-TEST(PktGenStateTest, TracesPrintItsName) {
-    Recorder recorder;
-    Trace::twinlog(Trace::handle("VynPtTypesTest"), 7, "state:%s", PktGenState::waitPktSent);
-    EXPECT_EQ(recorder.take(), (Lines{"VynPtTypesTest/7 state:waitPktSent"}));
-}
-
-// What sequenceToValue leaves of a text, behind the state that it found.
-std::string sequence(std::string const& text) {
-    Vanta::CharRange range{text.data(), text.data() + text.size()};
-    PktGenState state = PktGenState::error;
-    bool const found = sequenceToValue(range, &state);
-    return (found ? std::string(stringValue(state).view()) : "none") + "|" +
-           std::string(range.begin, range.end);
-}
-
-TEST(PktGenStateSequenceTest, TakesANameAtTheRangesEnd) {
-    EXPECT_EQ(sequence("idle"), "idle|");
-}
-
-TEST(PktGenStateSequenceTest, TakesANameBeforeACharacterThatIsNoLetterOrDigit) {
-    EXPECT_EQ(sequence("reset,idle"), "reset|,idle");
-    EXPECT_EQ(sequence("reset_1"), "reset|_1");
-}
-
-TEST(PktGenStateSequenceTest, TakesNoPartOfALongerWord) {
-    EXPECT_EQ(sequence("idler"), "none|idler");
-    EXPECT_EQ(sequence("idle2"), "none|idle2");
-    EXPECT_EQ(sequence("waitPkt"), "none|waitPkt");
-}
-
-TEST(PktGenStateSequenceTest, AnotherCaseIsNoMatch) {
-    EXPECT_EQ(sequence("IDLE"), "none|IDLE");
-}
-
-TEST(PktGenStateSequenceTest, SkipsNothing) {
-    EXPECT_EQ(sequence(" idle"), "none| idle");
-    EXPECT_EQ(sequence(""), "none|");
-}
-
-TEST(PktGenStateSequenceTest, LeavesTheStateAloneWithoutAMatch) {
-    char const text[] = "nothing";
-    Vanta::CharRange range{text, text + 7};
-    PktGenState state = PktGenState::reset;
-    EXPECT_FALSE(sequenceToValue(range, &state));
-    EXPECT_EQ(state, PktGenState::reset);
 }
 
 // ---- PktGenCfgData
