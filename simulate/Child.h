@@ -1,0 +1,29 @@
+// Runs in processes of their own: what ends the process, or breaks it, ends a run and no more.
+#pragma once
+
+#include "simulate/Program.h"
+#include "simulate/Run.h"
+
+namespace Simulate {
+
+// A run under way in a child process. A crash is a report too, of the invariant "alive".
+class Child {
+  public:
+    // Starts the run. The program need not outlive the call. Errors: std::system_error.
+    explicit Child(Program const& program);
+    Child(Child const&) = delete;
+    Child& operator=(Child const&) = delete;
+    // Kills a run that nobody waited for.
+    ~Child();
+
+    // Waits for the run's end. Errors: std::system_error.
+    Report wait();
+
+  private:
+    int pid_ = -1;
+    int pipe_ = -1;
+};
+
+Report runInChild(Program const& program);
+
+}  // namespace Simulate

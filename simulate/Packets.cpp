@@ -1,0 +1,79 @@
+#include "simulate/Packets.h"
+
+#include <algorithm>
+
+namespace Simulate {
+
+using VynPacketTracer::PktGenState;
+
+void Packets::engineIs(VynPacketTracer::PktGenSm const* engine) {
+    engine_ = engine;
+    inGenerator_.reset();
+    appDisabled_ = false;
+    lastPktId_ = 0;
+    orderly_ = true;
+    answersToUse_ = 0;
+}
+
+void Packets::injected(std::uint32_t pipe, std::uint8_t portIndex,
+                       std::span<std::uint8_t const> pkt, std::uint16_t pktId, bool accepted) {
+    ++injections_;
+    lastRefused_ = !accepted;
+    auto const breach = [this](auto const&... parts) {
+        recorder_.breachIs({"packets", joined(parts...)});
+    };
+    if (engine_ == nullptr || !engine_->curCfg()) {
+        return breach("packet ", pktId, " was injected without a job");
+    }
+    auto const& job = *engine_->curCfg();
+    if (!std::ranges::equal(pkt, job.pkt().view()) || pipe != job.ingPortInfo().pipe() ||
+        portIndex != job.ingPortInfo().port().value() % 256) {
+        breach("packet ", pktId, " is not that of the job in work, ", line(job.req()));
+    }
+    if (static_cast<std::uint16_t>(lastPktId_ + 1) != pktId) {
+        breach("packet id ", pktId, " follows ", lastPktId_);
+    }
+    lastPktId_ = pktId;
+    if (inGenerator_ && *inGenerator_ != job.req()) {
+        breach(line(job.req()), " was injected while ", line(*inGenerator_),
+               " is in the generator");
+    }
+    if (orderly_ && answersToUse_ == 0) {
+        breach(line(job.req()), " was injected without a phase-0 answer of its own");
+    }
+    answersToUse_ = 0;
+    if (accepted) {
+        inGenerator_ = job.req();
+        appDisabled_ = false;
+        accepted_.push_back({pipe, portIndex, pktId, pkt.size()});
+    }
+}
+
+void Packets::generatorDisabled(bool done) {
+    if (done && appDisabled_) {
+        inGenerator_.reset();
+    }
+}
+
+void Packets::answered(Plexa::IntfId const& intf) {
+    bool const awaited = engine_ != nullptr && engine_->curCfg() &&
+                         engine_->state() == PktGenState::waitPhase0Data &&
+                         engine_->curCfg()->ingIntf() == intf;
+    orderly_ = orderly_ && awaited;
+    answersToUse_ = 1;
+}
+
+void Packets::checkJournal(std::vector<SoftChip::JournalEntry> const& entries) {
+    std::vector<Accepted> through;
+    for (auto const& entry : entries) {
+        if (entry.kind == SoftChip::JournalEntry::Kind::injection) {
+            through.push_back({entry.pipe, entry.portIndex, entry.pktId, entry.pktBytes});
+        }
+    }
+    if (through != accepted_) {
+        recorder_.breachIs({"packets", joined(accepted_.size(), " packets were accepted, ",
+                                              through.size(), " others went through the chip")});
+    }
+}
+
+}  // namespace Simulate

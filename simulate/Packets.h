@@ -1,0 +1,64 @@
+// Watches over the packets: what is injected, when, and for whom. Each question is one line of
+// docs/invariants.md under "Packets". It is told of the calls as they come and looks at the engine
+// itself; the model has no part in it. Thread: one only.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "Plexa/IntfId.h"
+#include "VynPacketTracer/VynPtPktGenSm.h"
+#include "simulate/Recorder.h"
+#include "softchip/SoftChip.h"
+
+namespace Simulate {
+
+class Packets {
+  public:
+    explicit Packets(Recorder& recorder) : recorder_(recorder) {}
+
+    // A tracer starts: its engine is not the one that the generator knows. Null: it is gone.
+    void engineIs(VynPacketTracer::PktGenSm const* engine);
+
+    void injected(std::uint32_t pipe, std::uint8_t portIndex, std::span<std::uint8_t const> pkt,
+                  std::uint16_t pktId, bool accepted);
+    void appDisabled(bool done) { appDisabled_ = done; }
+    void generatorDisabled(bool done);
+    // A phase-0 answer is about to be announced.
+    void answered(Plexa::IntfId const& intf);
+
+    // Compares what was accepted with what the chip's journal says went through the pipeline.
+    // Precondition: the chip has nothing left to do.
+    void checkJournal(std::vector<SoftChip::JournalEntry> const& entries);
+
+    // Calls of genOnePkt, and those of them that the chip accepted.
+    std::uint64_t injections() const { return injections_; }
+    std::uint64_t accepted() const { return accepted_.size(); }
+    bool lastRefused() const { return lastRefused_; }
+    // Whether every phase-0 answer so far was for the job in work and awaited.
+    bool orderly() const { return orderly_; }
+
+  private:
+    struct Accepted {
+        std::uint32_t pipe;
+        std::uint8_t portIndex;
+        std::uint16_t pktId;
+        std::size_t size;
+        bool operator==(Accepted const&) const = default;
+    };
+
+    Recorder& recorder_;
+    VynPacketTracer::PktGenSm const* engine_ = nullptr;
+    std::optional<PacketTracer::RequestId> inGenerator_;
+    bool appDisabled_ = false;
+    std::uint16_t lastPktId_ = 0;
+    bool orderly_ = true;
+    unsigned answersToUse_ = 0;
+    std::vector<Accepted> accepted_;
+    std::uint64_t injections_ = 0;
+    bool lastRefused_ = false;
+};
+
+}  // namespace Simulate

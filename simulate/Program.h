@@ -1,0 +1,31 @@
+// What a seed stands for: a switch, and a program of events that happens to its tracer.
+//
+// Some seeds are calm, most draw a few kinds of faults, and some are reckless: their clients and
+// digests also do what the tracer answers with the end of the process.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "agent/SwitchFile.h"
+#include "simulate/Event.h"
+#include "simulate/Random.h"
+
+namespace Simulate {
+
+struct Switch {
+    Agent::SwitchModel model;
+};
+
+struct Program {
+    std::uint64_t seed = 0;
+    Switch drawn;
+    std::vector<Event> events;
+};
+
+// The same program for the same arguments, on every machine. `steps` counts the events after the
+// switch's forwarding state was told.
+Program drawProgram(std::uint64_t seed, unsigned steps);
+
+}  // namespace Simulate

@@ -1,0 +1,93 @@
+// Writes down what the tracer does: every trace statement, published change and call of the chip,
+// in order, and beside it what the chip told it (the wire).
+//
+// It also keeps a copy of jobs, answers and results that it makes from publications alone. So it
+// knows of a publication that changed nothing, and what() tells of a change that nobody published.
+//
+// While it lives it is the process's tap of publications and of traces. Thread: one only.
+#pragma once
+
+#include <map>
+#include <optional>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "PacketTracer/ClientStatus.h"
+#include "Vanta/Publisher.h"
+#include "VynPacketTracer/VynPtTypes.h"
+#include "simulate/Text.h"
+#include "simulate/Wire.h"
+
+namespace Simulate {
+
+// A breach of one of the invariants that docs/invariants.md lists.
+struct Breach {
+    std::string invariant;
+    std::string detail;
+};
+
+class Recorder {
+  public:
+    Recorder();
+    Recorder(Recorder const&) = delete;
+    Recorder& operator=(Recorder const&) = delete;
+    ~Recorder();
+
+    template <class... Parts>
+    void note(Parts const&... parts) {
+        log_.push_back(joined(parts...));
+    }
+    // A call of the chip: its line, and its answer for the wire.
+    template <class... Parts>
+    void call(Wire::Answer const& answer, Parts const&... parts) {
+        note("sdk ", parts..., " -> ", answer.rc, " count ", answer.count);
+        wire_.answers.push_back(answer);
+    }
+
+    std::vector<std::string> takeLog() { return std::exchange(log_, {}); }
+    Wire& wire() { return wire_; }
+
+    // Whether a statement of the tracer's means that somebody was called who should be gone.
+    void silenceIs(bool silence) { silence_ = silence; }
+
+    // A breach that was noticed while it happened; the first one since the last question.
+    std::optional<Breach> takeBreach() { return std::exchange(breach_, std::nullopt); }
+    void breachIs(Breach breach);
+
+    // A collection is new: what is known of its address was another's, which went without a word.
+    void forget(Vanta::Node const* collection) { present_.erase(collection); }
+
+    // Compares the copy with what there is. `tracer's` collections may be null.
+    std::optional<Breach> unpublished(
+        VynPacketTracer::PktGenConfig const* jobs, VynPacketTracer::PktGenStatus const* answers,
+        std::vector<PacketTracer::ClientStatus const*> const& results) const;
+
+  private:
+    using Node = Vanta::Node;
+    using Values = std::map<Vanta::AttributeNumber, std::string>;
+
+    void published(Vanta::Publisher const& publisher, Vanta::AttributeNumber attribute,
+                   Vanta::ValueRef key);
+    void presence(Node const* collection, std::string_view what, PacketTracer::RequestId const& id,
+                  Node const* entry);
+    void value(Node const* record, Vanta::AttributeNumber attribute, std::string value,
+               std::string_view line);
+    void statusPublished(VynPacketTracer::PktGenStatusData const& status,
+                         Vanta::AttributeNumber attribute);
+    void resultPublished(PacketTracer::Result const& result, Vanta::AttributeNumber attribute,
+                         Vanta::ValueRef key);
+
+    std::vector<std::string> log_;
+    Wire wire_;
+    bool silence_ = true;
+    std::optional<Breach> breach_;
+    std::map<Node const*, std::set<PacketTracer::RequestId>> present_;  // by collection
+    std::map<Node const*, Values> values_;                              // by answer or result
+};
+
+// A request's id as the lines have it: "A/3".
+std::string line(PacketTracer::RequestId const& id);
+
+}  // namespace Simulate

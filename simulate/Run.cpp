@@ -1,0 +1,297 @@
+#include "simulate/Run.h"
+
+#include <algorithm>
+
+#include "Vanta/Assert.h"
+
+namespace Simulate {
+namespace {
+
+Run* current = nullptr;  // the run under way, for the process's last step
+
+}  // namespace
+
+Run::Run(Program const& program, std::function<void(Report const&)> finish)
+    : program_(program),
+      finish_(std::move(finish)),
+      nodesBefore_(Vanta::Node::liveCount()),
+      previous_(Vanta::lastStepIs(&Run::lastStep)) {
+    current = this;
+    world_.emplace(program.drawn);
+}
+
+Run::~Run() {
+    world_.reset();
+    current = nullptr;
+    Vanta::lastStepIs(previous_);
+}
+
+Report Run::go() {
+    for (auto const& event : program_.events) {
+        ++report_.position;
+        carryOut(event);
+        if (failed()) {
+            return report_;
+        }
+    }
+    closing();
+    if (!failed()) {
+        world_.reset();
+        if (Vanta::Node::liveCount() != nodesBefore_) {
+            fail({"nodes",
+                  joined(Vanta::Node::liveCount() - nodesBefore_, " nodes outlive everybody")});
+        }
+    }
+    return report_;
+}
+
+// Turns are carried out one by one, each a step of its own, and so is the chip's work between.
+void Run::carryOut(Event const& event) {
+    if (!model_.applies(event)) {
+        return;
+    }
+    report_.event = text(event);
+    if (event.kind != Kind::turn) {
+        static_cast<void>(step(event));
+        return;
+    }
+    Event const chipStep{.kind = Kind::chipStep};
+    for (std::uint64_t i = 0; i < event.a; ++i) {
+        if (!step(event) || (event.flag && !step(chipStep))) {
+            return;
+        }
+    }
+}
+
+bool Run::step(Event const& event) {
+    ++report_.step;
+    report_.turns += event.kind == Kind::turn ? 1 : 0;
+    event_ = &event;
+    world_->carryOut(event);
+    if (interfere_) {
+        interfere_(*world_, event);
+    }
+    report_.injections = world_->packets().injections();
+    report_.messages = world_->board().messages();
+    wasOrderly_ = event.kind == Kind::start || (wasOrderly_ && world_->packets().orderly());
+    try {
+        model_.apply(event, world_->recorder().wire());
+    } catch (Fatal const& fatal) {
+        return fail(
+            {"end", joined("the process should have ended with ", fatal.type, " ", fatal.text)});
+    }
+    if (auto const breach = check()) {
+        return fail(*breach);
+    }
+    return true;
+}
+
+std::optional<Breach> Run::check() {
+    auto const happened = world_->recorder().takeLog();
+    if (auto const breach = world_->recorder().takeBreach()) {
+        return breach;
+    }
+    if (auto const breach = compareLogs(happened)) {
+        return breach;
+    }
+    auto const there = world_->content();
+    auto const foretold = model_.content();
+    auto const [real, model] = std::ranges::mismatch(there, foretold);
+    if (real != there.end() || model != foretold.end()) {
+        return Breach{"content",
+                      joined("there is: ", real != there.end() ? *real : "nothing more",
+                             "\n  foretold: ", model != foretold.end() ? *model : "nothing more")};
+    }
+    if (auto const breach = world_->unpublished()) {
+        return breach;
+    }
+    if (auto const breach = world_->shrunkenResults(happened)) {
+        return breach;
+    }
+    if (world_->nodes() != model_.nodes()) {
+        return Breach{"nodes",
+                      joined("there are ", world_->nodes(), " nodes, foretold ", model_.nodes())};
+    }
+    bool const listens = model_.running() && world_->board().registered();
+    if (world_->board().registered() != listens) {
+        return Breach{"silence", "the chip would call a tracer that is gone"};
+    }
+    return std::nullopt;
+}
+
+std::optional<Breach> Run::compareLogs(std::vector<std::string> const& happened) {
+    auto const foretold = model_.takeLog();
+    auto const [real, model] = std::ranges::mismatch(happened, foretold);
+    if (real == happened.end() && model == foretold.end()) {
+        return std::nullopt;
+    }
+    return Breach{"events",
+                  joined("happened: ", real != happened.end() ? *real : "nothing more",
+                         "\n  foretold: ", model != foretold.end() ? *model : "nothing more")};
+}
+
+bool Run::fail(Breach const& breach) {
+    report_.failed = true;
+    report_.invariant = breach.invariant;
+    report_.detail = breach.detail;
+    return false;
+}
+
+// ---- The end of the process
+
+void Run::lastStep(std::string_view type, std::string_view text) {
+    current->ended(type, text);
+}
+
+// The event is not over, and never will be: what was seen of it must be a beginning that the model
+// ends in the same way. It is given nothing that the tracer did not get as far as asking for.
+void Run::ended(std::string_view type, std::string_view text) {
+    auto const happened = world_->recorder().takeLog();
+    Fatal foretold;
+    try {
+        model_.apply(*event_, world_->recorder().wire());
+    } catch (Fatal const& fatal) {
+        foretold = fatal;
+    }
+    if (auto const breach = compareLogs(happened)) {
+        fail(*breach);
+        report_.detail += joined("\n  and then the process ended with ", type, " ", text);
+    } else if (foretold.type != type || (!foretold.text.empty() && foretold.text != text)) {
+        fail({"end", joined("the process ended with ", type, " ", text, "\n  foretold: ",
+                            foretold.type.empty() ? "no end" : foretold.type, " ", foretold.text)});
+    }
+    report_.end = std::string(type);
+    finish_(report_);
+}
+
+// ---- The closing
+
+void Run::turns(unsigned count) {
+    carryOut({.kind = Kind::turn, .a = count, .flag = true});
+}
+
+void Run::closing() {
+    ++report_.position;
+    carryOut({.kind = Kind::faultsEnd});
+    carryOut({.kind = Kind::releaseHeld});
+    carryOut({.kind = Kind::yieldAfter, .a = 64});
+    carryOut({.kind = Kind::start, .flag = true});
+    if (failed() || !settle() || !pushThrough()) {
+        return;
+    }
+    std::vector<Id> orphans;
+    for (auto const& id : model_.jobs()) {
+        if (!isAsked(id)) {
+            orphans.push_back(id);
+        }
+    }
+    for (unsigned client = 0; client < clientCount && !failed(); ++client) {
+        carryOut({.kind = Kind::requestDelAll, .client = client});
+        carryOut({.kind = Kind::clientConfigDel, .client = client});
+        carryOut({.kind = Kind::clientStatusDel, .client = client});
+    }
+    turns(turnsToBeFree);
+    if (failed() || !checkLeft(orphans)) {
+        return;
+    }
+    carryOut({.kind = Kind::stop});
+    carryOut({.kind = Kind::chipStep});
+    if (!failed()) {
+        world_->packets().checkJournal(world_->chip().journal().entries());
+        if (auto const breach = world_->recorder().takeBreach()) {
+            fail(*breach);
+        }
+    }
+}
+
+// What was late comes now; a long row of digests is read one a turn.
+bool Run::settle() {
+    turns(12);
+    for (unsigned i = 0; i < 3000 && model_.unread() > 0 && !failed(); ++i) {
+        turns(1);
+    }
+    return !failed();
+}
+
+// A job that is still asked for: its client runs and has the request.
+bool Run::isAsked(Id const& id) const {
+    for (unsigned client = 0; client < clientCount; ++client) {
+        if (clientName(client) == id.first) {
+            auto const requests = model_.requestsOf(client);
+            return model_.clientRuns(client) && std::ranges::find(requests, id) != requests.end();
+        }
+    }
+    return false;
+}
+
+// Each job goes through within its turns, or it is one that is held up: whose phase-0 answer was
+// lost, whose counter stands where it stood, or whose calls the chip refuses for good. Such a job is
+// withdrawn, which must free the engine.
+bool Run::pushThrough() {
+    for (unsigned guard = 0; guard < 200; ++guard) {
+        auto const pending = model_.pendingJobs();
+        bool const busy = model_.state() != Model::State::idle;
+        if (pending.empty() && !busy) {
+            return true;
+        }
+        auto const injected = world_->packets().accepted();
+        auto const job = model_.currentJob();
+        auto const before = model_.state();
+        turns(turnsPerJob);
+        if (failed()) {
+            return false;
+        }
+        bool const moved = world_->packets().accepted() > injected ||
+                           (before != Model::State::idle && model_.state() == Model::State::idle);
+        if (moved) {
+            continue;
+        }
+        auto const stuck = model_.currentJob();
+        if (!stuck || !world_->isHeldUp()) {
+            return fail({"progress", joined("nothing was injected in ", turnsPerJob,
+                                            " turns; the engine is in ", text(model_.state()))});
+        }
+        if (!withdraw(*stuck)) {
+            return false;
+        }
+    }
+    return fail({"progress", "jobs do not come to an end"});
+}
+
+bool Run::withdraw(Id const& id) {
+    unsigned const client = static_cast<unsigned>(id.first[0] - 'A');
+    if (!model_.clientRuns(client)) {
+        // Nobody but the client itself can withdraw what it left behind.
+        carryOut({.kind = Kind::clientConfig, .client = client});
+        carryOut({.kind = Kind::clientStatus, .client = client});
+    }
+    if (!isAsked(id)) {
+        carryOut({.kind = Kind::request, .client = client, .req = id.second});
+    }
+    carryOut({.kind = Kind::requestDel, .client = client, .req = id.second});
+    turns(turnsToBeFree);
+    if (failed()) {
+        return false;
+    }
+    bool const freed = model_.state() == Model::State::idle || model_.currentJob() != id;
+    return freed || fail({"progress",
+                          joined("withdrawing ", id.first, "/", id.second,
+                                 " did not free the engine, which is in ", text(model_.state()))});
+}
+
+bool Run::checkLeft(std::vector<Id> const& orphans) {
+    for (auto const& id : model_.jobs()) {
+        if (std::ranges::find(orphans, id) == orphans.end()) {
+            return fail({"leaks", joined("the job ", id.first, "/", id.second, " is left over")});
+        }
+    }
+    for (auto const& id : model_.answers()) {
+        if (wasOrderly_ && std::ranges::find(orphans, id) == orphans.end()) {
+            return fail(
+                {"leaks", joined("the answer ", id.first, "/", id.second, " is left over")});
+        }
+    }
+    return true;
+}
+
+}  // namespace Simulate
