@@ -1,0 +1,15 @@
+// Bytes as people write them: hexadecimal digits, two a byte.
+#pragma once
+
+#include <cstdint>
+#include <string_view>
+#include <vector>
+
+namespace Cli {
+
+// The bytes of `text`. Between bytes may stand blanks, line ends, ':', '-' and '.'; upper and lower
+// case are alike. No text is no bytes.
+// Errors: UsageError "`what`: character N: expected ..., got ...", also for half a byte.
+std::vector<std::uint8_t> parseHexBytes(std::string_view text, std::string_view what);
+
+}  // namespace Cli

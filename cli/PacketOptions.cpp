@@ -1,0 +1,261 @@
+#include "cli/PacketOptions.h"
+
+#include <array>
+#include <charconv>
+#include <optional>
+#include <string_view>
+
+#include "cli/Command.h"
+#include "cli/HexBytes.h"
+
+namespace Cli {
+namespace {
+
+using PacketTracer::ArpFields;
+using PacketTracer::IpAddress;
+using PacketTracer::MacAddress;
+using PacketTracer::PacketFields;
+using PacketTracer::VlanTag;
+
+constexpr std::string_view noTag = "none";
+
+// A whole number from 0 to `most`, decimal or with 0x in front.
+std::optional<std::uint32_t> number(std::string_view text, std::uint32_t most) {
+    bool const isHex = text.starts_with("0x");
+    text.remove_prefix(isHex ? 2 : 0);
+    std::uint32_t value = 0;
+    auto const [end, error] =
+        std::from_chars(text.data(), text.data() + text.size(), value, isHex ? 16 : 10);
+    bool const whole = error == std::errc() && end == text.data() + text.size();
+    return whole && value <= most ? std::optional(value) : std::nullopt;
+}
+
+template <class T>
+std::optional<T> numberOf(std::string_view text, std::uint32_t most) {
+    auto const value = number(text, most);
+    return value ? std::optional(static_cast<T>(*value)) : std::nullopt;
+}
+
+// The parts of "a,b,c".
+std::vector<std::string_view> parts(std::string_view text) {
+    std::vector<std::string_view> found;
+    for (;;) {
+        auto const comma = text.find(',');
+        found.push_back(text.substr(0, comma));
+        if (comma == std::string_view::npos) {
+            return found;
+        }
+        text.remove_prefix(comma + 1);
+    }
+}
+
+bool setTagPart(VlanTag& tag, std::string_view part) {
+    auto const equals = part.find('=');
+    std::string_view const name = part.substr(0, equals);
+    std::string_view const text =
+        equals == std::string_view::npos ? std::string_view() : part.substr(equals + 1);
+    if (name == "priority") {
+        auto const value = numberOf<std::uint8_t>(text, 7);
+        tag.priority = value.value_or(0);
+        return value.has_value();
+    }
+    if (name == "tpid") {
+        auto const value = numberOf<std::uint16_t>(text, 0xffff);
+        tag.tpid = value.value_or(0);
+        return value.has_value();
+    }
+    tag.dropEligible = part == "dei";
+    return tag.dropEligible;
+}
+
+// "20", "20,priority=5,tpid=0x88a8,dei".
+std::optional<VlanTag> tagFromText(std::string_view text) {
+    auto const pieces = parts(text);
+    auto const vlan = numberOf<std::uint16_t>(pieces.front(), 4094);
+    if (!vlan) {
+        return std::nullopt;
+    }
+    VlanTag tag{.vlan = *vlan};
+    for (std::size_t i = 1; i < pieces.size(); ++i) {
+        if (!setTagPart(tag, pieces[i])) {
+            return std::nullopt;
+        }
+    }
+    return tag;
+}
+
+std::optional<std::uint8_t> tcpFlagsFromText(std::string_view text) {
+    static constexpr std::array<std::string_view, 8> names{"fin", "syn", "rst", "psh",
+                                                           "ack", "urg", "ece", "cwr"};
+    std::uint8_t flags = 0;
+    for (std::string_view const part :
+         text == "none" ? std::vector<std::string_view>() : parts(text)) {
+        auto const name = std::ranges::find(names, part);
+        if (name == names.end()) {
+            return std::nullopt;
+        }
+        flags = static_cast<std::uint8_t>(flags | 1U << (name - names.begin()));
+    }
+    return flags;
+}
+
+// Sets a member to what was parsed; false if that was nothing.
+template <class T>
+bool set(std::optional<T>& member, std::optional<T> const& value) {
+    member = value;
+    return value.has_value();
+}
+
+ArpFields& arp(PacketFields& fields) {
+    return fields.arp ? *fields.arp : fields.arp.emplace();
+}
+
+struct Field {
+    std::string_view name;
+    std::string_view what;  // it expects
+    std::string_view help;
+    bool (*set)(PacketFields& fields, std::string_view text);
+};
+
+using Text = std::string_view;
+
+constexpr std::string_view macAddress = "a MAC address";
+constexpr std::string_view ipAddress = "an IPv4 or IPv6 address";
+constexpr std::string_view ipv4Address = "an IPv4 address";
+constexpr std::string_view port = "a port from 0 to 65535";
+constexpr std::string_view byte = "a number from 0 to 255";
+
+bool setIpv4(std::optional<IpAddress>& member, Text text) {
+    return set(member, IpAddress::fromText(text)) && member->isV4();
+}
+
+// In the order of namedFields().
+constexpr std::array fieldTable{
+    Field{"eth-dst", macAddress, "Destination MAC address",
+          [](PacketFields& f, Text t) { return set(f.ethDst, MacAddress::fromText(t)); }},
+    Field{"eth-src", macAddress, "Source MAC address",
+          [](PacketFields& f, Text t) { return set(f.ethSrc, MacAddress::fromText(t)); }},
+    Field{"vlan",
+          "a VLAN from 0 to 4094, with ,priority=0..7 ,tpid=0x88a8 ,dei behind it if need be, or "
+          "none",
+          "Tag; twice for two, the outer one first; none for none at all",
+          [](PacketFields& f, Text t) {
+              auto const tag = tagFromText(t);
+              if (tag) {
+                  f.tags.push_back(*tag);
+              }
+              return tag || t == noTag;
+          }},
+    Field{"arp-op", "request or reply", "ARP: request or reply",
+          [](PacketFields& f, Text t) {
+              return set(arp(f).operation, PacketTracer::arpOperationFromText(t));
+          }},
+    Field{"arp-sender-mac", macAddress, "ARP: the sender's MAC address",
+          [](PacketFields& f, Text t) { return set(arp(f).senderMac, MacAddress::fromText(t)); }},
+    Field{"arp-sender-ip", ipv4Address, "ARP: the sender's IP address",
+          [](PacketFields& f, Text t) { return setIpv4(arp(f).senderIp, t); }},
+    Field{"arp-target-mac", macAddress, "ARP: the target's MAC address",
+          [](PacketFields& f, Text t) { return set(arp(f).targetMac, MacAddress::fromText(t)); }},
+    Field{"arp-target-ip", ipv4Address, "ARP: the target's IP address",
+          [](PacketFields& f, Text t) { return setIpv4(arp(f).targetIp, t); }},
+    Field{"ip-dst", ipAddress, "Destination IP address",
+          [](PacketFields& f, Text t) { return set(f.ipDst, IpAddress::fromText(t)); }},
+    Field{"ip-src", ipAddress, "Source IP address",
+          [](PacketFields& f, Text t) { return set(f.ipSrc, IpAddress::fromText(t)); }},
+    Field{"ttl", byte, "TTL or hop limit",
+          [](PacketFields& f, Text t) { return set(f.ttl, numberOf<std::uint8_t>(t, 255)); }},
+    Field{"dscp", "a number from 0 to 63", "DSCP",
+          [](PacketFields& f, Text t) { return set(f.dscp, numberOf<std::uint8_t>(t, 63)); }},
+    Field{"proto", "tcp, udp, icmp or icmpv6", "tcp, udp, icmp or icmpv6",
+          [](PacketFields& f, Text t) {
+              return set(f.protocol, PacketTracer::ipProtocolFromText(t));
+          }},
+    Field{
+        "sport", port, "Source port",
+        [](PacketFields& f, Text t) { return set(f.srcPort, numberOf<std::uint16_t>(t, 65535)); }},
+    Field{
+        "dport", port, "Destination port",
+        [](PacketFields& f, Text t) { return set(f.dstPort, numberOf<std::uint16_t>(t, 65535)); }},
+    Field{"tcp-flags", "TCP flags such as syn,ack, or none", "TCP flags, as syn,ack",
+          [](PacketFields& f, Text t) { return set(f.tcpFlags, tcpFlagsFromText(t)); }},
+    Field{"icmp-type", byte, "ICMP type",
+          [](PacketFields& f, Text t) { return set(f.icmpType, numberOf<std::uint8_t>(t, 255)); }},
+    Field{"icmp-code", byte, "ICMP code",
+          [](PacketFields& f, Text t) { return set(f.icmpCode, numberOf<std::uint8_t>(t, 255)); }},
+    Field{"payload", "bytes in hexadecimal digits", "What follows the last header, in hexadecimal",
+          [](PacketFields& f, Text t) {
+              f.payload = parseHexBytes(t, "--payload");
+              return true;
+          }},
+    Field{"length", "a length in bytes", "Length of the frame in bytes, padding included",
+          [](PacketFields& f, Text t) {
+              return set(f.length, numberOf<std::uint32_t>(t, 1'000'000));
+          }},
+};
+
+UsageError wrong(std::string_view option, std::string_view what, std::string_view text) {
+    return UsageError("--" + std::string(option) + ": expected " + std::string(what) + ", got \"" +
+                      std::string(text) + "\"");
+}
+
+constexpr char const* group = "Packet by fields (what is not given gets a default)";
+
+}  // namespace
+
+void PacketOptions::addTo(CLI::App& command) {
+    command
+        .add_option("--ether-type", etherType_,
+                    "EtherType behind the tags: ipv4, ipv6, arp or a number")
+        ->group(group);
+    for (Field const& field : fieldTable) {
+        auto* const option =
+            command.add_option("--" + std::string(field.name), texts_[std::string(field.name)],
+                               std::string(field.help));
+        option->group(group)->allow_extra_args(false);
+        option->type_name("");
+        if (field.name != "vlan") {
+            option->expected(1);
+        }
+    }
+    command.add_flag("--dont-fragment", dontFragment_, "IPv4's don't-fragment flag")->group(group);
+}
+
+bool PacketOptions::given() const {
+    return dontFragment_ || !etherType_.empty() ||
+           std::ranges::any_of(texts_, [](auto const& entry) { return !entry.second.empty(); });
+}
+
+PacketFields PacketOptions::fields() const {
+    PacketFields fields;
+    fields.dontFragment = dontFragment_;
+    for (Field const& field : fieldTable) {
+        auto const given = texts_.find(std::string(field.name));
+        for (std::string const& text : given->second) {
+            if (!field.set(fields, text)) {
+                throw wrong(field.name, field.what, text);
+            }
+        }
+    }
+    return fields;
+}
+
+std::uint16_t PacketOptions::etherType() const {
+    static std::map<std::string_view, std::uint16_t> const names{
+        {"", 0},
+        {"ipv4", PacketTracer::etherTypeIpv4},
+        {"ipv6", PacketTracer::etherTypeIpv6},
+        {"arp", PacketTracer::etherTypeArp}};
+    auto const name = names.find(etherType_);
+    auto const value = name != names.end() ? std::optional(name->second)
+                                           : numberOf<std::uint16_t>(etherType_, 0xffff);
+    return value ? *value
+                 : throw wrong("ether-type", "ipv4, ipv6, arp or a number from 0 to 0xffff",
+                               etherType_);
+}
+
+bool PacketOptions::untagged() const {
+    auto const& tags = texts_.at("vlan");
+    return std::ranges::find(tags, noTag) != tags.end();
+}
+
+}  // namespace Cli

@@ -1,0 +1,53 @@
+// A request's road through the tracer, taken from what the tracer's modules trace on the way.
+//
+// It is the process's trace tap, so there is one Road at a time, and what it hears belongs to one
+// request only if no other one is under way. Threads: it hears statements of any thread; it is made
+// before other threads trace and destroyed after them; start() and take() are the event thread's.
+#pragma once
+
+#include <chrono>
+#include <functional>
+#include <mutex>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace Cli {
+
+struct Passage {
+    std::chrono::nanoseconds since;  // the start
+    std::string handle;
+    unsigned level = 0;
+    std::string text;
+    std::uint64_t times = 1;  // how often it was heard; `since` is of the first time
+
+    friend bool operator==(Passage const&, Passage const&) = default;
+};
+
+class Road {
+  public:
+    using Clock = std::chrono::steady_clock;
+    using Now = std::function<Clock::time_point()>;
+
+    explicit Road(Now now = Clock::now);
+    Road(Road const&) = delete;
+    Road& operator=(Road const&) = delete;
+    ~Road();
+
+    // Forgets everything; times count from here.
+    void start();
+
+    // What was heard since the start, in the order of the first time. A statement that repeats
+    // itself, as an engine that polls does, stands once with its count.
+    std::vector<Passage> take();
+
+  private:
+    static void heard(void* road, std::string_view handle, unsigned level, std::string_view text);
+
+    Now const now_;
+    std::mutex mutex_;  // guards what follows
+    Clock::time_point start_;
+    std::vector<Passage> passages_;
+};
+
+}  // namespace Cli

@@ -1,0 +1,216 @@
+#include "cli/SwitchDefaults.h"
+
+#include <algorithm>
+#include <optional>
+
+#include "softchip/Addresses.h"
+
+namespace Cli {
+namespace {
+
+using Agent::Interface;
+using Agent::SwitchModel;
+using PacketTracer::PacketFields;
+using PacketTracer::PacketHints;
+using PacketTracer::VlanTag;
+
+PacketTracer::MacAddress converted(SoftChip::MacAddress mac) {
+    return *PacketTracer::MacAddress::fromText(mac.text());
+}
+PacketTracer::IpAddress converted(SoftChip::IpAddress const& address) {
+    return *PacketTracer::IpAddress::fromText(address.text());
+}
+SoftChip::IpAddress converted(PacketTracer::IpAddress const& address) {
+    return *SoftChip::IpAddress::fromText(address.text());
+}
+
+// What takes the frames of the ingress interface: the interface itself, or the LAG it belongs to.
+Interface const* logical(SwitchModel const& model, Plexa::IntfId const& ingress) {
+    Interface const* const intf = model.interface(ingress);
+    return intf != nullptr && !intf->lag.empty() ? model.interface(intf->lag) : intf;
+}
+
+// Where a frame with these tags is on the switch.
+struct Place {
+    std::uint16_t vlan = 0;         // 0 where it is not bridged
+    Interface const* at = nullptr;  // what the FDB calls its ingress; null for nothing
+    Interface const* l3 = nullptr;  // what routes it; null for nothing
+};
+
+Interface const* subInterface(SwitchModel const& model, Interface const& parent,
+                              std::uint16_t tag) {
+    auto const found = std::ranges::find_if(model.interfaces, [&](Interface const& intf) {
+        return Plexa::SubIntfId::parentIntfId(intf.id) == parent.id && intf.tag == tag;
+    });
+    return found != model.interfaces.end() ? &*found : nullptr;
+}
+
+Place bridgedIn(SwitchModel const& model, std::uint16_t vlan, Interface const& at) {
+    return {vlan, &at, model.interface(Plexa::VlanIntfId::vlanIdToIntfId(vlan))};
+}
+
+Place placeOf(SwitchModel const& model, Plexa::IntfId const& ingress, PacketFields const& fields) {
+    Interface const* intf = logical(model, ingress);
+    std::uint16_t const tag = fields.tags.empty() ? 0 : fields.tags.front().vlan;
+    if (intf == nullptr) {
+        return {};
+    }
+    if (intf->switching) {
+        return bridgedIn(model, tag != 0 ? tag : intf->switching->untagged, *intf);
+    }
+    if (auto const* const sub = subInterface(model, *intf, tag); sub != nullptr && tag != 0) {
+        intf = sub;
+    }
+    bool const isBridged = Plexa::SubIntfId::isSubIntfId(intf->id) && intf->vlan != 0;
+    return isBridged ? bridgedIn(model, intf->vlan, *intf)
+                     : Place{0, intf, intf->routing ? intf : nullptr};
+}
+
+bool isBehind(SwitchModel const& model, Place const& place, SoftChip::MacAddress mac) {
+    return place.vlan == 0 || std::ranges::any_of(model.fdb, [&](Agent::FdbEntry const& entry) {
+               return entry.vlan == place.vlan && entry.mac == mac && entry.intf == place.at->id;
+           });
+}
+
+Agent::Neighbour const* neighbour(SwitchModel const& model, Interface const& l3,
+                                  SoftChip::IpAddress const& address) {
+    auto const found = std::ranges::find_if(model.neighbours, [&](Agent::Neighbour const& n) {
+        return n.intf == l3.id && n.address == address;
+    });
+    return found != model.neighbours.end() ? &*found : nullptr;
+}
+
+void hintNeighbour(PacketHints& hints, Agent::Neighbour const& known) {
+    hints.hostMac = converted(known.mac);
+    bool const isV4 = known.address.family == SoftChip::Family::ipv4;
+    auto& address = isV4 ? hints.hostIpv4 : hints.hostIpv6;
+    address = address ? address : std::optional(converted(known.address));
+}
+
+// The first neighbour behind the ingress interface, with its addresses of both families.
+void hintKnownHost(PacketHints& hints, SwitchModel const& model, Place const& place) {
+    std::optional<SoftChip::MacAddress> host;
+    for (Agent::Neighbour const& known : model.neighbours) {
+        bool const isHost = host ? known.mac == *host : isBehind(model, place, known.mac);
+        if (known.intf == place.l3->id && isHost) {
+            host = known.mac;
+            hintNeighbour(hints, known);
+        }
+    }
+}
+
+void hintStation(PacketHints& hints, SwitchModel const& model, Place const& place) {
+    auto const station = std::ranges::find_if(model.fdb, [&](Agent::FdbEntry const& entry) {
+        return entry.vlan == place.vlan && entry.intf == place.at->id;
+    });
+    if (!hints.hostMac && station != model.fdb.end()) {
+        hints.hostMac = converted(station->mac);
+    }
+}
+
+// The last address of the subnet that is neither the switch's own nor a broadcast address.
+std::optional<SoftChip::IpAddress> freeAddress(Agent::InterfaceAddress const& own) {
+    unsigned const bits = SoftChip::addressBits(own.address.family) - own.length;
+    if (bits == 0) {
+        return std::nullopt;
+    }
+    bool const isV4 = own.address.family == SoftChip::Family::ipv4;
+    SoftChip::IpAddress last = own.network().address;
+    unsigned const unused = isV4 ? 32 : 0;  // an IPv4 address is the upper half of `hi`
+    std::uint64_t const ones = bits >= 64 ? ~0ULL : (1ULL << bits) - 1;
+    std::uint64_t& low = isV4 ? last.hi : last.lo;
+    low |= ones << unused;
+    std::uint64_t const step = 1ULL << unused;
+    low -= isV4 && bits > 1 ? step : 0;
+    low -= last == own.address ? step : 0;
+    return last;
+}
+
+void hintFreeAddresses(PacketHints& hints, Interface const& l3) {
+    for (auto const& own : l3.routing->addresses) {
+        bool const isV4 = own.address.family == SoftChip::Family::ipv4;
+        if (Agent::isLinkLocalV6(own.address)) {
+            continue;
+        }
+        auto& host = isV4 ? hints.hostIpv4 : hints.hostIpv6;
+        auto const free = host ? std::nullopt : freeAddress(own);
+        host = free ? std::optional(converted(*free)) : host;
+        if (isV4 && !hints.routerIpv4) {
+            hints.routerIpv4 = converted(own.address);
+        }
+    }
+}
+
+// Whom a host would send such a packet to: the neighbour in its own subnet, or the router.
+SoftChip::MacAddress nextHopMac(SwitchModel const& model, Interface const& l3,
+                                PacketFields const& fields) {
+    auto const* const known =
+        fields.ipDst ? neighbour(model, l3, converted(*fields.ipDst)) : nullptr;
+    return known != nullptr ? known->mac : model.routerMac;
+}
+
+VlanTag tagOf(std::uint16_t vlan) {
+    return VlanTag{.vlan = vlan};
+}
+
+// The tag without which the ingress interface does not take a frame.
+std::optional<VlanTag> neededTag(SwitchModel const& model, Plexa::IntfId const& ingress) {
+    Interface const* const intf = logical(model, ingress);
+    if (intf == nullptr) {
+        return std::nullopt;
+    }
+    if (Plexa::SubIntfId::isSubIntfId(intf->id)) {
+        return tagOf(intf->tag);
+    }
+    std::optional<VlanTag> first;
+    for (auto const& vlan : model.vlans) {
+        bool const isCarried =
+            intf->switching && intf->switching->untagged == 0 && intf->switching->tagged[vlan.id];
+        bool const isRouted =
+            model.interface(Plexa::VlanIntfId::vlanIdToIntfId(vlan.id)) != nullptr;
+        if (isCarried && isRouted) {
+            return tagOf(vlan.id);
+        }
+        first = isCarried && !first ? std::optional(tagOf(vlan.id)) : first;
+    }
+    return first;
+}
+
+}  // namespace
+
+PacketHints packetHints(SwitchModel const& model, Plexa::IntfId const& ingress,
+                        PacketFields const& fields) {
+    PacketHints hints;
+    Place const place = placeOf(model, ingress, fields);
+    bool const routes = place.l3 != nullptr && place.l3->routing;
+    if (routes) {
+        hintKnownHost(hints, model, place);
+        hints.routerMac = converted(nextHopMac(model, *place.l3, fields));
+    }
+    if (place.vlan != 0) {
+        hintStation(hints, model, place);
+    }
+    if (routes) {
+        hintFreeAddresses(hints, *place.l3);
+    }
+    return hints;
+}
+
+std::vector<PacketTracer::NamedField> fillFromSwitch(PacketFields& fields, std::uint16_t etherType,
+                                                     bool untagged, SwitchModel const& model,
+                                                     Plexa::IntfId const& ingress) {
+    std::vector<PacketTracer::NamedField> filledTag;
+    auto const tag = fields.tags.empty() && !untagged ? neededTag(model, ingress) : std::nullopt;
+    if (tag) {
+        PacketFields tagAlone;
+        tagAlone.tags.push_back(*tag);
+        filledTag = PacketTracer::namedFields(tagAlone);
+        fields.tags.push_back(*tag);
+    }
+    auto filled =
+        PacketTracer::fillDefaults(fields, etherType, packetHints(model, ingress, fields));
+    filled.insert(filled.begin(), filledTag.begin(), filledTag.end());
+    return filled;
+}
+
+}  // namespace Cli

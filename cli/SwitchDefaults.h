@@ -1,0 +1,33 @@
+// What the switch itself says about a packet that is given by a few fields: a packet of a host
+// behind the ingress interface, on its way through the router.
+//
+// Pure functions over the switch's model. Thread: the event thread.
+#pragma once
+
+#include <cstdint>
+#include <vector>
+
+#include "PacketTracer/PacketDefaults.h"
+#include "PacketTracer/PacketFields.h"
+#include "Plexa/IntfId.h"
+#include "agent/SwitchFile.h"
+
+namespace Cli {
+
+// What PacketTracer::fillDefaults() is told of the switch.
+//   host    a neighbour whom the FDB knows behind the interface, else a station of the FDB there,
+//           else a free address of the interface's subnet
+//   router  the router's MAC address where the packet's VLAN or port routes; for a destination in
+//           the host's own subnet that neighbour's, as the host would do itself
+// Each is left out where the switch does not say it.
+PacketTracer::PacketHints packetHints(Agent::SwitchModel const& model, Plexa::IntfId const& ingress,
+                                      PacketTracer::PacketFields const& fields);
+
+// Fills the fields in, with a tag where the ingress interface takes nothing else (a sub-interface,
+// a trunk without a native VLAN), and names what it filled.
+std::vector<PacketTracer::NamedField> fillFromSwitch(PacketTracer::PacketFields& fields,
+                                                     std::uint16_t etherType, bool untagged,
+                                                     Agent::SwitchModel const& model,
+                                                     Plexa::IntfId const& ingress);
+
+}  // namespace Cli
