@@ -124,24 +124,24 @@ TraceClient::Clock::duration TraceClient::untilFirstLimit() const {
 
 // ---- Answers
 
-std::optional<Answer::Injection> TraceClient::injectionOf(PacketTracer::RequestId const& id) const {
+std::optional<Injection> TraceClient::injectionOf(PacketTracer::RequestId const& id) const {
     auto const status = agent_.tracer().pktGenStatus()->status(id);
     if (!status) {
         return std::nullopt;
     }
     auto const job = agent_.tracer().pktGenCfg()->cfg(id);
-    return Answer::Injection{.frame = job ? job->pkt() : Vanta::Bytes(),
-                             .pktId = status->pktId(),
-                             .egressPort = status->egrPortInfo().port().value(),
-                             .l2Domain = status->egrL2Domain(),
-                             .routed = status->routed(),
-                             .copyToCpu = status->copyToCpu(),
-                             .dropped = status->dropped()};
+    return Injection{.frame = job ? job->pkt() : Vanta::Bytes(),
+                     .pktId = status->pktId(),
+                     .egressPort = status->egrPortInfo().port().value(),
+                     .l2Domain = status->egrL2Domain(),
+                     .routed = status->routed(),
+                     .copyToCpu = status->copyToCpu(),
+                     .dropped = status->dropped()};
 }
 
 namespace {
 
-Outcome outcomeOf(State state, std::optional<Answer::Injection> const& injection) {
+Outcome outcomeOf(State state, std::optional<Injection> const& injection) {
     if (state == State::notTraceable) {
         return Outcome::refused;
     }

@@ -50,23 +50,24 @@ enum class Outcome : std::uint8_t {
 // "refused", "unknown ingress", ..., in words that no two of them share.
 std::string_view text(Outcome outcome) noexcept;
 
+// What the tracer wrote of the injection.
+struct Injection {
+    Vanta::Bytes frame;  // as injected
+    std::uint16_t pktId = 0;
+    std::uint16_t egressPort = 0;  // a device port; PortIndex::invalid for none
+    std::uint16_t l2Domain = 0;
+    bool routed = false;
+    bool copyToCpu = false;
+    bool dropped = false;
+};
+
 struct Answer {
     std::uint32_t number = 0;  // of the request
     Outcome outcome = Outcome::noAnswer;
     std::optional<PacketTracer::State> state;  // none without a result
     std::vector<PacketTracer::ResultEntry> egress;
 
-    // What the tracer wrote of the injection; none if there was none.
-    struct Injection {
-        Vanta::Bytes frame;  // as injected
-        std::uint16_t pktId = 0;
-        std::uint16_t egressPort = 0;  // a device port; PortIndex::invalid for none
-        std::uint16_t l2Domain = 0;
-        bool routed = false;
-        bool copyToCpu = false;
-        bool dropped = false;
-    };
-    std::optional<Injection> injection;
+    std::optional<Injection> injection;  // none if there was none
 };
 
 class TraceClient {
@@ -111,7 +112,7 @@ class TraceClient {
     Clock::duration untilFirstLimit() const;
     std::optional<Answer> takeAnswer();
     Answer takeLate();
-    std::optional<Answer::Injection> injectionOf(PacketTracer::RequestId const& id) const;
+    std::optional<Injection> injectionOf(PacketTracer::RequestId const& id) const;
     void withdraw(std::uint32_t number);
 
     ForwardingAgent& agent_;

@@ -49,7 +49,7 @@ std::string secondsText(double seconds) {
     return buffer.data();
 }
 
-std::string noEgressPortRemark(Agent::Answer::Injection const& injection) {
+std::string noEgressPortRemark(Agent::Injection const& injection) {
     if (injection.egressPort != VynPortTypes::PortIndex::invalid) {
         return "port " + std::to_string(injection.egressPort) + " is no interface of the switch";
     }
