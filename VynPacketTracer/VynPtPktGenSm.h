@@ -139,7 +139,7 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
 
     void handleInitialized();
     void initSocket();
-    void doCleanup();
+    void doCleanup() noexcept;
     void registerPktTracerDigest();
     void deRegisterPktTracerDigest();
 

@@ -50,8 +50,13 @@ void PktGenSm::initSocket() {
         ::setsockopt(descriptors[0], SOL_SOCKET, SO_SNDBUF, &sendBufferSize, sizeof sendBufferSize),
         "initSocket:setsockopt rval:%s %s");
     socketPairWriteDesc_ = descriptors[0];
-    socketPairReadFileDesc_ = Orb::FileDescriptor::FileDescriptorIs(rootScheduler_, descriptors[1],
-                                                                    "Packet tracer digest");
+    try {
+        socketPairReadFileDesc_ = Orb::FileDescriptor::FileDescriptorIs(
+            rootScheduler_, descriptors[1], "Packet tracer digest");
+    } catch (...) {
+        ::close(descriptors[1]);
+        throw;
+    }
     socketPairReadFileDesc_->nonBlockingIs(true);
     socketPairReadFileDesc_->notifyOnReadableIs(true);
     rSocketIn_ = socketPairReadFileDesc_;
@@ -83,7 +88,7 @@ void PktGenSm::deRegisterPktTracerDigest() {
     Trace::twinlog(trace, 4, "deRegisterPktTracerDigest:pktTracerDigest deregistered:%s", rval);
 }
 
-void PktGenSm::doCleanup() {
+void PktGenSm::doCleanup() noexcept try {
     deRegisterPktTracerDigest();
     if (socketPairReadFileDesc_) {
         socketPairReadFileDesc_->close();
@@ -91,6 +96,9 @@ void PktGenSm::doCleanup() {
     if (socketPairWriteDesc_ != 0) {
         ::close(std::exchange(socketPairWriteDesc_, 0));
     }
+} catch (...) {
+    // Only tracing can fail, and the destructor has nobody to tell.
+    Vanta::endProcessWithCurrentException();
 }
 
 // ---- The SDK's thread

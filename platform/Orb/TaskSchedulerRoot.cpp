@@ -25,7 +25,9 @@ Vanta::Ptr<TaskSchedulerRoot> TaskSchedulerRoot::TaskSchedulerRootIs() {
     return Vanta::makeNode<TaskSchedulerRoot>();
 }
 
-TaskSchedulerRoot::TaskSchedulerRoot() : wakeDescriptor_(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {
+// The descriptor is made last, when nothing else can fail any more.
+TaskSchedulerRoot::TaskSchedulerRoot() {
+    wakeDescriptor_ = ::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC);
     if (wakeDescriptor_ == -1) {
         throw std::system_error(errno, std::generic_category(), "eventfd");
     }

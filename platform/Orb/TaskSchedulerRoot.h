@@ -109,7 +109,7 @@ class VYN_EXPORT TaskSchedulerRoot final : public Kel::Object {
     void wake();
     static Task* firstTask(Queues const& queues) noexcept;
 
-    int wakeDescriptor_;
+    int wakeDescriptor_ = -1;
     std::mutex mutex_;  // guards posted_ and stopping_
     std::vector<std::function<void()>> posted_;
     bool stopping_ = false;
