@@ -43,14 +43,14 @@ bool isSlabBlock(std::size_t size) {
     return slabsInUse && size <= largestBlock;
 }
 
+}  // namespace
+
 // Every allocation passes here first, so a failure that a test asks for changes nothing.
 void passFailurePoint() {
     if (leftUntilFailure != 0 && --leftUntilFailure == 0) [[unlikely]] {
         throw std::bad_alloc();
     }
 }
-
-}  // namespace
 
 void* allocate(std::size_t size) {
     passFailurePoint();

@@ -37,6 +37,10 @@ VYN_EXPORT void deallocateZeroed(void* block) noexcept;
 // block comes from a slab, so every place where memory can run out is reached by its number.
 VYN_EXPORT void failAfterIs(std::uint64_t count) noexcept;
 
+// Counts one allocation that is not this library's and throws std::bad_alloc if it is the one that
+// is to fail: what a test's own operator new calls, so that both count as one row.
+VYN_EXPORT void passFailurePoint();
+
 // Allocations still to come up to the one that fails; 0 if none will.
 VYN_EXPORT std::uint64_t failAfter() noexcept;
 
