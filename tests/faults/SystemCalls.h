@@ -1,0 +1,24 @@
+// The system calls of the digest channel, in the hands of a test. This program defines sendmsg,
+// read, socketpair, fcntl and setsockopt itself, so the shared libraries' calls come here first;
+// they go on to the system unless a test has said otherwise.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+enum class SystemCall : std::uint8_t { sendmsg, read, socketpair, fcntl, setsockopt };
+
+class SystemCalls {
+  public:
+    // From here on calls are counted, from zero, and none fails.
+    static void reset() noexcept;
+
+    // How often the function was called since reset().
+    static unsigned count(SystemCall call) noexcept;
+
+    // Once: the call after the next `after` ones returns `result` with this errno, and does nothing.
+    static void failsIs(SystemCall call, int error, unsigned after = 0, int result = -1) noexcept;
+
+    // Once: the call after the next `after` ones moves `bytes` bytes at most. sendmsg and read only.
+    static void isShort(SystemCall call, std::size_t bytes, unsigned after = 0) noexcept;
+};
