@@ -23,3 +23,7 @@ if(VYN_SANITIZE)
         -fsanitize=${VYN_SANITIZE} -fno-sanitize-recover=all -fno-omit-frame-pointer)
     target_link_options(VynCompile INTERFACE -fsanitize=${VYN_SANITIZE})
 endif()
+# The fuzzer sees which edges an input takes, in the libraries too; its driver is linked in fuzz/.
+if(VYN_FUZZ)
+    target_compile_options(VynCompile INTERFACE -fsanitize=fuzzer-no-link)
+endif()

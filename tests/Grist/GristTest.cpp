@@ -171,6 +171,15 @@ TEST_F(GristFailure, LeavesTheCountOfBlocksAlone) {
     EXPECT_EQ(Grist::liveBlocks(), before);
 }
 
+TEST_F(GristFailure, CountsWhatPassesItsPointFromElsewhere) {
+    Grist::failAfterIs(2);
+    Grist::passFailurePoint();
+    EXPECT_THROW(Grist::allocate(8), std::bad_alloc);
+    Grist::failAfterIs(1);
+    EXPECT_THROW(Grist::passFailurePoint(), std::bad_alloc);
+    Grist::passFailurePoint();
+}
+
 TEST_F(GristFailure, CanBeCalledOff) {
     Grist::failAfterIs(1);
     Grist::failAfterIs(0);

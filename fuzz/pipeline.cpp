@@ -1,0 +1,69 @@
+// A frame for the chip's parser and pipeline. The first two bytes of an input choose the ingress
+// port, the third whether its phase-0 bytes are whole; the rest is the frame.
+#include <algorithm>
+#include <vector>
+
+#include "Target.h"
+#include "agent/DeriveTables.h"
+#include "agent/SwitchFile.h"
+#include "softchip/Frame.h"
+#include "softchip/Phase0.h"
+#include "softchip/Pipeline.h"
+
+namespace {
+
+using Fuzz::check;
+using SoftChip::Decision;
+
+// What a decision promises about itself.
+void checkDecision(SoftChip::Tables const& tables, Decision const& decision) {
+    auto const* const port = tables.port(decision.egressPort);
+    if (decision.drop) {
+        check(decision.egressPort == SoftChip::noEgressPort && !decision.routed,
+              "what is dropped leaves nowhere");
+    } else if (decision.egressPort == SoftChip::noEgressPort) {
+        // A routed port's internal VLAN is known by what routes in it.
+        check(tables.vlan(decision.l2Domain) != nullptr ||
+                  tables.l3Intf(decision.l2Domain) != nullptr,
+              "what is flooded is flooded in a VLAN");
+    } else {
+        check(port != nullptr, "a frame leaves by a port that exists");
+    }
+    check(decision.l2Domain <= SoftChip::maxDomain, "a domain is a domain");
+}
+
+void checkFrame(std::span<std::uint8_t const> frame) {
+    auto const parsed = SoftChip::parseFrame(frame);
+    check(!parsed.text().empty(), "a frame has a text");
+    check(parsed.tagCount <= 2, "two tags at most");
+    if (parsed.hasPorts() || parsed.hasIcmp()) {
+        check(parsed.isIp() && parsed.hasIp && !parsed.laterFragment,
+              "a transport header lies in a packet's first fragment");
+    }
+}
+
+}  // namespace
+
+int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
+    static SoftChip::Tables const tables = Agent::deriveTables(
+        Agent::readSwitchFile(std::string(VYN_SOURCE_DIR) + "/examples/border.json"));
+    if (size < 3) {
+        return 0;
+    }
+    std::vector<std::uint8_t> const frame(data + 3, data + size);
+    auto phase0 =
+        SoftChip::encodePhase0(static_cast<std::uint16_t>((data[0] | data[1] << 8) % 456));
+    if (data[2] != 0) {
+        phase0[data[2] % phase0.size()] ^= data[2];
+    }
+    checkFrame(frame);
+    SoftChip::Explanation explanation;
+    auto const quiet = SoftChip::decide(tables, phase0, frame);
+    auto const told = SoftChip::decide(tables, phase0, frame, &explanation);
+    check(quiet == told, "an explanation changes nothing");
+    check(!explanation.entries.empty() && explanation.entries.back().step == told.step &&
+              explanation.entries.back().reason == told.reason,
+          "the last step is the decision's");
+    checkDecision(tables, quiet);
+    return 0;
+}
