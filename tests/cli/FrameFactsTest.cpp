@@ -12,9 +12,10 @@ using Bytes = std::vector<std::uint8_t>;
 
 // A frame with these bytes behind its addresses, padded to 60 bytes.
 Bytes frameWith(Bytes const& rest) {
-    Bytes frame(12, 0x02);
-    frame.insert(frame.end(), rest.begin(), rest.end());
-    frame.resize(std::max<std::size_t>(frame.size(), 60));
+    constexpr std::size_t addresses = 12;
+    Bytes frame(std::max<std::size_t>(addresses + rest.size(), 60));
+    std::fill_n(frame.begin(), addresses, std::uint8_t{0x02});
+    std::copy(rest.begin(), rest.end(), frame.begin() + addresses);
     return frame;
 }
 
