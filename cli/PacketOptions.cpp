@@ -112,7 +112,8 @@ ArpFields& arp(PacketFields& fields) {
 
 struct Field {
     std::string_view name;
-    std::string_view what;  // it expects
+    std::string_view value;  // how the help calls its value
+    std::string_view what;   // it expects
     std::string_view help;
     bool (*set)(PacketFields& fields, std::string_view text);
 };
@@ -131,11 +132,11 @@ bool setIpv4(std::optional<IpAddress>& member, Text text) {
 
 // In the order of namedFields().
 constexpr std::array fieldTable{
-    Field{"eth-dst", macAddress, "Destination MAC address",
+    Field{"eth-dst", "MAC", macAddress, "Destination MAC address",
           [](PacketFields& f, Text t) { return set(f.ethDst, MacAddress::fromText(t)); }},
-    Field{"eth-src", macAddress, "Source MAC address",
+    Field{"eth-src", "MAC", macAddress, "Source MAC address",
           [](PacketFields& f, Text t) { return set(f.ethSrc, MacAddress::fromText(t)); }},
-    Field{"vlan",
+    Field{"vlan", "VLAN",
           "a VLAN from 0 to 4094, with ,priority=0..7 ,tpid=0x88a8 ,dei behind it if need be, or "
           "none",
           "Tag; twice for two, the outer one first; none for none at all",
@@ -146,48 +147,49 @@ constexpr std::array fieldTable{
               }
               return tag || t == noTag;
           }},
-    Field{"arp-op", "request or reply", "ARP: request or reply",
+    Field{"arp-op", "OPERATION", "request or reply", "ARP: request or reply",
           [](PacketFields& f, Text t) {
               return set(arp(f).operation, PacketTracer::arpOperationFromText(t));
           }},
-    Field{"arp-sender-mac", macAddress, "ARP: the sender's MAC address",
+    Field{"arp-sender-mac", "MAC", macAddress, "ARP: the sender's MAC address",
           [](PacketFields& f, Text t) { return set(arp(f).senderMac, MacAddress::fromText(t)); }},
-    Field{"arp-sender-ip", ipv4Address, "ARP: the sender's IP address",
+    Field{"arp-sender-ip", "IP", ipv4Address, "ARP: the sender's IP address",
           [](PacketFields& f, Text t) { return setIpv4(arp(f).senderIp, t); }},
-    Field{"arp-target-mac", macAddress, "ARP: the target's MAC address",
+    Field{"arp-target-mac", "MAC", macAddress, "ARP: the target's MAC address",
           [](PacketFields& f, Text t) { return set(arp(f).targetMac, MacAddress::fromText(t)); }},
-    Field{"arp-target-ip", ipv4Address, "ARP: the target's IP address",
+    Field{"arp-target-ip", "IP", ipv4Address, "ARP: the target's IP address",
           [](PacketFields& f, Text t) { return setIpv4(arp(f).targetIp, t); }},
-    Field{"ip-dst", ipAddress, "Destination IP address",
+    Field{"ip-dst", "IP", ipAddress, "Destination IP address",
           [](PacketFields& f, Text t) { return set(f.ipDst, IpAddress::fromText(t)); }},
-    Field{"ip-src", ipAddress, "Source IP address",
+    Field{"ip-src", "IP", ipAddress, "Source IP address",
           [](PacketFields& f, Text t) { return set(f.ipSrc, IpAddress::fromText(t)); }},
-    Field{"ttl", byte, "TTL or hop limit",
+    Field{"ttl", "N", byte, "TTL or hop limit",
           [](PacketFields& f, Text t) { return set(f.ttl, numberOf<std::uint8_t>(t, 255)); }},
-    Field{"dscp", "a number from 0 to 63", "DSCP",
+    Field{"dscp", "N", "a number from 0 to 63", "DSCP",
           [](PacketFields& f, Text t) { return set(f.dscp, numberOf<std::uint8_t>(t, 63)); }},
-    Field{"proto", "tcp, udp, icmp or icmpv6", "tcp, udp, icmp or icmpv6",
+    Field{"proto", "PROTOCOL", "tcp, udp, icmp or icmpv6", "tcp, udp, icmp or icmpv6",
           [](PacketFields& f, Text t) {
               return set(f.protocol, PacketTracer::ipProtocolFromText(t));
           }},
     Field{
-        "sport", port, "Source port",
+        "sport", "PORT", port, "Source port",
         [](PacketFields& f, Text t) { return set(f.srcPort, numberOf<std::uint16_t>(t, 65535)); }},
     Field{
-        "dport", port, "Destination port",
+        "dport", "PORT", port, "Destination port",
         [](PacketFields& f, Text t) { return set(f.dstPort, numberOf<std::uint16_t>(t, 65535)); }},
-    Field{"tcp-flags", "TCP flags such as syn,ack, or none", "TCP flags, as syn,ack",
+    Field{"tcp-flags", "FLAGS", "TCP flags such as syn,ack, or none", "TCP flags, as syn,ack",
           [](PacketFields& f, Text t) { return set(f.tcpFlags, tcpFlagsFromText(t)); }},
-    Field{"icmp-type", byte, "ICMP type",
+    Field{"icmp-type", "N", byte, "ICMP type",
           [](PacketFields& f, Text t) { return set(f.icmpType, numberOf<std::uint8_t>(t, 255)); }},
-    Field{"icmp-code", byte, "ICMP code",
+    Field{"icmp-code", "N", byte, "ICMP code",
           [](PacketFields& f, Text t) { return set(f.icmpCode, numberOf<std::uint8_t>(t, 255)); }},
-    Field{"payload", "bytes in hexadecimal digits", "What follows the last header, in hexadecimal",
+    Field{"payload", "BYTES", "bytes in hexadecimal digits",
+          "What follows the last header, in hexadecimal",
           [](PacketFields& f, Text t) {
               f.payload = parseHexBytes(t, "--payload");
               return true;
           }},
-    Field{"length", "a length in bytes", "Length of the frame in bytes, padding included",
+    Field{"length", "N", "a length in bytes", "Length of the frame in bytes, padding included",
           [](PacketFields& f, Text t) {
               return set(f.length, numberOf<std::uint32_t>(t, 1'000'000));
           }},
@@ -206,13 +208,14 @@ void PacketOptions::addTo(CLI::App& command) {
     command
         .add_option("--ether-type", etherType_,
                     "EtherType behind the tags: ipv4, ipv6, arp or a number")
+        ->type_name("TYPE")
         ->group(group);
     for (Field const& field : fieldTable) {
         auto* const option =
             command.add_option("--" + std::string(field.name), texts_[std::string(field.name)],
                                std::string(field.help));
         option->group(group)->allow_extra_args(false);
-        option->type_name("");
+        option->type_name(std::string(field.value));
         if (field.name != "vlan") {
             option->expected(1);
         }

@@ -14,7 +14,9 @@ void addReplayCommand(CLI::App& app, int& exitStatus) {
     auto const arguments = std::make_shared<Arguments>();
     auto* const command = app.add_subcommand(
         "replay", "Drive one tracer through a scenario and print everything that can be seen");
-    command->add_option("FILE", arguments->file, "The scenario (- for standard input)")->required();
+    command->add_option("FILE", arguments->file, "The scenario (- for standard input)")
+        ->type_name("")
+        ->required();
     command->add_flag("--dump", arguments->dump, "At the end, print every object");
     command->footer(
         "Exit status: 0 when the whole file was run, 2 for a bad line, 3 when the process would\n"

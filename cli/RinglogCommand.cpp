@@ -75,10 +75,14 @@ void addRinglogCommand(CLI::App& app, int& exitStatus) {
     auto const arguments = std::make_shared<Arguments>();
     auto* const command = app.add_subcommand(
         "ringlog", "Print the messages of a trace ring, of a living process or a dead one");
-    command->add_option("FILE", arguments->file, "The ring, as VYNPT_RING named it")->required();
+    command->add_option("FILE", arguments->file, "The ring, as VYNPT_RING named it")
+        ->type_name("")
+        ->required();
     command->add_flag("--follow", arguments->follow, "Go on with what is written meanwhile");
-    command->add_option("--handle", arguments->handle, "Only messages of this trace handle");
-    command->add_option("--level", arguments->levels, "Only messages of these levels, as 1 or 0-4");
+    command->add_option("--handle", arguments->handle, "Only messages of this trace handle")
+        ->type_name("HANDLE");
+    command->add_option("--level", arguments->levels, "Only messages of these levels, as 1 or 0-4")
+        ->type_name("LEVELS");
     command->footer(
         "Examples:\n"
         "  VYNPT_RING=/tmp/agent.ring vynpt trace capture.pcap --switch leaf.json --in Ethernet1\n"

@@ -40,7 +40,7 @@ constexpr char const* footer =
     "Examples:\n"
     "  vynpt trace capture.pcap --switch leaf.json --in Ethernet1\n"
     "  vynpt trace capture.pcapng --switch leaf.json --in Ethernet1 --frame 7 --explain\n"
-    "  tcpdump -w - -i eth0 | vynpt trace - --switch leaf.json --in Ethernet1 --json\n"
+    "  tcpdump -U -w - -i eth0 | vynpt trace - --switch leaf.json --in Ethernet1 --json\n"
     "  vynpt trace --switch leaf.json --in Ethernet1 --ip-dst 10.1.20.11 --proto tcp --dport 443\n"
     "  vynpt trace --switch leaf.json --in Ethernet43 --vlan 20 --arp-op request \\\n"
     "      --arp-target-ip 10.1.20.1\n"
@@ -89,6 +89,9 @@ void checkSource(Arguments const& arguments) {
             "expected the packet in one way, as a capture, with --hex or by fields such as "
             "--ip-dst, got " +
             std::string(ways == 0 ? "none" : "several"));
+    }
+    if (arguments.capture == "-" && arguments.switchFile == "-") {
+        throw UsageError("--switch: expected a file, because standard input is the capture, got -");
     }
     if (arguments.frame && arguments.capture.empty()) {
         throw UsageError("--frame: expected a capture beside it, got none");
@@ -222,8 +225,10 @@ int trace(Arguments const& arguments) {
 }
 
 void addOptions(CLI::App& command, Arguments& arguments) {
-    command.add_option("CAPTURE", arguments.capture,
-                       "Frames: a pcap or pcapng file (- for standard input)");
+    command
+        .add_option("CAPTURE", arguments.capture,
+                    "Frames: a pcap or pcapng file (- for standard input)")
+        ->type_name("");
     command.add_option("--switch", arguments.switchFile, "The switch file")
         ->type_name("FILE")
         ->required();

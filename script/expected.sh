@@ -7,7 +7,7 @@
 #
 # and defines runOne NAME: it runs the command on one case, its output to $scratch/out, its errors to
 # $scratch/err, its exit status to $status. Then it calls `expectedMain "$@"`.
-# shellcheck shell=bash
+# shellcheck shell=bash disable=SC2154
 
 accept=
 vynpt=

@@ -78,6 +78,10 @@ TEST(Command, APacketIsGivenInOneWay) {
     expectUsageError(traced({capture("ecmp.pcap"), "--frame", "0"}), "--frame");
 }
 
+TEST(Command, StandardInputIsOneThing) {
+    expectUsageError(ran({"trace", "-", "--switch", "-", "--in", "Ethernet1"}), "--switch");
+}
+
 TEST(Command, WrongValuesAreBadUsage) {
     expectUsageError(traced({"--hex", "0"}), "--hex");
     expectUsageError(traced({"--ttl", "x"}), "--ttl");
