@@ -21,13 +21,15 @@ constexpr std::size_t mostEntries = 455;
 
 }  // namespace
 
-BareTracer::BareTracer(Books books, unsigned inFlight)
-    : books_(books), wakeDescriptor_(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {
+BareTracer::BareTracer(Books books, unsigned inFlight, Chip chip)
+    : books_(books), chip_(chip), wakeDescriptor_(::eventfd(0, EFD_NONBLOCK | EFD_CLOEXEC)) {
     if (wakeDescriptor_ < 0 ||
         ::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC | SOCK_NONBLOCK, 0, sockets_.data()) < 0) {
         throw std::runtime_error("the floor's descriptors cannot be made");
     }
-    thread_ = std::thread([this] { chip(); });
+    if (chip == Chip::threaded) {
+        thread_ = std::thread([this] { runChip(); });
+    }
     for (unsigned i = 0; i < inFlight; ++i) {
         add();
     }
@@ -40,7 +42,9 @@ BareTracer::~BareTracer() {
         hint_ = true;
         toDo_.notify_one();
     }
-    thread_.join();
+    if (thread_.joinable()) {
+        thread_.join();
+    }
     for (int const descriptor : {wakeDescriptor_, sockets_[0], sockets_[1]}) {
         ::close(descriptor);
     }
@@ -48,6 +52,9 @@ BareTracer::~BareTracer() {
 
 void BareTracer::next() {
     while (answered_.empty()) {
+        if (chip_ == Chip::stepwise) {
+            stepChip();
+        }
         turn();
     }
     withdraw(answered_.front());
@@ -198,8 +205,18 @@ void BareTracer::send() {
 
 // ---- The chip's thread
 
-void BareTracer::chip() {
+void BareTracer::runChip() {
     while (takePackets()) {
+        emitDigests();
+    }
+}
+
+void BareTracer::stepChip() {
+    std::unique_lock lock(mutex_);
+    taken_.clear();
+    std::swap(taken_, pushed_);
+    lock.unlock();
+    if (!taken_.empty()) {
         emitDigests();
     }
 }

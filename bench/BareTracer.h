@@ -34,7 +34,10 @@ class BareTracer {
     // Whether traces are also kept in maps and written to a ring.
     enum class Books : std::uint8_t { none, kept };
 
-    BareTracer(Books books, unsigned inFlight);
+    // Who does the chip's work: a thread of its own, or the event thread, before each turn.
+    enum class Chip : std::uint8_t { threaded, stepwise };
+
+    BareTracer(Books books, unsigned inFlight, Chip chip = Chip::threaded);
     ~BareTracer();
     BareTracer(BareTracer const&) = delete;
     BareTracer& operator=(BareTracer const&) = delete;
@@ -71,11 +74,13 @@ class BareTracer {
     void send();
     void trace(unsigned records);
 
-    void chip();
+    void runChip();
     bool takePackets();
+    void stepChip();
     void emitDigests();
 
     Books const books_;
+    Chip const chip_;
     BareRing ring_;
     std::array<Map, 4> maps_;
     Number lastNumber_ = 0;

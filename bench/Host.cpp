@@ -33,16 +33,20 @@ Plexa::IntfId egress() {
     return intf;
 }
 
-Vanta::Bytes frame(std::size_t size) {
-    std::array<std::uint8_t, 9236> bytes{};
-    putMac(egressHost, bytes.data());
-    putMac(ingressHost, bytes.data() + 6);
-    bytes[12] = 0x88;
-    bytes[13] = 0xb5;
-    return Vanta::Bytes(std::span(bytes).first(size));
+Vanta::Bytes frame() {
+    static std::array<std::uint8_t, 64> const bytes = [] {
+        std::array<std::uint8_t, 64> made{};
+        putMac(egressHost, made.data());
+        putMac(ingressHost, made.data() + 6);
+        made[12] = 0x88;
+        made[13] = 0xb5;
+        return made;
+    }();
+    return Vanta::Bytes(std::span(bytes));
 }
 
-Host::Host(SoftChip::Mode mode) : chip({.device = device, .session = session, .mode = mode}) {
+Host::Host(SoftChip::Mode mode)
+    : chip({.device = device, .session = session, .mode = mode}), mode_(mode) {
     addPort(ingress(), ingressPort);
     addPort(egress(), egressPort);
     chip.change([](SoftChip::Tables& tables) {
@@ -55,6 +59,13 @@ Host::Host(SoftChip::Mode mode) : chip({.device = device, .session = session, .m
         SoftChip::LearnQuanta::LearnQuantaIs(), SoftChip::DigestLayout::DigestLayoutIs(), loop,
         systemStatus, Fen::FenCommonSmData::FenCommonSmDataIs(), bridging,
         VynSlice::ChipStatus::ChipStatusIs());
+}
+
+void Host::turn() {
+    if (mode_ == SoftChip::Mode::stepwise) {
+        chip.step();
+    }
+    loop->turn(Orb::TaskSchedulerRoot::forever);
 }
 
 void Host::addPort(Plexa::IntfId const& intf, SoftChip::DevicePort port) {
@@ -174,7 +185,7 @@ Client& Load::await(std::uint32_t& number) {
             }
             ++turn_;
         }
-        host_.loop->turn(Orb::TaskSchedulerRoot::forever);
+        host_.turn();
     }
 }
 

@@ -29,9 +29,8 @@ namespace Bench {
 Plexa::IntfId ingress();
 Plexa::IntfId egress();
 
-// A frame of that many bytes from a host behind Ethernet1 to one behind Ethernet2, in a block of
-// its own.
-Vanta::Bytes frame(std::size_t size = 64);
+// A frame of 64 bytes from a host behind Ethernet1 to one behind Ethernet2, in a block of its own.
+Vanta::Bytes frame();
 
 // Switch, chip and tracer, as an agent puts them together.
 class Host {
@@ -40,6 +39,9 @@ class Host {
     ~Host() = default;
     Host(Host const&) = delete;
     Host& operator=(Host const&) = delete;
+
+    // One turn of the loop, which may wait; a stepwise chip makes a step before it.
+    void turn();
 
     SoftChip::SoftChip chip;
     Vanta::Ptr<Orb::TaskSchedulerRoot> loop = Orb::TaskSchedulerRoot::TaskSchedulerRootIs();
@@ -52,6 +54,8 @@ class Host {
 
   private:
     void addPort(Plexa::IntfId const& intf, SoftChip::DevicePort port);
+
+    SoftChip::Mode mode_;
 };
 
 // A client. What it was answered waits until it is taken; the request stands until it is withdrawn.

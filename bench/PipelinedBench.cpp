@@ -8,9 +8,9 @@ namespace {
 
 constexpr unsigned inFlight = 64;
 
-void pipelined(benchmark::State& state) {
+void pipelined(benchmark::State& state, SoftChip::Mode mode) {
     traceIntoRing();
-    Host host;
+    Host host(mode);
     Load load(host, static_cast<unsigned>(state.range(0)), inFlight);
     for (int warmUp = 0; warmUp < 2000; ++warmUp) {
         load.next();
@@ -24,10 +24,16 @@ void pipelined(benchmark::State& state) {
     allocations.report(state, traces);
     state.counters["turns"] = static_cast<double>(host.loop->turns() - turns) / traces;
 }
-BENCHMARK(pipelined)->Name("trace/pipelined")->Arg(1)->Arg(16)->UseRealTime();
+BENCHMARK_CAPTURE(pipelined, threaded, SoftChip::Mode::threaded)
+    ->Name("trace/pipelined")
+    ->Arg(1)
+    ->Arg(16)
+    ->UseRealTime();
+// The same work on one thread, so that no other load of the machine is measured.
+BENCHMARK_CAPTURE(pipelined, stepwise, SoftChip::Mode::stepwise)->Name("trace/stepwise")->Arg(1);
 
-void pipelinedFloor(benchmark::State& state) {
-    BareTracer bare(BareTracer::Books::kept, inFlight);
+void pipelinedFloor(benchmark::State& state, BareTracer::Chip chip) {
+    BareTracer bare(BareTracer::Books::kept, inFlight, chip);
     for (int warmUp = 0; warmUp < 2000; ++warmUp) {
         bare.next();
     }
@@ -35,7 +41,11 @@ void pipelinedFloor(benchmark::State& state) {
         bare.next();
     }
 }
-BENCHMARK(pipelinedFloor)->Name("floor/trace/pipelined")->UseRealTime();
+BENCHMARK_CAPTURE(pipelinedFloor, threaded, BareTracer::Chip::threaded)
+    ->Name("floor/trace/pipelined")
+    ->UseRealTime();
+BENCHMARK_CAPTURE(pipelinedFloor, stepwise, BareTracer::Chip::stepwise)
+    ->Name("floor/trace/stepwise");
 
 }  // namespace
 }  // namespace Bench
