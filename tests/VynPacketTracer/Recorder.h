@@ -39,6 +39,14 @@ inline Lines beginning(std::string_view with, Lines const& lines) {
     return found;
 }
 
+// The first and the last line; the empty text if there is none.
+inline std::string first(Lines const& lines) {
+    return lines.empty() ? std::string() : lines.front();
+}
+inline std::string last(Lines const& lines) {
+    return lines.empty() ? std::string() : lines.back();
+}
+
 inline std::string keyText(PacketTracer::RequestId const& id) {
     return std::string(id.clientName().view()) + "/" + std::to_string(id.number());
 }

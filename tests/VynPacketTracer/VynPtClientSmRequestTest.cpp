@@ -175,7 +175,7 @@ TEST_F(HandleRequestTest, WithdrawingRemovesJobAndResult) {
     clientStatus->resultIs(id("noc", 1));
     recorder.take();
     withdraw(1);
-    EXPECT_EQ(happened().back(), "result del noc/1");
+    EXPECT_EQ(last(happened()), "result del noc/1");
     EXPECT_FALSE(pktGenConfig->cfgHas(id("noc", 1)));
     EXPECT_FALSE(result(1));
 }

@@ -279,7 +279,7 @@ TEST_F(PortInfoResultTest, ALagIsOneEntryWithoutAPhysicalInterface) {
 }
 
 TEST_F(PortInfoResultTest, ALagNameThatIsNoLagIsAPlainPort) {
-    EXPECT_EQ(entriesOf("Lag1").back(), "result egressIntf noc/1 (Lag1,)");
+    EXPECT_EQ(last(entriesOf("Lag1")), "result egressIntf noc/1 (Lag1,)");
 }
 
 TEST_F(PortInfoResultTest, ASubInterfaceIsPairedWithItsParent) {
@@ -316,19 +316,19 @@ TEST_F(PortInfoResultTest, APlainPortIsOneEntry) {
 
 TEST_F(PortInfoResultTest, BeingALagComesBeforeBeingASubInterface) {
     lag("Ethernet2.100");
-    EXPECT_EQ(entriesOf("Ethernet2.100").back(), "result egressIntf noc/1 (,Ethernet2.100)");
+    EXPECT_EQ(last(entriesOf("Ethernet2.100")), "result egressIntf noc/1 (,Ethernet2.100)");
 }
 
 TEST_F(PortInfoResultTest, BeingASubInterfaceComesBeforeBeingAMember) {
     lagMember("Ethernet2.100", "Lag1");
-    EXPECT_EQ(entriesOf("Ethernet2.100").back(),
+    EXPECT_EQ(last(entriesOf("Ethernet2.100")),
               "result egressIntf noc/1 (Ethernet2,Ethernet2.100)");
 }
 
 TEST_F(PortInfoResultTest, BeingAMemberComesBeforeBeingACpuPort) {
     lagMember("Ethernet2", "Lag1");
     cpuPort("Ethernet2");
-    EXPECT_EQ(entriesOf("Ethernet2").back(), "result egressIntf noc/1 (Ethernet2,)");
+    EXPECT_EQ(last(entriesOf("Ethernet2")), "result egressIntf noc/1 (Ethernet2,)");
 }
 
 TEST_F(PortInfoResultTest, SetsNeitherStateNorValid) {

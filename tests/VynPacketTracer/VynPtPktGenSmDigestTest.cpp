@@ -166,14 +166,14 @@ TEST_F(CallbackTest, CopiesTheFirstEightBytesOfTheMessage) {
 
 TEST_F(CallbackTest, AcknowledgesWithItsOwnSession) {
     pipe_flow_lrn_msg_t learned{};
-    EXPECT_EQ(after([&] { rcvPktTracerLearningDigest(42, &learned, engine.get()); }).back(),
+    EXPECT_EQ(last(after([&] { rcvPktTracerLearningDigest(42, &learned, engine.get()); })),
               "sdk pipe_mgr_flow_lrn_notify_ack session=42 handle=77 -> 0");
 }
 
 TEST_F(CallbackTest, AnAcknowledgementThatFailsIsTracedAndReturned) {
     fails(SdkFunction::notifyAck, -7);
     EXPECT_EQ(chip.digest({{.pktId = 1}}), -7);
-    EXPECT_EQ(happened().back(), engineTrace(1, "rcvPktTracerLearningDigest:failed to notify ack"));
+    EXPECT_EQ(last(happened()), engineTrace(1, "rcvPktTracerLearningDigest:failed to notify ack"));
 }
 
 TEST_F(CallbackTest, AnAcknowledgementThatSucceedsReturns0) {
@@ -261,7 +261,7 @@ TEST_F(ReadTest, EntriesThatAreNotThereAreTracedWithTheReadsOwnResult) {
 TEST_F(ReadTest, AsManyEntriesAsTheBufferTakesAreRead) {
     std::vector<DigestEntry> const entries(455);  // 4095 bytes
     chip.digest(entries);
-    EXPECT_EQ(turned().front(), processing(455));
+    EXPECT_EQ(first(turned()), processing(455));
 }
 
 TEST_F(ReadTest, MoreEntriesThanTheBufferTakesAreRefused) {
@@ -278,7 +278,7 @@ TEST_F(ReadTest, EntriesThatAreRefusedStayInTheStream) {
     entries[1].pktId = 1;
     chip.digest(entries);
     turn();
-    EXPECT_EQ(turned().front(), processing(256));
+    EXPECT_EQ(first(turned()), processing(256));
 }
 
 // ---- The entries

@@ -57,9 +57,10 @@ TEST_F(Phase0Test, AFailedAnswerThatIsNotWaitedForIsAnError) {
 
 TEST_F(Phase0Test, AFailedAnswerWhileIdleIsAnErrorOfTheLastJob) {
     toIdleAgain();
-    EXPECT_EQ(answered(7)[1], engineTrace(1,
-                                          "processPhase0DataResponse:error retrieving phase0Data "
-                                          "for intfId:Ethernet1 state:idle phase0Status:7"));
+    EXPECT_EQ(first(beginning("VynPtPktGenSm/1", answered(7))),
+              engineTrace(1,
+                          "processPhase0DataResponse:error retrieving phase0Data "
+                          "for intfId:Ethernet1 state:idle phase0Status:7"));
     EXPECT_EQ(engine->state(), State::error);
 }
 
@@ -301,7 +302,7 @@ TEST_F(CounterTest, TheCounterIsThatOfTheJobsPipe) {
     job(1, "Ethernet1", 2);
     turn();
     phase0("Ethernet1");
-    EXPECT_EQ(beginning("sdk getPktCounters", turned())[0], counted(0, 0, 2));
+    EXPECT_EQ(first(beginning("sdk getPktCounters", turned())), counted(0, 0, 2));
     counter(1, 2);
     EXPECT_EQ(beginning("sdk", turned()),
               (Lines{counted(1, 0, 2), "sdk disableAppId session=1 device=0 pipe=2 appId=4 -> 0",

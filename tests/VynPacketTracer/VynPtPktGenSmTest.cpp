@@ -356,7 +356,7 @@ TEST_F(EngineEndTest, WithoutTraceSupportIsSilent) {
 TEST_F(EngineEndTest, ADeregistrationThatFailsIsTraced) {
     start();
     fails(SdkFunction::digestDeregister, -5);
-    EXPECT_EQ(after([&] { engine = nullptr; }).back(),
+    EXPECT_EQ(last(after([&] { engine = nullptr; })),
               engineTrace(4, "deRegisterPktTracerDigest:pktTracerDigest deregistered:-5"));
 }
 
