@@ -437,6 +437,17 @@ TEST_F(ClientReleaseTest, MayHappenInTheReactionToValid) {
     EXPECT_EQ(clientConfig->refCount(), 1u);
 }
 
+TEST_F(ClientReleaseTest, MayHappenWhileAReactorFindsItsRequestWithdrawn) {
+    auto const loose = makeRequest("noc", 1, "Ethernet1");
+    client->requestIs(loose);
+    job(1);
+    clientStatus->resultIs(id("noc", 1));
+    auto const observer = releaseAt(pktGenConfig->publisher());
+    loose->validIs(false);
+    EXPECT_FALSE(result(1));
+    EXPECT_EQ(clientConfig->refCount(), 1u);
+}
+
 TEST_F(ClientReleaseTest, MayHappenWhileARequestIsReplaced) {
     request(1);
     pktGenConfig->cfgDel(id("noc", 1));
