@@ -5,12 +5,14 @@
 #include <utility>
 
 #include "agent/DeriveTables.h"
+#include "agent/Recorder.h"
 #include "softchip/DigestLayout.h"
 
 namespace Agent {
 
 ForwardingAgent::ForwardingAgent(SwitchModel const& model, AgentOptions const& options)
-    : loop_(Orb::TaskSchedulerRoot::TaskSchedulerRootIs()),
+    : options_(options),
+      loop_(Orb::TaskSchedulerRoot::TaskSchedulerRootIs()),
       database_(Hivedb::Database::DatabaseIs()),
       clientConfigs_(database_->mount(configPath)),
       clientStatuses_(database_->mount(statusPath)),
@@ -21,15 +23,50 @@ ForwardingAgent::ForwardingAgent(SwitchModel const& model, AgentOptions const& o
     mounts_->configIs(clientConfigs_);
     mounts_->statusIs(clientStatuses_);
     loadChip(model);
+    if (options_.recording != nullptr) {
+        recorder_ =
+            std::make_unique<Recorder>(Recorder::Scene{loop_, clientConfigs_, clientStatuses_,
+                                                       state_, phase0Data_, options_.device},
+                                       *options_.recording);
+    }
+    loadTracer();
+}
+
+ForwardingAgent::~ForwardingAgent() {
+    releaseTracer();
+}
+
+void ForwardingAgent::loadTracer() {
     bool const pktGenSupported = true;
+    if (recorder_) {
+        recorder_->starting(options_.pktTracerSupported, pktGenSupported, options_.session);
+    }
     tracer_ = VynPacketTracer::packetTracerSmFactory(
-        mounts_->config(), mounts_->status(), phase0Data_, pktGenSupported,
-        options.pktTracerSupported, options.session, options.device,
+        mounts_->config(), mounts_->status(), recorder_ ? recorder_->phase0Data() : phase0Data_,
+        pktGenSupported, options_.pktTracerSupported, options_.session, options_.device,
         SoftChip::LearnQuanta::LearnQuantaIs(), SoftChip::DigestLayout::DigestLayoutIs(), loop_,
         state_.systemStatus, state_.fcsd, state_.bridgingConfig, state_.chipStatus);
 }
 
-ForwardingAgent::~ForwardingAgent() = default;
+void ForwardingAgent::releaseTracer() {
+    if (recorder_) {
+        recorder_->stopping();
+    }
+    tracer_ = nullptr;
+}
+
+void ForwardingAgent::restartTracer() {
+    releaseTracer();
+    loadTracer();
+}
+
+void ForwardingAgent::changeForwardingState(
+    std::function<void(ForwardingState const&)> const& change) {
+    change(state_);
+    if (recorder_) {
+        recorder_->forwardingStateChanged();
+    }
+}
 
 void ForwardingAgent::loadChip(SwitchModel const& model) {
     // Shared because a command must be copyable; it is the chip's thread that takes them.

@@ -10,6 +10,8 @@
 // takes its leave. Thread: the event thread, which is the one that made it.
 #pragma once
 
+#include <functional>
+#include <memory>
 #include <string_view>
 
 #include "Hivedb/Database.h"
@@ -18,6 +20,7 @@
 #include "VynPacketTracer/VynPtMounts.h"
 #include "VynPacketTracer/VynPtSm.h"
 #include "agent/DeriveState.h"
+#include "agent/RecordingFile.h"
 #include "agent/SwitchFile.h"
 #include "softchip/Phase0Data.h"
 #include "softchip/SoftChip.h"
@@ -29,7 +32,11 @@ struct AgentOptions {
     VynId::VynDevId device = 0;
     p4_pd_sess_hdl_t session = 1;
     bool pktTracerSupported = true;
+    // Where the run is recorded as a scenario, if it is; it outlives the agent.
+    RecordingFile* recording = nullptr;
 };
+
+class Recorder;
 
 class ForwardingAgent {
   public:
@@ -38,11 +45,19 @@ class ForwardingAgent {
     static constexpr std::string_view statusPath = "/packetTracer/status";
 
     // A running agent. The chip loads its tables meanwhile; what is injected waits for them.
-    // Errors: std::logic_error if the device id is taken, std::system_error for want of resources.
+    // Errors: std::logic_error if the device id is taken or another agent of this process records,
+    // std::system_error for want of resources.
     explicit ForwardingAgent(SwitchModel const& model, AgentOptions const& options = {});
     ForwardingAgent(ForwardingAgent const&) = delete;
     ForwardingAgent& operator=(ForwardingAgent const&) = delete;
     ~ForwardingAgent();
+
+    // Releases the tracer and loads it anew. Everything else stays: the clients with what they asked
+    // and what they were answered, forwarding state, the chip. Precondition: not inside the loop.
+    void restartTracer();
+
+    // Changes forwarding state. A recorded agent's is changed this way only.
+    void changeForwardingState(std::function<void(ForwardingState const&)> const& change);
 
     Orb::TaskSchedulerRoot& loop() const noexcept { return *loop_; }
     Hivedb::Database& database() const noexcept { return *database_; }
@@ -55,7 +70,10 @@ class ForwardingAgent {
 
   private:
     void loadChip(SwitchModel const& model);
+    void loadTracer();
+    void releaseTracer();
 
+    AgentOptions const options_;
     Vanta::Ptr<Orb::TaskSchedulerRoot> loop_;
     Vanta::Ptr<Hivedb::Database> database_;
     Vanta::Ptr<Kel::Dir> clientConfigs_;
@@ -64,6 +82,7 @@ class ForwardingAgent {
     ForwardingState state_;
     SoftChip::SoftChip chip_;
     Vanta::Ptr<SoftChip::Phase0Data> phase0Data_;
+    std::unique_ptr<Recorder> recorder_;
     Vanta::Ptr<VynPacketTracer::PacketTracerSm> tracer_;
 };
 

@@ -1,17 +1,16 @@
 #include "sdkseam/Chip.h"
 
-#include <array>
-#include <atomic>
 #include <stdexcept>
 #include <string>
 
 #include "VynSdk/VynSdk.h"
+#include "sdkseam/ChipTable.h"
 
 namespace SdkSeam {
-namespace {
 
-// Atomic because an acknowledgement comes from a chip's thread while another chip registers.
 std::array<std::atomic<Chip*>, 256> chips;
+
+namespace {
 
 // Hands a call to the chip of a device, or refuses it.
 template <class... Params, class... Args>

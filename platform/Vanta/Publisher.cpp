@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "Vanta/Tap.h"
+
 namespace Vanta {
 namespace {
 
@@ -21,6 +23,10 @@ struct Publisher::Delivery {
 void tapIs(Tap newTap, void* context) noexcept {
     tap = newTap;
     tapContext = context;
+}
+
+InstalledTap installedTap() noexcept {
+    return {tap, tapContext};
 }
 
 Publisher::~Publisher() {

@@ -1,0 +1,36 @@
+// The scenario writer behind its lock: the event thread and the chip's thread both tell it things.
+//
+// The lock may be taken again by who has it, because the process may end while it is held, and the
+// recording is finished then. Threads: any.
+#pragma once
+
+#include <exception>
+#include <mutex>
+
+#include "agent/ScenarioWriter.h"
+
+namespace Agent {
+
+class LockedWriter {
+  public:
+    explicit LockedWriter(RecordingFile& file) : file_(file), writer_(file) {}
+
+    // Calls use(ScenarioWriter&). What that throws, for want of memory,
+    // ends the recording and nothing else.
+    template <class Use>
+    void use(Use const& use) noexcept {
+        std::scoped_lock const lock(mutex_);
+        try {
+            use(writer_);
+        } catch (std::exception const& error) {
+            file_.fail(error.what());
+        }
+    }
+
+  private:
+    std::recursive_mutex mutex_;
+    RecordingFile& file_;
+    ScenarioWriter writer_;
+};
+
+}  // namespace Agent

@@ -1,0 +1,83 @@
+// Records a live run as a scenario: what came to the tracer from outside, in an order in which
+// `vynpt replay` makes the tracer do the same again. docs/replay.md says how it is used and what a
+// scenario cannot say.
+//
+// It stands beside the tracer and changes nothing, but for phase-0 answers that come in the turn of
+// a digest (RecordedPhase0.h): it hears every publication, and stands in front of the chip and of
+// the phase-0 data. If the process ends, the event that ended it is written too.
+//
+// It takes the place of the process's tap and last step and goes on telling who was there; who
+// comes later leaves earlier. One recorder at a time. Thread: the event thread.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "Kel/Dir.h"
+#include "Orb/TaskSchedulerRoot.h"
+#include "Vanta/Assert.h"
+#include "Vanta/Tap.h"
+#include "agent/DeriveState.h"
+#include "agent/LockedWriter.h"
+#include "agent/RecordedChip.h"
+#include "agent/RecordedPhase0.h"
+#include "agent/ScenarioLines.h"
+
+namespace Agent {
+
+class Recorder {
+  public:
+    // What is recorded. It outlives the recorder.
+    struct Scene {
+        Vanta::Ptr<Orb::TaskSchedulerRoot> loop;
+        Vanta::Ptr<Kel::Dir> clientConfigs;
+        Vanta::Ptr<Kel::Dir> clientStatuses;
+        ForwardingState const& forwardingState;
+        Vanta::Ptr<VynSdk::Phase0DataIntf> phase0Data;
+        VynId::VynDevId device;
+    };
+
+    // Begins with what is there. Errors: std::logic_error if there is a recorder or no chip.
+    // Preconditions: there is no tracer yet; `file` outlives the recorder.
+    Recorder(Scene const& scene, RecordingFile& file);
+    Recorder(Recorder const&) = delete;
+    Recorder& operator=(Recorder const&) = delete;
+    // Precondition: there is no tracer any more.
+    ~Recorder();
+
+    // The phase-0 data that the tracer is to be given.
+    Vanta::Ptr<VynSdk::Phase0DataIntf> phase0Data() const { return phase0_; }
+
+    // Ahead of each: the tracer is made; it is released.
+    void starting(bool pktTracerSupported, bool pktGenSupported, std::uint32_t session);
+    void stopping();
+    // Behind it: forwarding state changed.
+    void forwardingStateChanged();
+
+  private:
+    static void tap(void* context, Vanta::Publisher const& publisher,
+                    Vanta::AttributeNumber attribute, Vanta::ValueRef key,
+                    Vanta::ValueRef oldValue);
+    static void lastStep(std::string_view errorClass, std::string_view text);
+
+    void published(Vanta::Publisher const& publisher, Vanta::AttributeNumber attribute,
+                   Vanta::ValueRef key);
+    void configEntry(Vanta::String const& name);
+    void statusEntry(Vanta::String const& name);
+    void requestEntry(Vanta::Node const& config, PacketTracer::RequestId const& id);
+    void requestAttribute(PacketTracer::Request const& request, Vanta::AttributeNumber attribute);
+    void event(std::string line);
+    void content(std::string_view what, Vanta::String const& client, std::size_t count);
+
+    Scene const scene_;
+    LockedWriter writer_;
+    RecordedState state_;
+    RecordedChip chip_;
+    Vanta::Ptr<RecordedPhase0> phase0_;
+    std::uint64_t digestTurn_ = 0;  // the latest turn that read a digest
+    bool running_ = false;          // there is a tracer
+    Vanta::InstalledTap previousTap_;
+    Vanta::LastStep previousStep_;
+};
+
+}  // namespace Agent

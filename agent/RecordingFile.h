@@ -1,0 +1,38 @@
+// The file that a recording is written to: whole lines only, whatever happens.
+//
+// What is appended is handed to the system before append() returns. A write that the system does not
+// take whole is taken back to the end of the line before it, and nothing follows it.
+// Thread: one at a time.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace Agent {
+
+class RecordingFile {
+  public:
+    // Makes the file, or empties the one that is there.
+    // Errors: std::system_error, which names the path.
+    explicit RecordingFile(std::string path);
+    RecordingFile(RecordingFile const&) = delete;
+    RecordingFile& operator=(RecordingFile const&) = delete;
+    ~RecordingFile();
+
+    // Appends lines, each with its end. Nothing happens after an error.
+    void append(std::string_view lines) noexcept;
+
+    // Gives the recording up: what is there stays, and nothing follows it.
+    void fail(std::string_view reason) noexcept;
+
+    // Why the recording ends early, the path included; empty if it does not.
+    std::string const& error() const noexcept { return error_; }
+
+  private:
+    std::string const path_;
+    int descriptor_;
+    long long size_ = 0;  // of the whole lines
+    std::string error_;
+};
+
+}  // namespace Agent

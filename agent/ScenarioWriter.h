@@ -1,0 +1,127 @@
+// Puts what a live run did into the order of a scenario.
+//
+// In a scenario what an event will meet stands ahead of it: the counters that it will read, the
+// calls that will fail, the digests that its turn will take. So an event is written when the next
+// one begins, with what it met ahead of it. A turn is one event:
+//
+//   live                                         scenario
+//   posted calls and what else comes from        events ahead of the turn, in their order
+//   outside, up to the first of the two below
+//   the digest's descriptor is announced         the digest that is read, just ahead of the turn
+//   the engine's task runs                       the turn
+//   what comes from outside behind these         events behind the turn
+//
+// What comes between the two, in the same turn, cannot be said if the task was to run anyway; it
+// then stands ahead of a second turn, and a comment tells of it. Turns of which nobody heard are
+// none. Turns that meet nothing are counted together.
+//
+// A digest's acknowledgement may come after the turn that read it. What stands behind it waits in
+// memory until it is known, so nobody ever waits for another thread.
+//
+// Threads: received(), acknowledged() and done() any; everything else the event thread. Calls do
+// not overlap; the caller sees to it.
+#pragma once
+
+#include <array>
+#include <cstdint>
+#include <deque>
+#include <limits>
+#include <list>
+#include <map>
+#include <optional>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "agent/RecordingFile.h"
+
+namespace Agent {
+
+class ScenarioWriter {
+  public:
+    using TurnNumber = std::uint64_t;
+
+    static constexpr std::uint64_t defaultMostTurns = 1'000'000;
+
+    // `file` outlives the writer. One event takes `mostTurns` turns at most.
+    explicit ScenarioWriter(RecordingFile& file, std::uint64_t mostTurns = defaultMostTurns)
+        : file_(file), mostTurns_(mostTurns) {}
+
+    // Something from outside begins. `line` is its event.
+    void event(std::string line);
+    // The same for the release of the tracer, which loses the digests that were not read.
+    void stop(std::string line);
+    // A remark for people, behind what has begun.
+    void remark(std::string_view text);
+
+    // In a turn of the loop: the digest's descriptor is announced; the engine's task runs and will
+    // be asked to yield after so many checks.
+    void digestAnnounced(TurnNumber turn);
+    void taskRuns(TurnNumber turn, std::uint32_t yieldAfter);
+
+    // What the event under way meets. `call` is the function's name.
+    void called(std::string_view call, std::int32_t rc);
+    void counterRead(std::uint32_t pipe, std::uint64_t count);
+
+    // A learn message: received with these entries; acknowledged; the callback has returned.
+    using Reception = std::uint64_t;
+    Reception received(std::span<std::uint8_t const> entries);
+    void acknowledged(std::int32_t rc);
+    void done(Reception reception);
+
+    // Writes everything that is known by now. The event that has begun counts as it is, and what
+    // was received and not read stands behind it.
+    void finish();
+
+  private:
+    struct Message {
+        Reception number = 0;
+        std::string line;
+        std::int32_t rc = 0;  // of its acknowledgement
+        bool done = false;
+    };
+    using Messages = std::list<Message>;
+    struct Calls {
+        std::string_view name;
+        std::vector<std::int32_t> results;
+    };
+    struct Under {         // the event under way
+        std::string line;  // empty for a turn
+        bool isStop = false;
+        TurnNumber turn = 0;
+        bool taskRan = false;
+        std::vector<std::string> ahead;
+        Messages messages;                                             // to be taken in it
+        std::vector<Calls> calls;                                      // by function
+        std::map<std::uint32_t, std::vector<std::uint64_t>> counters;  // by pipe
+        std::vector<std::string> remarks;
+    };
+    // A line, or a message that becomes one or two when it is done.
+    struct Item {
+        std::string lines;
+        Messages message;
+    };
+
+    Under& turnUnder(TurnNumber turn);
+    void close();
+    void addCalls(Under& under);
+    void addCounters(Under& under);
+    void add(std::string const& line);
+    void addMessages(Messages&& messages);
+    void addTurns();
+    void write(bool all);
+
+    RecordingFile& file_;
+    std::uint64_t const mostTurns_;
+    std::optional<Under> under_;
+    std::uint64_t turns_ = 0;  // that meet nothing, not written yet
+    std::optional<TurnNumber> closedTurn_;
+    Messages unread_;  // received and not read, in their order
+    Reception receptions_ = 0;
+    std::deque<Item> items_;                           // not written yet
+    std::map<std::uint32_t, std::uint64_t> counters_;  // what a scenario's chip would give by now
+    std::uint32_t yieldAfter_ = std::numeric_limits<std::uint32_t>::max();
+};
+
+}  // namespace Agent
