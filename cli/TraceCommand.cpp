@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "agent/ForwardingAgent.h"
+#include "agent/RecordingFile.h"
 #include "agent/SwitchFile.h"
 #include "cli/Capture.h"
 #include "cli/CaptureWriter.h"
@@ -56,6 +57,7 @@ struct Arguments {
     bool json = false;
     bool explain = false;
     std::string write;
+    std::string record;
     std::optional<std::string> expect;
     std::string timeout = "2";
 };
@@ -118,6 +120,10 @@ std::unique_ptr<FrameSource> openSource(Arguments const& arguments, SwitchModel 
         if (!arguments.write.empty() && capture->isSameFile(arguments.write)) {
             throw UsageError("--write: expected another file than the capture, got " +
                              arguments.write);
+        }
+        if (!arguments.record.empty() && capture->isSameFile(arguments.record)) {
+            throw UsageError("--record: expected another file than the capture, got " +
+                             arguments.record);
         }
         return capture;
     }
@@ -187,7 +193,8 @@ ExitStatus statusOf(TraceRun::Result const& result) {
 }
 
 TraceRun::Result traceAll(Arguments const& arguments, TraceRunOptions options,
-                          SwitchModel const& model, FrameSource& source) {
+                          SwitchModel const& model, FrameSource& source,
+                          Agent::RecordingFile* recording) {
     // The road hears the chip's thread, too, so it outlives the agent.
     std::optional<Road> road;
     ChipNames const names(model);
@@ -195,7 +202,7 @@ TraceRun::Result traceAll(Arguments const& arguments, TraceRunOptions options,
         options.road = &road.emplace();
         options.names = &names;
     }
-    Agent::ForwardingAgent agent(model);
+    Agent::ForwardingAgent agent(model, {.recording = recording});
     Interrupt const interrupt(Vanta::Ptr<Orb::TaskSchedulerRoot>(&agent.loop()));
     Printer printer(arguments, source);
     TraceRun run(
@@ -216,7 +223,15 @@ int trace(Arguments const& arguments) {
     }
     auto const model = Agent::readSwitchFile(arguments.switchFile);
     auto const source = openSource(arguments, model, options.ingress);
-    auto const result = traceAll(arguments, std::move(options), model, *source);
+    std::optional<Agent::RecordingFile> recording;
+    if (!arguments.record.empty()) {
+        recording.emplace(arguments.record);
+    }
+    auto const result =
+        traceAll(arguments, std::move(options), model, *source, recording ? &*recording : nullptr);
+    if (recording && !recording->error().empty()) {
+        throw UsageError(recording->error());
+    }
     Interrupt::raiseAgain();
     if (!result.badInput.empty()) {
         std::cerr << "vynpt: " << result.badInput << '\n';
@@ -243,6 +258,10 @@ void addOptions(CLI::App& command, Arguments& arguments) {
     command.add_flag("--explain", arguments.explain,
                      "Show the chip's steps and the request's road, with times");
     command.add_option("--write", arguments.write, "Write the frames as injected to a pcap file")
+        ->type_name("FILE");
+    command
+        .add_option("--record", arguments.record,
+                    "Record the run as a scenario, which `vynpt replay` plays again")
         ->type_name("FILE");
     command
         .add_option("--expect", arguments.expect,

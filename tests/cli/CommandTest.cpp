@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <vector>
 
 #include "ScratchFile.h"
@@ -95,6 +96,7 @@ TEST(Command, WrongValuesAreBadUsage) {
 TEST(Command, TheCaptureIsNotOverwritten) {
     ScratchFile const copy("copy.pcap", contentOf(capture("ecmp.pcap")));
     expectUsageError(traced({copy.path(), "--write", copy.path()}), "--write");
+    expectUsageError(traced({copy.path(), "--record", copy.path()}), "--record");
     EXPECT_EQ(copy.content(), contentOf(capture("ecmp.pcap")));
 }
 
@@ -177,6 +179,25 @@ TEST(Command, WhatWasInjectedIsWritten) {
     };
     EXPECT_EQ(injected(first.out), injected(again.out));
     EXPECT_EQ(static_cast<std::size_t>(std::ranges::count(again.out, '\n')), injected(first.out));
+}
+
+TEST(Command, ARunIsRecordedAndReplayed) {
+    ScratchFile const recorded("recorded.jsonl");
+    EXPECT_EQ(traced({capture("ecmp.pcap"), "--record", recorded.path()}).status, 0);
+    auto const replayed = ran({"replay", recorded.path()});
+    EXPECT_EQ(replayed.status, 0);
+    EXPECT_EQ(replayed.err, "");
+    std::istringstream lines(replayed.out);
+    std::size_t results = 0;
+    for (std::string line; std::getline(lines, line);) {
+        results += line.starts_with(R"({"result":"valid","client":"vynpt",)") ? 1 : 0;
+    }
+    EXPECT_EQ(results, 8U);
+}
+
+TEST(Command, ARecordingThatCannotBeWrittenIsStatus2) {
+    expectUsageError(traced({capture("ecmp.pcap"), "--record", "/no/such/directory/run.jsonl"}),
+                     "/no/such/directory/run.jsonl");
 }
 
 TEST(Command, InterfacesArePrintedOneALine) {
