@@ -7,6 +7,8 @@
 
 namespace Agent {
 
+ScenarioWriter::Under::Under() = default;
+
 void ScenarioWriter::event(std::string line) {
     close();
     under_.emplace().line = std::move(line);

@@ -86,7 +86,9 @@ class ScenarioWriter {
         std::string_view name;
         std::vector<std::int32_t> results;
     };
-    struct Under {         // the event under way
+    struct Under {  // the event under way
+        Under();    // defined where the class is complete, which std::optional asks for
+
         std::string line;  // empty for a turn
         bool isStop = false;
         TurnNumber turn = 0;
