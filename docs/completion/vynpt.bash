@@ -57,7 +57,7 @@ _vynpt_list() {
 _vynpt_options() {
     case $1 in
     trace)
-        echo --switch --in --frame --hex --json --explain --write --expect --timeout --help \
+        echo --switch --in --frame --hex --json --explain --write --record --expect --timeout --help \
             --ether-type --eth-dst --eth-src --vlan --arp-op --arp-sender-mac --arp-sender-ip \
             --arp-target-mac --arp-target-ip --ip-dst --ip-src --ttl --dscp --dont-fragment --proto \
             --sport --dport --tcp-flags --icmp-type --icmp-code --payload --length
@@ -73,7 +73,7 @@ _vynpt_options() {
 _vynpt_value() {
     local words
     case $1 in
-    --switch | --write) _vynpt_files "$2" ;;
+    --switch | --write | --record) _vynpt_files "$2" ;;
     --in)
         mapfile -t words < <(_vynpt_interfaces --ingress)
         _vynpt_words "$2" "${words[@]}"
