@@ -7,6 +7,7 @@
 #include <cerrno>
 #include <csignal>
 #include <cstring>
+#include <fstream>
 #include <sstream>
 #include <system_error>
 
@@ -45,33 +46,55 @@ Report readReport(std::string const& text) {
     return report;
 }
 
-[[noreturn]] void runAndExit(Program const& program, int pipe) {
+void writeScenario(Scenario const& scenario, Program const& program, Report const& report,
+                   std::string const& file) {
+    std::ofstream out(file);
+    std::istringstream detail(report.detail);
+    out << "# Seed " << program.seed << ", step " << report.step << ", invariant "
+        << report.invariant << ".\n";
+    for (std::string line; std::getline(detail, line);) {
+        out << "# " << line << '\n';
+    }
+    out << scenario.text();
+    if (!scenario.endedBy().empty()) {
+        out << "# This is not the whole run: " << scenario.endedBy() << ".\n";
+    }
+}
+
+[[noreturn]] void runAndExit(Program const& program, int pipe, std::string const& file) {
     ::alarm(secondsBeforeItHangs);
     // The texts of foreseen ends are nobody's business.
     int const nowhere = ::open("/dev/null", O_WRONLY);
     int const complaints = ::dup(STDERR_FILENO);
     ::dup2(nowhere, STDERR_FILENO);
+    Scenario scenario;
     auto const finish = [&](Report const& report) {
+        if (report.failed && !file.empty()) {
+            writeScenario(scenario, program, report, file);
+        }
         std::string const text = written(report);
         static_cast<void>(!::write(pipe, text.data(), text.size()));
         ::dup2(complaints, STDERR_FILENO);
         ::_exit(0);
     };
     Run run(program, finish);
+    if (!file.empty()) {
+        run.scenarioIs(scenario);
+    }
     finish(run.go());
     ::_exit(1);
 }
 
 }  // namespace
 
-Child::Child(Program const& program) {
+Child::Child(Program const& program, std::string const& scenario) {
     int ends[2];
     check(::pipe(ends) == 0, "pipe");
     pid_ = ::fork();
     check(pid_ >= 0, "fork");
     if (pid_ == 0) {
         ::close(ends[0]);
-        runAndExit(program, ends[1]);
+        runAndExit(program, ends[1], scenario);
     }
     ::close(ends[1]);
     pipe_ = ends[0];
@@ -116,8 +139,8 @@ Report Child::wait() {
     return report;
 }
 
-Report runInChild(Program const& program) {
-    return Child(program).wait();
+Report runInChild(Program const& program, std::string const& scenario) {
+    return Child(program, scenario).wait();
 }
 
 }  // namespace Simulate

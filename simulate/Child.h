@@ -9,8 +9,9 @@ namespace Simulate {
 // A run under way in a child process. A crash is a report too, of the invariant "alive".
 class Child {
   public:
-    // Starts the run. The program need not outlive the call. Errors: std::system_error.
-    explicit Child(Program const& program);
+    // Starts the run. The program need not outlive the call. With the name of a file the run is
+    // written down there as a scenario, if it fails. Errors: std::system_error.
+    explicit Child(Program const& program, std::string const& scenario = "");
     Child(Child const&) = delete;
     Child& operator=(Child const&) = delete;
     // Kills a run that nobody waited for.
@@ -24,6 +25,6 @@ class Child {
     int pipe_ = -1;
 };
 
-Report runInChild(Program const& program);
+Report runInChild(Program const& program, std::string const& scenario = "");
 
 }  // namespace Simulate

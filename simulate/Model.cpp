@@ -433,6 +433,16 @@ std::vector<Id> Model::pendingJobs() const {
     return ids;
 }
 
+bool Model::configIsMounted(unsigned client) const {
+    auto const* const entity = configs_.find(clientName(client));
+    return entity != nullptr && entity->own && entity->own == configsInHand_[client];
+}
+
+bool Model::statusIsMounted(unsigned client) const {
+    auto const* const entity = statuses_.find(clientName(client));
+    return entity != nullptr && entity->own && entity->own == statusesInHand_[client];
+}
+
 std::vector<Id> Model::requestsOf(unsigned client) const {
     std::vector<Id> ids;
     if (auto const& config = configsInHand_[client]) {

@@ -112,6 +112,9 @@ class Model {
     std::vector<Id> jobs() const;
     std::vector<Id> answers() const;
     bool clientRuns(unsigned client) const { return clients_.has(clientName(client)); }
+    // Whether the directories have the object that a client has in hand.
+    bool configIsMounted(unsigned client) const;
+    bool statusIsMounted(unsigned client) const;
     // The requests of the configuration in hand of a client.
     std::vector<Id> requestsOf(unsigned client) const;
 

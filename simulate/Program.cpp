@@ -145,25 +145,28 @@ Bytes drawFrame(Random& random, unsigned client, std::uint32_t req) {
 
 // What a seed is like.
 struct Mood {
-    bool reckless = false;    // does what ends the process
-    bool calls = false;       // calls fail
-    bool phase0 = false;      // answers are late, lost, refused, for others
-    bool counters = false;    // stall, start anew
-    bool digests = false;     // lost, doubled, held
-    bool forges = false;      // learn messages from nowhere
-    bool socket = false;      // fills up
-    bool forwarding = false;  // changes under way
-    bool restarts = false;    // the agent restarts
-    bool vanishes = false;    // clients go without withdrawing
+    bool reckless = false;     // clients do what ends the process
+    bool wildDigests = false;  // digests say what ends the process
+    bool calls = false;        // calls fail
+    bool phase0 = false;       // answers are late, lost, refused, for others
+    bool counters = false;     // stall, start anew
+    bool digests = false;      // lost, doubled, held
+    bool forges = false;       // learn messages from nowhere
+    bool socket = false;       // fills up
+    bool forwarding = false;   // changes under way
+    bool restarts = false;     // the agent restarts
+    bool vanishes = false;     // clients go without withdrawing
 };
 
 Mood drawMood(Random& random) {
     Mood mood;
-    mood.reckless = random.chance(25);
+    mood.reckless = random.chance(15);
+    mood.wildDigests = random.chance(15);
     for (auto* const fault :
          {&mood.calls, &mood.phase0, &mood.counters, &mood.digests, &mood.forges, &mood.socket}) {
         *fault = random.chance(35);
     }
+    mood.forges = mood.forges || mood.wildDigests;
     mood.forwarding = random.chance(60);
     mood.restarts = random.chance(35);
     mood.vanishes = random.chance(50);
@@ -207,6 +210,10 @@ class Drawer {
             }
         }
         add({.kind = Kind::start, .flag = !random_.chance(12)});
+        if (mood_.forges && random_.chance(40)) {
+            // The chip's own digests are lost, so those from nowhere give the answers.
+            add({.kind = Kind::digestFate, .a = 1, .b = 1, .c = 100000});
+        }
     }
 
     void one() {
@@ -499,11 +506,11 @@ class Drawer {
         entry.egrPort = random_.chance(45)   ? 511
                         : random_.chance(80) ? random_.pick(ports_)
                                              : static_cast<std::uint16_t>(random_.below(457));
-        if (mood_.reckless && random_.chance(10)) {
+        if (mood_.wildDigests && random_.chance(15)) {
             entry.l2Domain = 4095;
-        } else if (mood_.reckless && random_.chance(10)) {
+        } else if (mood_.wildDigests && random_.chance(8)) {
             entry.egrPort = static_cast<std::uint16_t>(random_.between(455, 520));
-        } else if (!mood_.reckless && entry.l2Domain == 0) {
+        } else if (!mood_.wildDigests && entry.l2Domain == 0) {
             entry.routed = 0;
         }
         return entry;
@@ -518,6 +525,21 @@ class Drawer {
     std::vector<Event> told_;  // the switch's own forwarding state
 };
 
+// One job that the chip refuses until the packet ids have wrapped.
+void drawLongLife(Random& random, std::vector<Event>& events) {
+    events.push_back({.kind = Kind::clientConfig});
+    events.push_back({.kind = Kind::clientStatus});
+    events.push_back({.kind = Kind::start, .flag = true});
+    events.push_back({.kind = Kind::request,
+                      .req = 1,
+                      .intf = named("Ethernet1"),
+                      .a = 0x800,
+                      .flag = true,
+                      .raw = drawFrame(random, 0, 1)});
+    events.push_back({.kind = Kind::callFails, .a = 1, .b = 1, .c = 65540, .value = 1});
+    events.push_back({.kind = Kind::turn, .a = 3 * 65540});
+}
+
 }  // namespace
 
 Program drawProgram(std::uint64_t seed, unsigned steps) {
@@ -526,6 +548,10 @@ Program drawProgram(std::uint64_t seed, unsigned steps) {
     program.seed = seed;
     program.drawn.model = Agent::parseSwitchFile(drawSwitch(random), "drawn");
     program.events = tellForwarding(program.drawn.model);
+    if (seed % longLives == 0) {
+        drawLongLife(random, program.events);
+        return program;
+    }
     Drawer drawer(random, program.events);
     drawer.beginning();
     auto const told = program.events.size();

@@ -1,6 +1,7 @@
 // What a seed stands for: a switch, and a program of events that happens to its tracer.
 //
-// Some seeds are calm, most draw a few kinds of faults, and some are reckless: their clients and
+// One seed in a thousand is a long life of one job, in which the packet ids wrap. Of the others some
+// are calm, most draw a few kinds of faults, and some are reckless: their clients and
 // digests also do what the tracer answers with the end of the process.
 #pragma once
 
@@ -23,6 +24,9 @@ struct Program {
     Switch drawn;
     std::vector<Event> events;
 };
+
+// Every so many seeds one is a long life.
+inline constexpr std::uint64_t longLives = 1000;
 
 // The same program for the same arguments, on every machine. `steps` counts the events after the
 // switch's forwarding state was told.

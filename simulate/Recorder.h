@@ -46,6 +46,7 @@ class Recorder {
         wire_.answers.push_back(answer);
     }
 
+    std::vector<std::string> const& log() const { return log_; }
     std::vector<std::string> takeLog() { return std::exchange(log_, {}); }
     Wire& wire() { return wire_; }
 

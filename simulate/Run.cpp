@@ -71,6 +71,7 @@ bool Run::step(Event const& event) {
     if (interfere_) {
         interfere_(*world_, event);
     }
+    writeDown(event);
     report_.injections = world_->packets().injections();
     report_.messages = world_->board().messages();
     wasOrderly_ = event.kind == Kind::start || (wasOrderly_ && world_->packets().orderly());
@@ -84,6 +85,12 @@ bool Run::step(Event const& event) {
         return fail(*breach);
     }
     return true;
+}
+
+void Run::writeDown(Event const& event) {
+    if (scenario_ != nullptr) {
+        scenario_->add(event, world_->recorder().log(), world_->recorder().wire(), model_);
+    }
 }
 
 std::optional<Breach> Run::check() {
@@ -146,6 +153,7 @@ void Run::lastStep(std::string_view type, std::string_view text) {
 // The event is not over, and never will be: what was seen of it must be a beginning that the model
 // ends in the same way. It is given nothing that the tracer did not get as far as asking for.
 void Run::ended(std::string_view type, std::string_view text) {
+    writeDown(*event_);
     auto const happened = world_->recorder().takeLog();
     Fatal foretold;
     try {

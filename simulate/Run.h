@@ -17,6 +17,7 @@
 
 #include "simulate/Model.h"
 #include "simulate/Program.h"
+#include "simulate/Scenario.h"
 #include "simulate/World.h"
 
 namespace Simulate {
@@ -53,6 +54,9 @@ class Run {
         interfere_ = std::move(interfere);
     }
 
+    // Has the run written down as a scenario, up to its end or its failure.
+    void scenarioIs(Scenario& scenario) { scenario_ = &scenario; }
+
     Report go();
     // Where the run is, for whoever watches it.
     Report const& report() const { return report_; }
@@ -63,6 +67,7 @@ class Run {
 
     void carryOut(Event const& event);
     bool step(Event const& event);
+    void writeDown(Event const& event);
     std::optional<Breach> check();
     std::optional<Breach> compareLogs(std::vector<std::string> const& happened);
     bool fail(Breach const& breach);
@@ -83,6 +88,7 @@ class Run {
     std::optional<World> world_;
     Model model_;
     Event const* event_ = nullptr;
+    Scenario* scenario_ = nullptr;
     bool wasOrderly_ = true;  // every phase-0 answer of this tracer's life was awaited
     std::uint64_t nodesBefore_;
     Vanta::LastStep previous_;

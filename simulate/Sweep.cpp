@@ -52,11 +52,17 @@ void printFailure(std::ostream& out, Program const& program, Report const& repor
         << ": " << report.detail << "\n  event: " << report.event << '\n';
 }
 
-void printShrunken(std::ostream& out, Program const& program) {
+// Shrinks the program, prints what is left of it and leaves its scenario.
+void reduce(std::ostream& out, Program const& whole, Report const& report,
+            std::string const& directory) {
+    Program const program = shrunken(whole, report, shrinkBudget);
     out << "  shrunk to " << program.events.size() << " events:\n";
     for (auto const& event : program.events) {
         out << "    " << text(event) << '\n';
     }
+    std::string const file = joined(directory, "/simulate-", program.seed, ".jsonl");
+    auto const again = runInChild(program, file);
+    out << "  fails with: " << again.detail << "\n  scenario: " << file << '\n';
 }
 
 struct Running {
@@ -116,7 +122,7 @@ unsigned sweep(SweepOptions const& options, std::ostream& out) {
         if (report.failed) {
             printFailure(out, finished.program, report);
             if (options.shrink) {
-                printShrunken(out, shrunken(finished.program, report, shrinkBudget));
+                reduce(out, finished.program, report, options.directory);
             }
         }
     }
