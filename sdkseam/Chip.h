@@ -28,8 +28,7 @@ class Chip {
     virtual p4_pd_status_t genOnePkt(p4_pd_sess_hdl_t session, std::uint32_t pipe,
                                      std::uint32_t genPort, std::uint8_t portIndex,
                                      std::uint32_t appId, std::span<std::uint8_t const> pkt,
-                                     std::span<std::uint8_t const> phase0,
-                                     std::uint16_t pktId) = 0;
+                                     std::span<std::uint8_t const> phase0, std::uint16_t pktId) = 0;
     virtual p4_pd_status_t disableAppId(p4_pd_sess_hdl_t session, std::uint32_t pipe,
                                         std::uint32_t appId) = 0;
     virtual p4_pd_status_t disablePktGen(p4_pd_sess_hdl_t session, std::uint32_t pipe,
