@@ -25,7 +25,7 @@ class OutputError : public std::runtime_error {
 class Output {
   public:
     // Blocks are kept until there are so many bytes of them, or flush() is called.
-    static constexpr std::size_t kept = 64 * 1024;
+    static constexpr std::size_t kept = 65536;
 
     explicit Output(int descriptor) : descriptor_(descriptor) {}
     Output(Output const&) = delete;
