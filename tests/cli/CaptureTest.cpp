@@ -12,7 +12,7 @@
 namespace Cli {
 namespace {
 
-std::string little(std::uint32_t value, unsigned size) {
+std::string little(std::uint64_t value, unsigned size) {
     std::string bytes;
     for (unsigned i = 0; i < size; ++i) {
         bytes += static_cast<char>(value >> 8 * i);
