@@ -1,7 +1,6 @@
 #include "PacketTracer/ConstructPacket.h"
 
 #include <gtest/gtest.h>
-#include <stdlib.h>
 
 #include <array>
 #include <cstdio>
@@ -16,6 +15,7 @@
 #include "PacketTracer/PacketDefaults.h"
 #include "PacketTracer/PacketSize.h"
 #include "PacketTracer/SomeFields.h"
+#include "ScratchPath.h"
 
 // What tshark, which knows nothing of this code, says of the frames: it dissects every one of them
 // down to the last protocol, verifies each checksum, and has nothing to complain of.
@@ -23,26 +23,6 @@
 namespace {
 
 using namespace SomeFields;
-
-// A folder that goes with the test.
-class Scratch {
-  public:
-    Scratch() {
-        std::string path = testing::TempDir() + "vynpt-dissection-XXXXXX";
-        if (mkdtemp(path.data()) == nullptr) {
-            throw std::runtime_error("no folder " + path);
-        }
-        path_ = path;
-    }
-    Scratch(Scratch const&) = delete;
-    Scratch& operator=(Scratch const&) = delete;
-    ~Scratch() { std::filesystem::remove_all(path_); }
-
-    std::filesystem::path const& path() const { return path_; }
-
-  private:
-    std::filesystem::path path_;
-};
 
 void writePcap(std::filesystem::path const& path, std::vector<Vanta::Bytes> const& frames) {
     std::ofstream file(path, std::ios::binary);
@@ -83,15 +63,18 @@ std::vector<std::string> split(std::string const& text, char separator) {
 using Dissection = std::map<std::string, std::string>;
 
 std::vector<Dissection> dissected(std::vector<Vanta::Bytes> const& frames) {
-    Scratch const scratch;
-    auto const capture = scratch.path() / "frames.pcap";
+    // A folder that has the capture and what tshark keeps of its settings.
+    ScratchPath const scratch("dissection");
+    std::filesystem::path const folder = scratch.string();
+    std::filesystem::create_directory(folder);
+    auto const capture = folder / "frames.pcap";
     writePcap(capture, frames);
     std::vector<std::string> const names{"frame.protocols",        "_ws.expert.severity",
                                          "_ws.expert.message",     "_ws.malformed",
                                          "ip.checksum.status",     "tcp.checksum.status",
                                          "udp.checksum.status",    "icmp.checksum.status",
                                          "icmpv6.checksum.status", "frame.len"};
-    std::string command = "WIRESHARK_CONFIG_DIR='" + scratch.path().string() + "' tshark -n -r '" +
+    std::string command = "WIRESHARK_CONFIG_DIR='" + folder.string() + "' tshark -n -r '" +
                           capture.string() +
                           "' -o ip.check_checksum:TRUE -o tcp.check_checksum:TRUE"
                           " -o udp.check_checksum:TRUE -T fields";

@@ -10,21 +10,15 @@
 #include <string>
 #include <vector>
 
+#include "ScratchPath.h"
 #include "Trace/RingReader.h"
 #include "Trace/Ringlog.h"
 #include "Trace/Trace.h"
 
 class RingFixture : public ::testing::Test {
   protected:
-    RingFixture() {
-        std::string name = std::filesystem::temp_directory_path() / "vynpt-ring-XXXXXX";
-        directory_ = ::mkdtemp(name.data());
-        path_ = directory_ + "/ring";
-    }
-    ~RingFixture() override {
-        Trace::ringDel();
-        std::filesystem::remove_all(directory_);
-    }
+    RingFixture() { std::filesystem::create_directories(directory_); }
+    ~RingFixture() override { Trace::ringDel(); }
 
     std::vector<Trace::RingMessage> messages() const {
         Trace::RingReader reader(path_);
@@ -74,7 +68,11 @@ class RingFixture : public ::testing::Test {
 
     static constexpr std::size_t smallest = 64;
 
-    std::string directory_;
-    std::string path_;
+  private:
+    ScratchPath const scratch_{"rings"};
+
+  protected:
+    std::string const directory_ = scratch_.string();
+    std::string const path_ = directory_ + "/ring";
     Trace::Handle& handle_ = Trace::handle("VynPtSm");
 };

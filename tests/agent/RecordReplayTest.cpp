@@ -380,17 +380,17 @@ int replayed(std::string const& path) {
 
 TEST_F(RecordReplay, TheEventThatEndsTheProcess) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
-    std::string const path = testing::TempDir() + "the-event-that-ends-the-process.jsonl";
+    ScratchPath const path("recorded.jsonl");
     auto const live = [&path] {
-        RecordingFile recording(path);
+        RecordingFile recording(path.string());
         ForwardingAgent agent(parseSwitchFile(switchFile, "test"),
                               {.mode = SoftChip::Mode::stepwise, .recording = &recording});
         Client client(agent);
         changePacket(agent, client);
     };
     EXPECT_EXIT(live(), testing::KilledBySignal(SIGABRT), "ReinstantiationError");
-    EXPECT_EXIT(std::exit(replayed(path)), testing::ExitedWithCode(Replay::fatalStatus), "");
-    std::filesystem::remove(path);
+    EXPECT_EXIT(std::exit(replayed(path.string())), testing::ExitedWithCode(Replay::fatalStatus),
+                "");
 }
 
 // ---- Threads

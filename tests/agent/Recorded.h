@@ -2,17 +2,15 @@
 #pragma once
 
 #include <gtest/gtest.h>
-#include <unistd.h>
 
 #include <chrono>
-#include <filesystem>
-#include <fstream>
 #include <functional>
 #include <mutex>
 #include <optional>
 #include <sstream>
 #include <string>
 
+#include "ScratchPath.h"
 #include "Trace/Trace.h"
 #include "Vanta/Publisher.h"
 #include "agent/ForwardingAgent.h"
@@ -170,33 +168,11 @@ class LiveObservation final : public SdkSeam::Chip {
     std::optional<SdkSeam::Interposition> front_;
 };
 
-// A file name of this test's own, which goes with it.
-class ScratchPath {
-  public:
-    ScratchPath()
-        : path_(std::filesystem::temp_directory_path() /
-                ("recorded-" + std::to_string(::getpid()) + ".jsonl")) {}
-    ScratchPath(ScratchPath const&) = delete;
-    ScratchPath& operator=(ScratchPath const&) = delete;
-    ~ScratchPath() {
-        std::error_code ignored;
-        std::filesystem::remove(path_, ignored);
-    }
-    std::string string() const { return path_.string(); }
-    std::string content() const {
-        std::ifstream in(path_, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
-
-  private:
-    std::filesystem::path path_;
-};
-
 // Runs `live` with an agent that is recorded; then replays the recording and compares what both
 // showed. Returns the recording.
 inline std::string expectReplayed(SwitchModel const& model, AgentOptions options,
                                   std::function<void(ForwardingAgent&)> const& live) {
-    ScratchPath const path;
+    ScratchPath const path("recorded.jsonl");
     Observed observed;
     {
         LiveObservation observation;

@@ -4,23 +4,24 @@
 #include <sys/resource.h>
 
 #include <csignal>
-#include <filesystem>
 #include <fstream>
 #include <string>
 #include <system_error>
+
+#include "ScratchPath.h"
 
 namespace Agent {
 namespace {
 
 class RecordingFileTest : public testing::Test {
   protected:
-    ~RecordingFileTest() override { std::filesystem::remove(path); }
-    std::string content() const {
-        std::ifstream in(path, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
+    std::string content() const { return scratch_.content(); }
 
-    std::string const path = testing::TempDir() + "recording-file-test.jsonl";
+  private:
+    ScratchPath const scratch_{"recording.jsonl"};
+
+  protected:
+    std::string const path = scratch_.string();
 };
 
 TEST_F(RecordingFileTest, HasWhatWasAppendedAtOnce) {

@@ -3,9 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <filesystem>
-#include <fstream>
+#include <limits>
 #include <string>
+
+#include "ScratchPath.h"
 
 namespace Agent {
 namespace {
@@ -14,13 +15,8 @@ constexpr std::uint32_t never = std::numeric_limits<std::uint32_t>::max();
 
 class ScenarioWriterTest : public testing::Test {
   protected:
-    ~ScenarioWriterTest() override { std::filesystem::remove(path_); }
-
     // What stands in the file.
-    std::string written() const {
-        std::ifstream in(path_, std::ios::binary);
-        return {std::istreambuf_iterator<char>(in), {}};
-    }
+    std::string written() const { return path_.content(); }
     std::string finished() {
         writer.finish();
         return written();
@@ -46,8 +42,8 @@ class ScenarioWriterTest : public testing::Test {
     static inline std::string const digest2 = digest("2", "514");
 
   private:
-    std::string const path_ = testing::TempDir() + "scenario-writer-test.jsonl";
-    RecordingFile file_{path_};
+    ScratchPath const path_{"scenario.jsonl"};
+    RecordingFile file_{path_.string()};
 
   protected:
     static constexpr std::uint64_t mostTurns = 10;
