@@ -78,9 +78,6 @@ PacketTracerSm::PacketTracerSm(
         handleInitialized();
     } catch (...) {
         unsubscribe();
-        for (auto const& entry : localStatus_) {
-            entry.value->ownerDel();
-        }
         throw;
     }
 }

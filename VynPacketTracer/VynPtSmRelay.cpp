@@ -68,14 +68,8 @@ Vanta::Ptr<PktGenStatus> PacketTracerSm::pktGenStatusIs() {
     }
     pktGenStatus_ = pktGenStatusFactory();
     subscribeToPktGenStatus();
-    for (auto const& entry : pktGenStatus_->status()) {
-        localStatusIs(entry.value);
-    }
-    for (auto const& entry : localStatus_) {
-        if (!pktGenStatus_->statusHas(entry.key)) {
-            localStatusDel(RequestId(entry.key));
-        }
-    }
+    // A new collection is empty: no watcher has an entry there.
+    localStatusDelAll();
     return pktGenStatus_;
 }
 

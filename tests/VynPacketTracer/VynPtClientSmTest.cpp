@@ -1,6 +1,7 @@
 #include "VynPacketTracer/VynPtClientSm.h"
 
 #include "VynPacketTracer/ClientFixture.h"
+#include "VynPacketTracer/Reflected.h"
 
 namespace VynPacketTracer {
 namespace {
@@ -68,6 +69,18 @@ TEST_F(PacketTracerClientSmTest, IsActiveAfterItsCreation) {
     start();
     EXPECT_TRUE(client->hasNotificationActive());
     EXPECT_FALSE(client->isZombie());
+}
+
+TEST_F(PacketTracerClientSmTest, WithoutAConfigurationItHasNoRequestsAndLeavesNoResults) {
+    clientConfig = nullptr;
+    clientStatus->resultIs(id("noc", 1));
+    EXPECT_EQ(after([&] { start(); }),
+              (Lines{"VynPtClientSm/7 handleInitialized:client noc",
+                     "VynPtClientSm/7 handleResults:client noc #status:1", "result del noc/1",
+                     "VynPtClientSm/7 handleRequests:client noc #request:0"}));
+    EXPECT_EQ(after([&] { client->handleRequest(id("noc", 2)); }),
+              (Lines{"VynPtClientSm/7 handleRequest:client:noc reqId:2",
+                     "VynPtClientSm/7 handleRequest:del client:noc reqId:2"}));
 }
 
 TEST_F(PacketTracerClientSmTest, AConstructionThatFailsLeavesNoSubscriptionBehind) {
@@ -317,6 +330,16 @@ TEST_F(RequestReactorTest, ATornDownReactorWatchesAnotherRequestWithoutReacting)
     EXPECT_EQ(client->request(id("noc", 1))->notifier(), other);
 }
 
+TEST_F(RequestReactorTest, TornDownIgnoresValid) {
+    auto const watched = request(1);
+    auto const reactor = client->request(id("noc", 1));
+    reactor->kelDoZombieReactors(true);
+    reactor->hasNotificationActiveIs(true);
+    recorder.take();
+    watched->validIs(false);
+    EXPECT_EQ(happened(), Lines{});
+}
+
 TEST_F(RequestReactorTest, IsKeyedByItsRequestsId) {
     request(1);
     EXPECT_EQ(client->request(id("noc", 1))->key(), id("noc", 1));
@@ -475,6 +498,20 @@ TEST_F(PacketTracerClientSmTest, NumbersItsAttributesFrom130) {
               "PacketTracerClientSm 130:name 131:clientConfig 132:clientStatus 133:pktGenConfig "
               "134:systemStatus 135:fcsd 136:bridgingConfig 137:chipStatus 138:request "
               "0:initialized");
+}
+
+TEST_F(PacketTracerClientSmTest, ItsReactorsAreReadWithTheirKeys) {
+    start();
+    request(1);
+    EXPECT_EQ(reflected(*client, "request"), "( ( ( 'noc' 1 ) object ) )");
+    auto const reactor = client->request(id("noc", 1));
+    EXPECT_EQ(reactor->typeInfo().name, "NestedSm_Request");
+    EXPECT_EQ(reflected(*reactor, "key"), "( 'noc' 1 )");
+}
+
+TEST_F(PacketTracerClientSmTest, ItsInitializedIsNamedAndHasNoValue) {
+    start();
+    EXPECT_EQ(reflected(*client, "initialized"), "null");
 }
 
 }  // namespace

@@ -74,6 +74,11 @@ TEST_F(VynPtMountsTest, SettingTheDirectoryThatIsHeldChangesNothing) {
     mounts->configIs(config);
     mounts->configIs(mounts->config());
     EXPECT_EQ(config->refCount(), 2u);
+    auto const status = dir("status");
+    mounts->statusIs(status);
+    mounts->statusIs(status);
+    mounts->statusIs(mounts->status());
+    EXPECT_EQ(status->refCount(), 2u);
 }
 
 TEST_F(VynPtMountsTest, GoesWithStatusFirstThenConfig) {

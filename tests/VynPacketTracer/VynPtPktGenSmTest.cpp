@@ -5,6 +5,7 @@
 #include <cerrno>
 
 #include "VynPacketTracer/EngineFixture.h"
+#include "VynPacketTracer/Reflected.h"
 
 namespace VynPacketTracer {
 namespace {
@@ -105,6 +106,14 @@ TEST_F(PktGenSmTest, NumbersItsAttributesFrom130) {
               "140:taskName 141:state 142:pktId 143:appId 144:curCfg 145:curPktCounter "
               "146:socketPairWriteDesc 147:socketPairReadFileDesc 148:rSocketIn "
               "149:learnQuantaIndex 150:pktTracerDigestEntrySize 151:initialized ");
+}
+
+TEST_F(PktGenSmTest, ItsStateIsReadByName) {
+    startAwake();
+    EXPECT_EQ(reflected(*engine, "state"), "'idle'");
+    toWaitPktSent();
+    EXPECT_EQ(reflected(*engine, "state"), "'waitPktSent'");
+    EXPECT_EQ(reflected(*engine, "pktId"), "1");
 }
 
 TEST_F(PktGenSmTest, NamesItsOperationsInTheirOrder) {
@@ -294,6 +303,21 @@ TEST_F(TaskIsTest, LosingTheTaskInTheMiddleOfARunEndsTheRun) {
 }
 
 // ---- Switching off and on
+
+TEST_F(EngineTaskTest, ReactsToOneAttributeOfEachOfItsSourcesAlone) {
+    turn();
+    constexpr Vanta::AttributeNumber another = 7;
+    auto const key = id("noc", 1);
+    auto const ethernet1 = intf("Ethernet1");
+    EXPECT_EQ(after([&] {
+                  config->publisher().publish(another, Vanta::ValueRef::to(key));
+                  chip.phase0Data()->publisher().publish(another, Vanta::ValueRef::to(ethernet1));
+                  engine->task()->publisher().publish(another);
+                  engine->socketPairReadFileDesc()->publisher().publish(another);
+              }),
+              (Lines{"cfg del noc/1"}));  // what is published, and nothing for it
+    EXPECT_FALSE(isScheduled());
+}
 
 TEST_F(EngineTaskTest, SwitchedOffItReactsToNothing) {
     toWaitPktSent();

@@ -315,6 +315,21 @@ TEST_F(RelayTest, WithoutAnswersARelayFindsNone) {
               (Lines{relayed("noc/1", true)}));
 }
 
+TEST_F(RelayTest, NoOtherAttributeOfTheAnswersIsRelayed) {
+    auto const key = id("noc", 1);
+    EXPECT_EQ(
+        after([&] { tracer->pktGenStatus()->publisher().publish(7, Vanta::ValueRef::to(key)); }),
+        (Lines{"status del noc/1"}));  // what is published, and nothing for it
+}
+
+TEST_F(RelayTest, AnswersThatGoInTheMiddleOfARelayAreNotWatched) {
+    auto const answers = tracer->pktGenStatus();
+    recorder.onTrace = [&] { tracer->pktGenStatusDel(); };
+    EXPECT_EQ(after([&] { answers->statusIs(id("noc", 1)); }),
+              (Lines{"status add noc/1", relayed("noc/1"), updated("1", false)}));
+    EXPECT_FALSE(isWatched(1));
+}
+
 TEST_F(RelayTest, AnswersThatAreMadeAnewAreRelayed) {
     tracer->pktGenStatusDel();
     auto const answers = tracer->pktGenStatusIs();

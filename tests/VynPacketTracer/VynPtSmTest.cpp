@@ -1,5 +1,6 @@
 #include "VynPacketTracer/VynPtSm.h"
 
+#include "VynPacketTracer/Reflected.h"
 #include "VynPacketTracer/TracerFixture.h"
 
 namespace VynPacketTracer {
@@ -145,6 +146,29 @@ TEST_F(PacketTracerSmTest, NumbersItsAttributes) {
               "138:vyPdIntf 139:rootScheduler 140:systemStatus 141:fcsd 142:bridgingConfig "
               "143:chipStatus 146:pktGenCfg 147:pktGenStatus 149:localStatus 150:pktGenSm "
               "151:clientSm 152:initialized ");
+}
+
+TEST_F(PacketTracerSmTest, ItsWatchersAndClientsAreReadWithTheirKeys) {
+    client("noc");
+    tracer = made();
+    EXPECT_EQ(reflected(*tracer, "localStatus"), "( )");
+    answer(1);
+    EXPECT_EQ(reflected(*tracer, "localStatus"), "( ( ( 'noc' 1 ) object ) )");
+    EXPECT_EQ(reflected(*tracer, "clientSm"), "( ( 'noc' object ) )");
+    auto const watcher = tracer->localStatus(id("noc", 1));
+    EXPECT_EQ(watcher->typeInfo().name, "NestedSm_LocalStatus");
+    EXPECT_EQ(reflected(*watcher, "key"), "( 'noc' 1 )");
+}
+
+TEST_F(PacketTracerSmTest, ReactsToTheEntriesOfItsDirectoriesAlone) {
+    client("noc");
+    tracer = made();
+    Vanta::String const name("noc");
+    EXPECT_EQ(after([&] {
+                  config->publisher().publish(7, Vanta::ValueRef::to(name));
+                  status->publisher().publish(7, Vanta::ValueRef::to(name));
+              }),
+              Lines{});
 }
 
 // ---- A beginning that fails

@@ -91,6 +91,23 @@ TEST(PendingJobs, FollowTheAnswersThatTheyAreAskedFor) {
     EXPECT_EQ(name(all.config->firstPending(*all.status)), "none");
 }
 
+TEST(PendingJobs, OfSeveralCollectionsMayAskForTheSameAnswers) {
+    Collections all;
+    auto const others = PktGenConfig::PktGenConfigIs();
+    for (unsigned number : {1, 2}) {
+        all.cfgIs(number);
+        others->cfgIs(req(number), Vanta::Bytes{1}, {}, {});
+    }
+    for (unsigned number : {1, 2}) {
+        std::string const first = std::to_string(number);
+        EXPECT_EQ(name(all.config->firstPending(*all.status)), first);
+        EXPECT_EQ(name(others->firstPending(*all.status)), first);
+        all.status->statusIs(req(number));
+    }
+    EXPECT_EQ(name(all.config->firstPending(*all.status)), "none");
+    EXPECT_EQ(name(others->firstPending(*all.status)), "none");
+}
+
 TEST(PendingJobs, SurviveTheirAnswers) {
     Collections all;
     all.cfgIs(1);
@@ -215,6 +232,22 @@ TEST(PktIdIndex, PassesAnEntryThatVanishesDuringTheWalk) {
     all.status->statusIs(req(3))->pktIdIs(9);
     Visit const remove = [](Collections& now, RequestId const&) { now.status->statusDel(req(2)); };
     EXPECT_EQ(indexWalk(all, 9, remove), (Visited{1, 3}));
+}
+
+TEST(PktIdIndex, GoesOnBehindAnEntryThatGetsAnotherIdOrGoesWhileItIsVisited) {
+    Visit const away = [](Collections& now, RequestId const& visited) {
+        now.status->statusIs(visited)->pktIdIs(8);
+    };
+    Visit const remove = [](Collections& now, RequestId const& visited) {
+        now.status->statusDel(visited);
+    };
+    for (auto const& visit : {away, remove}) {
+        Collections all;
+        for (unsigned number : {1, 2, 3}) {
+            all.status->statusIs(req(number))->pktIdIs(9);
+        }
+        EXPECT_EQ(indexWalk(all, 9, visit), (Visited{1, 2, 3}));
+    }
 }
 
 TEST(PktIdIndex, KeepsTheOrderOfTheCollectionWhenAnOldEntryGetsTheId) {

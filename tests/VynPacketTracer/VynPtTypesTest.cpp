@@ -1,6 +1,7 @@
 #include "VynPacketTracer/VynPtTypes.h"
 
 #include "VynPacketTracer/Fixture.h"
+#include "VynPacketTracer/Reflected.h"
 
 namespace VynPacketTracer {
 namespace {
@@ -474,6 +475,16 @@ TEST(VynPtTypesReflectionTest, AttributesAreNumberedFrom130InTheOrderOfDeclarati
               "135:copyToCpu 136:routed 137:dropped");
     EXPECT_EQ(attributesOf(*pktGenConfigFactory()), "PktGenConfig 130:cfg");
     EXPECT_EQ(attributesOf(*pktGenStatusFactory()), "PktGenStatus 130:status");
+}
+
+TEST(VynPtTypesReflectionTest, TheEntriesOfACollectionAreReadWithTheirKeys) {
+    auto const jobs = pktGenConfigFactory();
+    jobs->cfgIs(id("noc", 1), packet, port, intf("Ethernet1"));
+    EXPECT_EQ(reflected(*jobs, "cfg"), "( ( ( 'noc' 1 ) object ) )");
+    auto const answers = pktGenStatusFactory();
+    EXPECT_EQ(reflected(*answers, "status"), "( )");
+    answers->statusIs(id("noc", 2));
+    EXPECT_EQ(reflected(*answers, "status"), "( ( ( 'noc' 2 ) object ) )");
 }
 
 }  // namespace
