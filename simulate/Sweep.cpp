@@ -55,7 +55,9 @@ void printFailure(std::ostream& out, Program const& program, Report const& repor
 // Shrinks the program, prints what is left of it and leaves its scenario.
 void reduce(std::ostream& out, Program const& whole, Report const& report,
             std::string const& directory) {
-    Program const program = shrunken(whole, report, shrinkBudget);
+    Program const program = shrunken(whole, report, shrinkBudget, [](Program const& candidate) {
+        return runInChild(candidate);
+    });
     out << "  shrunk to " << program.events.size() << " events:\n";
     for (auto const& event : program.events) {
         out << "    " << text(event) << '\n';
@@ -72,9 +74,10 @@ struct Running {
 
 }  // namespace
 
-Program shrunken(Program program, Report const& report, unsigned budget) {
+Program shrunken(Program program, Report const& report, unsigned budget,
+                 std::function<Report(Program const&)> const& runProgram) {
     auto const stillFails = [&](Program const& candidate) {
-        auto const again = runInChild(candidate);
+        auto const again = runProgram(candidate);
         return again.failed && again.invariant == report.invariant;
     };
     if (report.position > 0 && report.position < program.events.size()) {

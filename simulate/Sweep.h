@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <iosfwd>
 #include <string>
 
@@ -26,7 +27,8 @@ struct SweepOptions {
 unsigned sweep(SweepOptions const& options, std::ostream& out);
 
 // The program without the events that its failure does not need: as long as leaving some out still
-// breaks the same invariant, they go. Runs `budget` programs at most.
-Program shrunken(Program program, Report const& report, unsigned budget);
+// breaks the same invariant, they go. Has `runProgram` run `budget` programs at most.
+Program shrunken(Program program, Report const& report, unsigned budget,
+                 std::function<Report(Program const&)> const& runProgram);
 
 }  // namespace Simulate

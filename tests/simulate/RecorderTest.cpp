@@ -1,0 +1,77 @@
+#include "simulate/Recorder.h"
+
+#include <gtest/gtest.h>
+
+#include "Trace/Trace.h"
+
+namespace Simulate {
+namespace {
+
+using PacketTracer::ClientStatus;
+using PacketTracer::RequestId;
+using VynPacketTracer::PktGenConfig;
+using VynPacketTracer::PktGenStatus;
+
+RequestId const id("A", 1);
+
+TEST(Recorder, ChangesAreWrittenDownInTheirOrder) {
+    Recorder recorder;
+    auto const answers = PktGenStatus::PktGenStatusIs();
+    auto const answer = answers->statusIs(id);
+    answer->pktIdIs(3);
+    answer->readyIs(true);
+    answers->statusDel(id);
+    EXPECT_EQ(recorder.takeLog(),
+              (std::vector<std::string>{"status add A/1", "status A/1 pktId 3",
+                                        "status A/1 ready true", "status del A/1"}));
+    EXPECT_FALSE(recorder.takeBreach());
+}
+
+TEST(Recorder, AResultsEntriesAreWrittenDown) {
+    Recorder recorder;
+    auto const status = ClientStatus::ClientStatusIs();
+    auto const result = status->resultIs(id);
+    result->egressIntfIs(
+        PacketTracer::ResultEntry::fromPhysicalIntf(*Plexa::IntfId::fromName("Ethernet1")));
+    EXPECT_EQ(recorder.takeLog().back(), "result A/1 egressIntf Ethernet1,");
+    EXPECT_FALSE(recorder.unpublished(nullptr, nullptr, {status.get()}));
+}
+
+TEST(Recorder, APublicationWithoutAChangeIsABreach) {
+    Recorder recorder;
+    auto const answers = PktGenStatus::PktGenStatusIs();
+    auto const answer = answers->statusIs(id);
+    answer->publisher().publish(VynPacketTracer::PktGenStatusData::readyAttribute);
+    auto const breach = recorder.takeBreach();
+    ASSERT_TRUE(breach);
+    EXPECT_EQ(breach->invariant, "published");
+}
+
+TEST(Recorder, AChangeThatItNeverHeardOfIsABreach) {
+    auto const jobs = PktGenConfig::PktGenConfigIs();
+    jobs->cfgIs(id, Vanta::Bytes{1}, {}, {});
+    Recorder recorder;
+    auto const breach = recorder.unpublished(jobs.get(), nullptr, {});
+    ASSERT_TRUE(breach);
+    EXPECT_EQ(breach->invariant, "published");
+}
+
+TEST(Recorder, ATraceInTheSilenceIsABreach) {
+    Recorder recorder;
+    recorder.silenceIs(true);
+    Trace::twinlog(Trace::handle("VynPtSm"), 7, "handleClients:");
+    auto const breach = recorder.takeBreach();
+    ASSERT_TRUE(breach);
+    EXPECT_EQ(breach->invariant, "silence");
+}
+
+TEST(Recorder, CallsAreForTheWireToo) {
+    Recorder recorder;
+    recorder.call({3, 0}, "disableAppId pipe ", 1);
+    EXPECT_EQ(recorder.takeLog(), std::vector<std::string>{"sdk disableAppId pipe 1 -> 3 count 0"});
+    ASSERT_EQ(recorder.wire().answers.size(), 1U);
+    EXPECT_EQ(recorder.wire().answers.front().rc, 3);
+}
+
+}  // namespace
+}  // namespace Simulate

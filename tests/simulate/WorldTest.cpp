@@ -1,0 +1,110 @@
+#include "simulate/World.h"
+
+#include <gtest/gtest.h>
+
+namespace Simulate {
+namespace {
+
+// A world with a job in work, whose packet was injected.
+class WorldTest : public testing::Test {
+  protected:
+    WorldTest() {
+        for (auto const& event : program.events) {
+            if (event.kind <= Kind::cpuPortDel) {
+                world.carryOut(event);
+            }
+        }
+        world.carryOut({.kind = Kind::start, .flag = true});
+        world.carryOut({.kind = Kind::clientConfig});
+        world.carryOut({.kind = Kind::clientStatus});
+        world.carryOut({.kind = Kind::request,
+                        .req = 1,
+                        .intf = *Plexa::IntfId::fromName("Ethernet1"),
+                        .a = 0x800,
+                        .flag = true,
+                        .raw = packet});
+        for (int i = 0; i < 3; ++i) {
+            world.carryOut({.kind = Kind::turn});
+        }
+    }
+    std::string breachOf() {
+        auto const breach = world.recorder().takeBreach();
+        return breach ? breach->invariant + ": " + breach->detail : "none";
+    }
+    bool logHas(std::string const& part) {
+        for (auto const& line : world.recorder().log()) {
+            if (line.find(part) != std::string::npos) {
+                return true;
+            }
+        }
+        return false;
+    }
+
+    Bytes const packet = Bytes(64, 2);
+    Program const program = drawProgram(1, 0);
+    World world{program.drawn};
+};
+
+TEST_F(WorldTest, CallsComeOnTheRecordAsTheTracerMakesThem) {
+    EXPECT_TRUE(logHas("sdk genOnePkt session 1 pipe "));
+    EXPECT_TRUE(logHas("phase0 answer Ethernet1 there"));
+    EXPECT_EQ(breachOf(), "none");
+    EXPECT_EQ(world.packets().accepted(), 1U);
+}
+
+TEST_F(WorldTest, ADigestComesThroughTheBoard) {
+    world.carryOut({.kind = Kind::chipStep});
+    EXPECT_TRUE(logHas("message of 1:"));
+    EXPECT_TRUE(logHas("sdk notifyAck session 1 handle 77 -> 0"));
+    world.packets().checkJournal(world.chip().journal().entries());
+    EXPECT_EQ(breachOf(), "none");
+}
+
+TEST_F(WorldTest, AChipThatHasNotWorkedDiffersFromTheRecord) {
+    world.packets().checkJournal(world.chip().journal().entries());
+    EXPECT_EQ(breachOf(), "packets: 1 packets were accepted, 0 others went through the chip");
+}
+
+TEST_F(WorldTest, APacketOfAnotherJobIsABreach) {
+    auto const port = program.drawn.model.interface(*Plexa::IntfId::fromName("Ethernet1"));
+    world.packets().injected(port->devicePort / 128, port->devicePort % 128, Bytes(64, 9), 2, true);
+    EXPECT_EQ(breachOf(), "packets: packet 2 is not that of the job in work, A/1");
+}
+
+TEST_F(WorldTest, APacketIdThatSkipsOneIsABreach) {
+    auto const port = program.drawn.model.interface(*Plexa::IntfId::fromName("Ethernet1"));
+    world.packets().injected(port->devicePort / 128, port->devicePort % 128, packet, 3, true);
+    EXPECT_EQ(breachOf(), "packets: packet id 3 follows 1");
+}
+
+TEST_F(WorldTest, AnInjectionThatNobodyAnsweredForIsABreach) {
+    auto const port = program.drawn.model.interface(*Plexa::IntfId::fromName("Ethernet1"));
+    world.packets().injected(port->devicePort / 128, port->devicePort % 128, packet, 2, true);
+    EXPECT_EQ(breachOf(), "packets: A/1 was injected without a phase-0 answer of its own");
+}
+
+TEST_F(WorldTest, APacketWithoutAJobIsABreach) {
+    world.packets().engineIs(nullptr);
+    world.packets().injected(0, 0, packet, 1, true);
+    EXPECT_EQ(breachOf(), "packets: packet 1 was injected without a job");
+}
+
+TEST_F(WorldTest, AfterTheStopTheChipHasNobodyToCall) {
+    EXPECT_TRUE(world.board().registered());
+    world.carryOut({.kind = Kind::stop});
+    EXPECT_FALSE(world.board().registered());
+}
+
+TEST_F(WorldTest, AResultThatLosesAnEntryIsABreach) {
+    world.carryOut({.kind = Kind::chipStep});
+    world.carryOut({.kind = Kind::turn});
+    EXPECT_FALSE(world.shrunkenResults(world.recorder().log()));
+    world.carryOut({.kind = Kind::requestDel, .req = 1});
+    world.carryOut({.kind = Kind::result, .req = 1});
+    auto const breach = world.shrunkenResults({});
+    ASSERT_TRUE(breach);
+    EXPECT_EQ(breach->invariant, "results");
+}
+
+}  // namespace
+}  // namespace Simulate
