@@ -29,9 +29,9 @@ class Packets {
     // A phase-0 answer is about to be announced.
     void answered(Plexa::IntfId const& intf);
 
-    // Compares what was accepted with what the chip's journal says went through the pipeline.
-    // Precondition: the chip has nothing left to do.
-    void checkJournal(std::vector<SoftChip::JournalEntry> const& entries);
+    // Compares what was accepted with what the chip's journal says went through the pipeline: as
+    // much of it as there is, or all if the chip has nothing left to do.
+    void checkJournal(SoftChip::Journal const& journal, bool all);
 
     // Calls of genOnePkt, and those of them that the chip accepted.
     std::uint64_t injections() const { return injections_; }
@@ -57,6 +57,7 @@ class Packets {
     bool orderly_ = true;
     unsigned answersToUse_ = 0;
     std::vector<Accepted> accepted_;
+    std::uint64_t through_ = 0;  // packets that were in the journal when it was last compared
     std::uint64_t injections_ = 0;
     bool lastRefused_ = false;
 };

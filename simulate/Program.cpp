@@ -525,19 +525,31 @@ class Drawer {
     std::vector<Event> told_;  // the switch's own forwarding state
 };
 
-// One job that the chip refuses until the packet ids have wrapped.
+// A job is answered; the next one the chip refuses until the packet ids have wrapped, and then it may
+// have the packet id of the first one's answer, which its digest completes once more.
 void drawLongLife(Random& random, std::vector<Event>& events) {
+    constexpr std::uint64_t refused = 65535;
+    auto const request = [&](std::uint32_t req) {
+        events.push_back({.kind = Kind::request,
+                          .req = req,
+                          .intf = named("Ethernet1"),
+                          .a = 0x800,
+                          .flag = true,
+                          .raw = drawFrame(random, 0, req)});
+    };
     events.push_back({.kind = Kind::clientConfig});
     events.push_back({.kind = Kind::clientStatus});
     events.push_back({.kind = Kind::start, .flag = true});
-    events.push_back({.kind = Kind::request,
-                      .req = 1,
-                      .intf = named("Ethernet1"),
-                      .a = 0x800,
-                      .flag = true,
-                      .raw = drawFrame(random, 0, 1)});
-    events.push_back({.kind = Kind::callFails, .a = 1, .b = 1, .c = 65540, .value = 1});
-    events.push_back({.kind = Kind::turn, .a = 3 * 65540});
+    request(1);
+    events.push_back({.kind = Kind::turn, .a = 6, .flag = true});
+    events.push_back({.kind = Kind::callFails,
+                      .a = 1,
+                      .b = 1,
+                      .c = random.chance(50) ? refused : random.between(refused - 2, refused + 2),
+                      .value = 1});
+    request(2);
+    events.push_back({.kind = Kind::turn, .a = 3 * refused});
+    events.push_back({.kind = Kind::turn, .a = 12, .flag = true});
 }
 
 }  // namespace

@@ -95,6 +95,7 @@ void Run::writeDown(Event const& event) {
 
 std::optional<Breach> Run::check() {
     auto const happened = world_->recorder().takeLog();
+    world_->packets().checkJournal(world_->chip().journal(), event_->kind == Kind::chipStep);
     if (auto const breach = world_->recorder().takeBreach()) {
         return breach;
     }
@@ -204,12 +205,6 @@ void Run::closing() {
     }
     carryOut({.kind = Kind::stop});
     carryOut({.kind = Kind::chipStep});
-    if (!failed()) {
-        world_->packets().checkJournal(world_->chip().journal().entries());
-        if (auto const breach = world_->recorder().takeBreach()) {
-            fail(*breach);
-        }
-    }
 }
 
 // What was late comes now; a long row of digests is read one a turn.
