@@ -11,6 +11,10 @@ target_compile_options(VynCompile INTERFACE
 # dangling pointer, joining strings does not overlap, and sanitizers hide what is initialised.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(VynCompile INTERFACE -Wno-dangling-pointer -Wno-restrict)
+    # Nobody is meant to replace a function of a shared library, so calls inside one need no detour,
+    # and calls between them need none through a table of jumps.
+    target_compile_options(VynCompile INTERFACE -fno-semantic-interposition -fno-plt)
+    target_link_options(VynCompile INTERFACE -Wl,-Bsymbolic-functions)
     if(VYN_SANITIZE)
         target_compile_options(VynCompile INTERFACE -Wno-maybe-uninitialized)
     endif()

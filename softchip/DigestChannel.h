@@ -106,13 +106,15 @@ class DigestChannel {
 
     mutable std::mutex mutex_;
     std::condition_variable callbackEnded_;
-    std::optional<Registration> registration_;  // changed by the event thread alone
-    Receiver registrations_ = 0;
     bool closing_ = false;
     std::optional<std::thread::id> running_;  // the thread that is inside the callback
     std::list<Message> outstanding_;          // in the order of sending
     std::list<Message> free_;
     bool starved_ = false;  // entries wait for an acknowledgement
+    // Changed by the event thread alone, which reads them for every packet: apart from what the
+    // chip's thread changes for every message.
+    alignas(64) std::optional<Registration> registration_;
+    Receiver registrations_ = 0;
 };
 
 }  // namespace SoftChip

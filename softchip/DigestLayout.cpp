@@ -22,6 +22,16 @@ constexpr std::array fields{pktIdField,      copyToCpuField, domainField,
                             egressPortField, routedField,    dropField};
 static_assert(dropField.offset + dropField.size == digestEntryBytes);
 
+// The lengths tell most names apart, so few are compared.
+Field const* fieldOf(std::string_view name) {
+    for (Field const& field : fields) {
+        if (field.name.size() == name.size() && field.name == name) {
+            return &field;
+        }
+    }
+    return nullptr;
+}
+
 void put16(DigestEntry& entry, Field const& field, std::uint16_t value) {
     std::memcpy(&entry[field.offset], &value, sizeof value);
 }
@@ -56,8 +66,8 @@ std::uint32_t DigestLayout::digestEntrySize(std::string_view digest) const {
 std::uint8_t const* DigestLayout::digestEntryField(std::uint8_t const* entry,
                                                    std::string_view digest, std::string_view field,
                                                    std::uint32_t& size) const {
-    auto const found = std::ranges::find(fields, field, &Field::name);
-    if (digest != digestName || found == fields.end()) {
+    Field const* const found = fieldOf(field);
+    if (digest != digestName || found == nullptr) {
         size = 0;
         return nullptr;
     }

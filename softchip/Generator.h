@@ -48,7 +48,8 @@ class Generator {
 
   private:
     GeneratorState state_ = GeneratorState::off;
-    std::atomic<std::uint64_t> generated_ = 0;
+    // Apart from what the event thread changes for every packet.
+    alignas(64) std::atomic<std::uint64_t> generated_ = 0;
     std::uint64_t offset_ = 0;  // counter minus generated, modulo 2^64
     std::optional<std::uint64_t> stalledAt_;
 };

@@ -104,6 +104,13 @@ std::string JournalEntry::text() const {
     return digestText(kind) + std::to_string(pktId);
 }
 
+Journal::Journal(std::size_t limit) : limit_(limit) {
+    if (limit != unlimited) {
+        calls_.entries.reserve(limit);
+        chip_.entries.reserve(limit);
+    }
+}
+
 void Journal::add(JournalEntry entry) {
     auto& lane = laneOf(entry);
     std::lock_guard const lock(lane.mutex);
@@ -113,7 +120,7 @@ void Journal::add(JournalEntry entry) {
         lane.entries.push_back(entry);
     } else if (limit_ > 0) {
         lane.entries[lane.oldest] = entry;
-        lane.oldest = (lane.oldest + 1) % limit_;
+        lane.oldest = lane.oldest + 1 < limit_ ? lane.oldest + 1 : 0;
     }
 }
 

@@ -10,7 +10,6 @@
 #include <array>
 #include <atomic>
 #include <cstdint>
-#include <deque>
 #include <limits>
 #include <mutex>
 #include <string>
@@ -75,7 +74,7 @@ class Journal {
     static constexpr std::size_t unlimited = std::numeric_limits<std::size_t>::max();
     static constexpr std::size_t defaultLimit = 16384;
 
-    explicit Journal(std::size_t limit = defaultLimit) : limit_(limit) {}
+    explicit Journal(std::size_t limit = defaultLimit);
 
     // Numbers the entry, counts what it tells and keeps it.
     void add(JournalEntry entry);
@@ -85,10 +84,11 @@ class Journal {
     Counters counters() const;
 
   private:
-    // The entries of one writer: a ring once the limit is reached, with the oldest at `oldest`.
+    // The entries of one writer: a ring once the limit is reached, with the oldest at `oldest`. Room
+    // for a limited number is there from the beginning; the system fills it when it is used.
     struct alignas(64) Lane {
         mutable std::mutex mutex;
-        std::deque<JournalEntry> entries;
+        std::vector<JournalEntry> entries;
         std::size_t oldest = 0;
         Counters counters;
     };

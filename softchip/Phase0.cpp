@@ -1,6 +1,7 @@
 #include "softchip/Phase0.h"
 
 #include <algorithm>
+#include <array>
 
 namespace SoftChip {
 namespace {
@@ -8,15 +9,25 @@ namespace {
 constexpr std::uint8_t mark = 0xb7;
 constexpr std::uint8_t version = 1;
 
-std::uint16_t crc16(std::span<std::uint8_t const> bytes) {
-    unsigned crc = 0xffff;
-    for (auto byte : bytes) {
-        crc ^= unsigned{byte} << 8;
+// What a byte does to the check, for each byte.
+constexpr auto crcOfByte = [] {
+    std::array<std::uint16_t, 256> table{};
+    for (unsigned byte = 0; byte < table.size(); ++byte) {
+        unsigned crc = byte << 8;
         for (int bit = 0; bit < 8; ++bit) {
             crc = (crc & 0x8000) ? crc << 1 ^ 0x1021 : crc << 1;
         }
+        table[byte] = static_cast<std::uint16_t>(crc);
     }
-    return static_cast<std::uint16_t>(crc);
+    return table;
+}();
+
+std::uint16_t crc16(std::span<std::uint8_t const> bytes) {
+    std::uint16_t crc = 0xffff;
+    for (auto byte : bytes) {
+        crc = static_cast<std::uint16_t>(crc << 8 ^ crcOfByte[(crc >> 8) ^ byte]);
+    }
+    return crc;
 }
 
 }  // namespace

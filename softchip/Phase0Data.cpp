@@ -18,7 +18,7 @@ Phase0Data::Phase0Data(Vanta::Ptr<Orb::TaskSchedulerRoot> scheduler)
 }
 
 void Phase0Data::ingressPortIs(Plexa::IntfId const& intf, DevicePort port) {
-    ingressPorts_.findOrInsert(intf).value = port;
+    ingressPorts_.findOrInsert(intf).value = Vanta::Bytes(encodePhase0(port));
 }
 
 bool Phase0Data::ingressPortDel(Plexa::IntfId const& intf) {
@@ -88,7 +88,7 @@ VynSdk::Phase0DataResponse Phase0Data::answer(Event const& event) const {
     if (port == nullptr) {
         return {{}, unknownIntf};
     }
-    return {Vanta::Bytes(encodePhase0(port->value)), 0};
+    return {port->value, 0};
 }
 
 void Phase0Data::lateIs(std::uint64_t turns, std::uint64_t nth, std::uint64_t times) {

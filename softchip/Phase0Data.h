@@ -85,8 +85,8 @@ class Phase0Data final : public VynSdk::Phase0DataIntf {
     VynSdk::Phase0DataResponse answer(Event const& event) const;
 
     Vanta::Ptr<Orb::TaskSchedulerRoot> scheduler_;
-    Kel::Collection<Plexa::IntfId, DevicePort> ingressPorts_;
-    Kel::Collection<Plexa::IntfId, std::uint64_t> requests_;  // the number of each that stands
+    Kel::Collection<Plexa::IntfId, Vanta::Bytes> ingressPorts_;  // each one's phase-0 bytes
+    Kel::Collection<Plexa::IntfId, std::uint64_t> requests_;     // the number of each that stands
     std::uint64_t lastRequest_ = 0;
     std::deque<Event> events_;  // in the order in which they were caused
     Late late_;

@@ -7,7 +7,8 @@
 namespace Grist {
 namespace {
 
-constexpr std::size_t granule = alignof(std::max_align_t);
+// A block of a size that is no multiple of 16 need not be aligned to 16.
+constexpr std::size_t granule = alignof(void*);
 constexpr std::size_t classes = largestBlock / granule;
 constexpr std::size_t slabSize = std::size_t{64} * 1024;
 

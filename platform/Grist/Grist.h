@@ -17,7 +17,7 @@ namespace Grist {
 
 inline constexpr std::size_t largestBlock = 512;
 
-// A block of at least `size` bytes, aligned for any scalar type. Never null.
+// A block of at least `size` bytes, aligned for any type of that size. Never null.
 // Errors: std::bad_alloc, with nothing changed.
 VYN_EXPORT void* allocate(std::size_t size);
 

@@ -80,9 +80,10 @@ class NotifieeConst : public Object {
         onAttribute(attribute, oldValue);
     }
 
-    // The subscriber is declared last: it goes before the notifier whose publisher it is on.
-    Vanta::Ptr<T const> notifier_;
+    // The flag comes first, into the room that the base's flags leave. The subscriber is declared
+    // last: it goes before the notifier whose publisher it is on.
     bool registered_ = false;
+    Vanta::Ptr<T const> notifier_;
     Vanta::Subscriber subscriber_;
 };
 

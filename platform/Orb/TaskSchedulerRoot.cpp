@@ -41,6 +41,7 @@ void TaskSchedulerRoot::post(std::function<void()> call) {
     {
         std::lock_guard const lock(mutex_);
         posted_.push_back(std::move(call));
+        hasPosted_.store(true, std::memory_order_release);
     }
     wake();
 }
@@ -128,10 +129,14 @@ bool TaskSchedulerRoot::waitForEvents(Wait wait) {
 }
 
 bool TaskSchedulerRoot::runPosted() {
+    if (!hasPosted_.load(std::memory_order_acquire)) {
+        return false;
+    }
     std::vector<std::function<void()>> calls;
     {
         std::lock_guard const lock(mutex_);
         calls.swap(posted_);
+        hasPosted_.store(false, std::memory_order_relaxed);
     }
     try {
         for (auto const& call : calls) {

@@ -23,6 +23,7 @@
 #include <poll.h>
 
 #include <array>
+#include <atomic>
 #include <chrono>
 #include <cstdint>
 #include <functional>
@@ -110,7 +111,8 @@ class VYN_EXPORT TaskSchedulerRoot final : public Kel::Object {
     static Task* firstTask(Queues const& queues) noexcept;
 
     int wakeDescriptor_ = -1;
-    std::mutex mutex_;  // guards posted_ and stopping_
+    std::mutex mutex_;                     // guards posted_ and stopping_
+    std::atomic<bool> hasPosted_ = false;  // set under the mutex; looked at without it
     std::vector<std::function<void()>> posted_;
     bool stopping_ = false;
 

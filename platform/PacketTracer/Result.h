@@ -66,9 +66,10 @@ class VYN_EXPORT Result final : public Kel::Object {
     explicit Result(RequestId id) : id_(std::move(id)) {}
     ~Result() override = default;
 
-    RequestId id_;
+    // The small ones first, into the room that the base's flags leave.
     State state_ = State::initial;
     bool valid_ = false;
+    RequestId id_;
     EgressIntfs egressIntf_;
     Vanta::Publisher publisher_{this};
 };

@@ -1,6 +1,7 @@
 #include "Trace/RingRecord.h"
 
 #include <algorithm>
+#include <cstring>
 #include <string_view>
 
 namespace Trace {
@@ -27,7 +28,7 @@ std::size_t encodeText(std::string_view text, Word* to, std::size_t freeWords) n
     to[words - 1] = 0;
     auto* const bytes = reinterpret_cast<unsigned char*>(to);
     bytes[0] = static_cast<unsigned char>(length | (isCut ? RingFile::cutText : 0));
-    std::copy_n(text.data(), length, bytes + 1);
+    std::memcpy(bytes + 1, text.data(), length);
     return words;
 }
 

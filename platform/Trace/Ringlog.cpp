@@ -79,17 +79,28 @@ void ringDel() {
     rings.replace(nullptr);
 }
 
-void writeRing(Handle const& handle, unsigned level, char const* format,
-               std::span<Value const> values) {
-    auto* ring = currentRing.load(std::memory_order_acquire);
-    if (!ring && !isDecided.load(std::memory_order_acquire) && environmentNamesRing())
-        [[unlikely]] {
-        openRingOfEnvironment();
-        ring = currentRing.load(std::memory_order_acquire);
+namespace {
+
+// While there is no ring: unless that is decided, the environment may name one.
+[[gnu::noinline]] void writeToRingOfEnvironment(Handle const& handle, unsigned level,
+                                                char const* format, std::span<Value const> values) {
+    if (isDecided.load(std::memory_order_acquire) || !environmentNamesRing()) {
+        return;
     }
-    if (ring) {
+    openRingOfEnvironment();
+    if (auto* const ring = currentRing.load(std::memory_order_acquire)) {
         ring->write(handle, level, format, values);
     }
+}
+
+}  // namespace
+
+void writeRing(Handle const& handle, unsigned level, char const* format,
+               std::span<Value const> values) {
+    if (auto* const ring = currentRing.load(std::memory_order_acquire)) [[likely]] {
+        return ring->write(handle, level, format, values);
+    }
+    writeToRingOfEnvironment(handle, level, format, values);
 }
 
 }  // namespace Trace

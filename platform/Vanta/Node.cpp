@@ -11,10 +11,9 @@ namespace {
 constexpr std::uint32_t dying = 1U << 31;
 constexpr std::uint32_t born = 1;
 
-bool threadSafe = false;
 std::uint64_t live = 0;
 
-void liveCountAdd(std::uint64_t difference) noexcept {
+void liveCountAdd(bool threadSafe, std::uint64_t difference) noexcept {
     if (threadSafe) {
         std::atomic_ref(live).fetch_add(difference, std::memory_order_relaxed);
     } else {
@@ -24,39 +23,25 @@ void liveCountAdd(std::uint64_t difference) noexcept {
 
 }  // namespace
 
+bool Node::threadSafeCounts_ = false;
+
 Node::Node() noexcept {
-    liveCountAdd(1);
+    liveCountAdd(threadSafeCounts_, 1);
 }
 
 Node::~Node() {
     // A constructor that threw leaves the birth reference; a last release leaves none.
     assertThat(count_ == dying || count_ == born, "count_ == dying || count_ == born");
-    liveCountAdd(static_cast<std::uint64_t>(-1));
+    liveCountAdd(threadSafeCounts_, static_cast<std::uint64_t>(-1));
 }
 
-void Node::refIs() const noexcept {
-    if (threadSafe) {
-        std::atomic_ref(count_).fetch_add(1, std::memory_order_relaxed);
-    } else {
-        ++count_;
-    }
-}
-
-void Node::refDel() const noexcept {
-    std::uint32_t left;
-    if (threadSafe) {
-        left = std::atomic_ref(count_).fetch_sub(1, std::memory_order_acq_rel) - 1;
-    } else {
-        left = --count_;
-    }
-    if (left == 0) {
-        count_ = dying;
-        delete this;
-    }
+void Node::destroy() const noexcept {
+    count_ = dying;
+    delete this;
 }
 
 void Node::threadSafeCountsIs(bool on) noexcept {
-    threadSafe = threadSafe || on;
+    threadSafeCounts_ = threadSafeCounts_ || on;
 }
 
 std::uint64_t Node::liveCount() noexcept {

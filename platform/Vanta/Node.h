@@ -29,10 +29,26 @@ class VYN_EXPORT Node {
     Node& operator=(Node const&) = delete;
 
     // Takes one reference. Never fails.
-    void refIs() const noexcept;
+    void refIs() const noexcept {
+        if (threadSafeCounts_) [[unlikely]] {
+            std::atomic_ref(count_).fetch_add(1, std::memory_order_relaxed);
+        } else {
+            ++count_;
+        }
+    }
 
     // Drops one reference; the last one destroys the node. Never allocates.
-    void refDel() const noexcept;
+    void refDel() const noexcept {
+        std::uint32_t left;
+        if (threadSafeCounts_) [[unlikely]] {
+            left = std::atomic_ref(count_).fetch_sub(1, std::memory_order_acq_rel) - 1;
+        } else {
+            left = --count_;
+        }
+        if (left == 0) {
+            destroy();
+        }
+    }
 
     // References held at this moment, for tests and diagnosis.
     std::uint32_t refCount() const noexcept { return count_; }
@@ -52,6 +68,9 @@ class VYN_EXPORT Node {
     virtual ~Node();
 
   private:
+    void destroy() const noexcept;
+
+    static bool threadSafeCounts_;
     mutable std::uint32_t count_ = 1;
 };
 

@@ -50,11 +50,19 @@ TEST(Grist, HandsOutBlocksThatDoNotOverlap) {
     }
 }
 
-TEST(Grist, AlignsEveryBlockForAnyScalarType) {
-    for (std::size_t const size : {1, 15, 16, 17, 31, 100, 511, 512, 513, 4000}) {
-        void* const block = Grist::allocate(size);
-        EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block) % alignof(std::max_align_t), 0U) << size;
-        Grist::deallocate(block, size);
+// A type's size is a multiple of its alignment.
+TEST(Grist, AlignsEveryBlockForAnyTypeOfItsSize) {
+    for (std::size_t const size :
+         {1, 8, 15, 16, 17, 24, 31, 32, 48, 56, 100, 496, 504, 512, 4000}) {
+        std::vector<void*> blocks(3);
+        for (void*& block : blocks) {
+            block = Grist::allocate(size);
+            std::size_t const needed = std::min(size & -size, alignof(std::max_align_t));
+            EXPECT_EQ(reinterpret_cast<std::uintptr_t>(block) % needed, 0U) << size;
+        }
+        for (void* const block : blocks) {
+            Grist::deallocate(block, size);
+        }
     }
 }
 
