@@ -290,4 +290,18 @@ TEST(Collection, NestsWalks) {
     EXPECT_EQ(visits, 3 + 3 + 3);
 }
 
+TEST(Collection, KnowsItsWalksInWhateverOrderTheyEnd) {
+    Numbers numbers;
+    numbers.insert(1, "");
+    numbers.insert(2, "");
+    auto outer = std::make_unique<Numbers::Iterator>(numbers);
+    Numbers::Iterator inner(numbers);
+    outer.reset();
+    numbers.remove(1);
+    ++inner;
+    EXPECT_EQ(inner->key, 2);
+    Numbers::Iterator const another(numbers);
+    EXPECT_EQ(another->key, 2);
+}
+
 }  // namespace

@@ -82,4 +82,13 @@ TEST_F(Notifiee, HoldsAReferenceToItsNotifier) {
     EXPECT_EQ(watched->refCount(), 1U);
 }
 
+TEST_F(Notifiee, IsReadByItsNotifierAndItsRegistration) {
+    watcher->plainNotifierIs(watched);
+    auto const& info = watcher->typeInfo();
+    EXPECT_EQ(info.name, "NotifieeConst");
+    ASSERT_EQ(info.attributes.size(), 2U);
+    EXPECT_EQ(info.attributes[0].name, "notifier");
+    EXPECT_EQ(info.attributes[1].name, "registered");
+}
+
 }  // namespace

@@ -9,6 +9,7 @@
 
 #include "Grist/Grist.h"
 #include "Orb/Fixture.h"
+#include "TableRow.h"
 
 namespace {
 
@@ -190,6 +191,12 @@ TEST_F(Descriptor, StaysTheCallersWheneverMemoryRunsOut) {
     a->write();
     EXPECT_EQ(turn(), (Log{"a"}));
     ::close(ends[1]);
+}
+
+TEST_F(Descriptor, IsReadByItsAttributes) {
+    ASSERT_EQ(a->descriptor->typeInfo().name, "FileDescriptor");
+    EXPECT_EQ(tableRow(*a->descriptor, 130), "name=a");
+    EXPECT_EQ(tableRow(*a->descriptor, 131), "notifyOnReadable=true");
 }
 
 }  // namespace

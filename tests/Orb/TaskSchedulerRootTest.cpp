@@ -1,10 +1,12 @@
 #include "Orb/TaskSchedulerRoot.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 
 #include <chrono>
 #include <cstddef>
 #include <stdexcept>
+#include <system_error>
 #include <thread>
 
 #include "Grist/Grist.h"
@@ -390,6 +392,17 @@ TEST_F(TurnDeathTest, EndsTheProcessWhenATurnIsStartedInsideATurn) {
     thrower->work = [&] { loop->turn(); };
     thrower->task->schedule();
     EXPECT_DEATH(loop->turn(), "turning_");
+}
+
+TEST(TaskSchedulerRootTest, WithoutADescriptorToBeWokenByIsNotMade) {
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    rlimit const none{0, before.rlim_max};
+    auto const nodes = Vanta::Node::liveCount();
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    EXPECT_THROW(TaskSchedulerRoot::TaskSchedulerRootIs(), std::system_error);
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_EQ(Vanta::Node::liveCount(), nodes);
 }
 
 }  // namespace

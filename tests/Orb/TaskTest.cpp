@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "Orb/Fixture.h"
+#include "TableRow.h"
 
 namespace {
 
@@ -266,6 +267,15 @@ TEST_F(ShouldYield, FollowsANewLimitInTheRunUnderWay) {
     a->task->schedule();
     loop->turn();
     EXPECT_EQ(answers, (Log{"no", "yes"}));
+}
+
+TEST_F(TaskTest, IsReadByItsAttributes) {
+    auto const task = Orb::Task::TaskIs(loop, Priority::p5, "pktGenWorker");
+    task->schedule();
+    EXPECT_EQ(task->typeInfo().name, "Task");
+    EXPECT_EQ(tableRow(*task, 130), "name=pktGenWorker");
+    EXPECT_EQ(tableRow(*task, 131), "priority=5");
+    EXPECT_EQ(tableRow(*task, 132), "scheduled=true");
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -108,6 +109,12 @@ TEST(IpAddress, KnowsTheUnspecifiedAddresses) {
     EXPECT_TRUE(IpAddress::fromText("0.0.0.0")->isUnspecified());
     EXPECT_TRUE(IpAddress::fromText("::")->isUnspecified());
     EXPECT_FALSE(IpAddress::fromText("::1")->isUnspecified());
+}
+
+TEST(IpAddress, PrintsItsText) {
+    std::ostringstream out;
+    out << *IpAddress::fromText("2001:db8:0:0::1");
+    EXPECT_EQ(out.str(), "2001:db8::1");
 }
 
 }  // namespace

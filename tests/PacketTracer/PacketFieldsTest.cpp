@@ -110,10 +110,18 @@ TEST(IpProtocol, IsReadFromItsText) {
     EXPECT_EQ(ipProtocolFromText("TCP"), std::nullopt);
 }
 
+TEST(IpProtocol, OfAnotherNumberIsOther) {
+    EXPECT_EQ(text(static_cast<IpProtocol>(47)), "other");
+}
+
 TEST(ArpOperation, IsReadFromItsText) {
     EXPECT_EQ(arpOperationFromText("request"), ArpOperation::request);
     EXPECT_EQ(arpOperationFromText("reply"), ArpOperation::reply);
     EXPECT_EQ(arpOperationFromText("rarp"), std::nullopt);
+}
+
+TEST(ArpOperation, OfAnotherNumberIsOther) {
+    EXPECT_EQ(text(static_cast<ArpOperation>(3)), "other");
 }
 
 // Writes what it is sent as one line.

@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "PacketTracer/Publications.h"
+#include "TableRow.h"
 
 namespace {
 
@@ -105,6 +106,13 @@ TEST(ResultEntry, OfAPhysicalInterfaceHasNoLogicalOne) {
     auto const entry = ResultEntry::fromPhysicalIntf(intf("Ethernet1"));
     EXPECT_EQ(entry.physicalIntf(), intf("Ethernet1"));
     EXPECT_TRUE(entry.logicalIntf().empty());
+}
+
+TEST(ResultEntry, IsReadAsAPairOfInterfaces) {
+    auto const result = newResult();
+    result->egressIntfIs(ResultEntry::fromPhysicalIntf(intf("Ethernet1")));
+    result->egressIntfIs(ResultEntry::fromPhysicalAndLogicalIntf({}, intf("Lag3")));
+    EXPECT_EQ(tableRow(*result, 133), "egressIntf=[[Ethernet1 ][Lag3]]");
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <sstream>
 #include <vector>
 
 namespace {
@@ -96,6 +97,12 @@ TEST(CpuIntfId, HoldsForCpuAlone) {
     EXPECT_TRUE(CpuIntfId::isCpuIntfId(intf("Cpu")));
     EXPECT_FALSE(CpuIntfId::isCpuIntfId(intf("Ethernet1")));
     EXPECT_FALSE(CpuIntfId::isCpuIntfId(IntfId()));
+}
+
+TEST(IntfId, PrintsItsName) {
+    std::ostringstream out;
+    out << intf("Ethernet2/1.100") << ',' << IntfId();
+    EXPECT_EQ(out.str(), "Ethernet2/1.100,");
 }
 
 }  // namespace

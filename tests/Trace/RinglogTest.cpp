@@ -1,6 +1,7 @@
 #include "Trace/Ringlog.h"
 
 #include <gtest/gtest.h>
+#include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
 
@@ -171,6 +172,19 @@ TEST_F(Ringlog, RefusesWhatIsNoRegularFile) {
     EXPECT_THROW(ringIs("/dev/null"), RingError);
     EXPECT_THROW(ringIs(directory_), RingError);
     EXPECT_THROW(ringIs(directory_ + "/none/ring"), RingError);
+}
+
+// A limit on the size of files stands for a full disk; its signal comes with it.
+TEST_F(Ringlog, LeavesNothingBehindWhereThereIsNoRoomForIt) {
+    rlimit before{};
+    ASSERT_EQ(0, ::getrlimit(RLIMIT_FSIZE, &before));
+    rlimit const little{4096, before.rlim_max};
+    auto const handler = ::signal(SIGXFSZ, SIG_IGN);
+    ASSERT_EQ(0, ::setrlimit(RLIMIT_FSIZE, &little));
+    EXPECT_THROW(ringIs(path_), RingError);
+    EXPECT_EQ(0, ::setrlimit(RLIMIT_FSIZE, &before));
+    ::signal(SIGXFSZ, handler);
+    EXPECT_TRUE(std::filesystem::is_empty(directory_));
 }
 
 TEST_F(Ringlog, KeepsTheRingBeforeWhenANewOneIsRefused) {

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <sstream>
+
 #include "Grist/Grist.h"
 
 namespace {
@@ -20,6 +22,14 @@ TEST(String, ComparesByItsText) {
     EXPECT_EQ(String("noc"), String("noc"));
     EXPECT_FALSE(String("noc") == String("nod"));
     EXPECT_LT(String("a"), String("b"));
+    EXPECT_TRUE(String("noc") == std::string_view("noc"));
+    EXPECT_FALSE(String("noc") == std::string_view("nod"));
+}
+
+TEST(String, PrintsItsText) {
+    std::ostringstream out;
+    out << String("noc") << String();
+    EXPECT_EQ(out.str(), "noc");
 }
 
 TEST(String, HoldsNoBlockWhenEmpty) {
@@ -33,6 +43,7 @@ TEST(String, HoldsNoBlockWhenEmpty) {
 TEST(String, HashesEqualTextsEqually) {
     EXPECT_EQ(String("a name of some length").hash(), String("a name of some length").hash());
     EXPECT_NE(String("a").hash(), String("b").hash());
+    EXPECT_EQ(std::hash<String>()(String("a")), String("a").hash());
 }
 
 TEST(String, GivesItsBlockBack) {

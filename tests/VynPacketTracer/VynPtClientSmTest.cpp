@@ -1,7 +1,7 @@
 #include "VynPacketTracer/VynPtClientSm.h"
 
+#include "TableRow.h"
 #include "VynPacketTracer/ClientFixture.h"
-#include "VynPacketTracer/Reflected.h"
 
 namespace VynPacketTracer {
 namespace {
@@ -503,15 +503,15 @@ TEST_F(PacketTracerClientSmTest, NumbersItsAttributesFrom130) {
 TEST_F(PacketTracerClientSmTest, ItsReactorsAreReadWithTheirKeys) {
     start();
     request(1);
-    EXPECT_EQ(reflected(*client, "request"), "( ( ( 'noc' 1 ) object ) )");
+    EXPECT_EQ(tableRow(*client, 138), "request=[[[noc 1] object]]");
     auto const reactor = client->request(id("noc", 1));
     EXPECT_EQ(reactor->typeInfo().name, "NestedSm_Request");
-    EXPECT_EQ(reflected(*reactor, "key"), "( 'noc' 1 )");
+    EXPECT_EQ(tableRow(*reactor, 0), "key=[noc 1]");
 }
 
 TEST_F(PacketTracerClientSmTest, ItsInitializedIsNamedAndHasNoValue) {
     start();
-    EXPECT_EQ(reflected(*client, "initialized"), "null");
+    EXPECT_EQ(tableRow(*client, 0), "initialized=null");
 }
 
 }  // namespace

@@ -4,8 +4,8 @@
 
 #include <cerrno>
 
+#include "TableRow.h"
 #include "VynPacketTracer/EngineFixture.h"
-#include "VynPacketTracer/Reflected.h"
 
 namespace VynPacketTracer {
 namespace {
@@ -110,10 +110,10 @@ TEST_F(PktGenSmTest, NumbersItsAttributesFrom130) {
 
 TEST_F(PktGenSmTest, ItsStateIsReadByName) {
     startAwake();
-    EXPECT_EQ(reflected(*engine, "state"), "'idle'");
+    EXPECT_EQ(tableRow(*engine, 141), "state=idle");
     toWaitPktSent();
-    EXPECT_EQ(reflected(*engine, "state"), "'waitPktSent'");
-    EXPECT_EQ(reflected(*engine, "pktId"), "1");
+    EXPECT_EQ(tableRow(*engine, 141), "state=waitPktSent");
+    EXPECT_EQ(tableRow(*engine, 142), "pktId=1");
 }
 
 TEST_F(PktGenSmTest, NamesItsOperationsInTheirOrder) {

@@ -1,6 +1,6 @@
 #include "VynPacketTracer/VynPtSm.h"
 
-#include "VynPacketTracer/Reflected.h"
+#include "TableRow.h"
 #include "VynPacketTracer/TracerFixture.h"
 
 namespace VynPacketTracer {
@@ -151,13 +151,13 @@ TEST_F(PacketTracerSmTest, NumbersItsAttributes) {
 TEST_F(PacketTracerSmTest, ItsWatchersAndClientsAreReadWithTheirKeys) {
     client("noc");
     tracer = made();
-    EXPECT_EQ(reflected(*tracer, "localStatus"), "( )");
+    EXPECT_EQ(tableRow(*tracer, 149), "localStatus=[]");
     answer(1);
-    EXPECT_EQ(reflected(*tracer, "localStatus"), "( ( ( 'noc' 1 ) object ) )");
-    EXPECT_EQ(reflected(*tracer, "clientSm"), "( ( 'noc' object ) )");
+    EXPECT_EQ(tableRow(*tracer, 149), "localStatus=[[[noc 1] object]]");
+    EXPECT_EQ(tableRow(*tracer, 151), "clientSm=[[noc object]]");
     auto const watcher = tracer->localStatus(id("noc", 1));
     EXPECT_EQ(watcher->typeInfo().name, "NestedSm_LocalStatus");
-    EXPECT_EQ(reflected(*watcher, "key"), "( 'noc' 1 )");
+    EXPECT_EQ(tableRow(*watcher, 0), "key=[noc 1]");
 }
 
 TEST_F(PacketTracerSmTest, ReactsToTheEntriesOfItsDirectoriesAlone) {

@@ -1,7 +1,7 @@
 #include "VynPacketTracer/VynPtTypes.h"
 
+#include "TableRow.h"
 #include "VynPacketTracer/Fixture.h"
-#include "VynPacketTracer/Reflected.h"
 
 namespace VynPacketTracer {
 namespace {
@@ -480,11 +480,11 @@ TEST(VynPtTypesReflectionTest, AttributesAreNumberedFrom130InTheOrderOfDeclarati
 TEST(VynPtTypesReflectionTest, TheEntriesOfACollectionAreReadWithTheirKeys) {
     auto const jobs = pktGenConfigFactory();
     jobs->cfgIs(id("noc", 1), packet, port, intf("Ethernet1"));
-    EXPECT_EQ(reflected(*jobs, "cfg"), "( ( ( 'noc' 1 ) object ) )");
+    EXPECT_EQ(tableRow(*jobs, 130), "cfg=[[[noc 1] object]]");
     auto const answers = pktGenStatusFactory();
-    EXPECT_EQ(reflected(*answers, "status"), "( )");
+    EXPECT_EQ(tableRow(*answers, 130), "status=[]");
     answers->statusIs(id("noc", 2));
-    EXPECT_EQ(reflected(*answers, "status"), "( ( ( 'noc' 2 ) object ) )");
+    EXPECT_EQ(tableRow(*answers, 130), "status=[[[noc 2] object]]");
 }
 
 }  // namespace

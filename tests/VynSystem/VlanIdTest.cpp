@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include <unordered_set>
+
 #include "Kel/Error.h"
 
 namespace {
@@ -39,6 +41,12 @@ TEST(VlanId, RefusesTheLargestNumber) {
 TEST(VlanId, IsOrderedByItsValue) {
     EXPECT_LT(VlanId(9), VlanId(10));
     EXPECT_EQ(VlanId(9), VlanId(9));
+}
+
+TEST(VlanId, IsAKeyOfHashedCollections) {
+    std::unordered_set<VlanId> const vlans{VlanId(10), VlanId(10), VlanId(11)};
+    EXPECT_EQ(vlans.size(), 2U);
+    EXPECT_TRUE(vlans.contains(VlanId(11)));
 }
 
 }  // namespace
