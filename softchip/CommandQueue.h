@@ -95,18 +95,20 @@ class CommandQueue {
     bool somethingToDo() const { return pushed_.used > 0 || woken_ || stopped_; }
     std::span<Command> takeLocked();
 
-    mutable std::mutex mutex_;
-    std::condition_variable toDo_;
-    std::condition_variable doneChanged_;
-    Row pushed_;
-    Row taken_;  // the chip's thread's own
+    // What a push changes, in as few cache lines as it can be.
+    alignas(64) mutable std::mutex mutex_;
     std::uint64_t pushes_ = 0;
-    std::uint64_t takes_ = 0;  // commands handed out
     bool woken_ = false;
     bool stopped_ = false;
     bool sleeping_ = false;
-    std::atomic<bool> someoneWaits_ = false;
+    Row pushed_;
+    std::condition_variable toDo_;
+    // What the chip's thread changes whenever it has done something.
+    alignas(64) Row taken_;    // its own
+    std::uint64_t takes_ = 0;  // commands handed out
     std::atomic<std::uint64_t> done_ = 0;
+    std::atomic<bool> someoneWaits_ = false;
+    std::condition_variable doneChanged_;
     // Set after the lock is released, so that who spins does not run into the lock.
     alignas(64) std::atomic<bool> hint_ = false;
 };
