@@ -195,7 +195,7 @@ TEST(PktIdIndex, MeetsWhatTheWalkOverAllEntriesMeetsAlsoWhileTheyChange) {
     std::mt19937 random(7);
     Collections literal;
     Collections indexed;
-    for (unsigned step = 0; step < 20000; ++step) {
+    for (unsigned step = 0; step < 100000; ++step) {
         auto const changes = random();
         for (Collections* all : {&literal, &indexed}) {
             std::minstd_rand same(changes);
