@@ -31,3 +31,9 @@ endif()
 if(VYN_FUZZ)
     target_compile_options(VynCompile INTERFACE -fsanitize=fuzzer-no-link)
 endif()
+# Counters of lines and branches, for script/coverage. The function that writes them out is linked
+# into every module, for the processes that end without leaving main (tests/coverage/WriteOut.cpp).
+if(VYN_COVERAGE)
+    target_compile_options(VynCompile INTERFACE --coverage -fprofile-update=atomic)
+    target_link_options(VynCompile INTERFACE --coverage -Wl,--undefined=__gcov_dump)
+endif()

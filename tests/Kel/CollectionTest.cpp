@@ -294,14 +294,16 @@ TEST(Collection, KnowsItsWalksInWhateverOrderTheyEnd) {
     Numbers numbers;
     numbers.insert(1, "");
     numbers.insert(2, "");
-    auto outer = std::make_unique<Numbers::Iterator>(numbers);
-    Numbers::Iterator inner(numbers);
-    outer.reset();
+    auto first = std::make_unique<Numbers::Iterator>(numbers);
+    auto second = std::make_unique<Numbers::Iterator>(numbers);
+    Numbers::Iterator third(numbers);
+    first.reset();
     numbers.remove(1);
-    ++inner;
-    EXPECT_EQ(inner->key, 2);
-    Numbers::Iterator const another(numbers);
-    EXPECT_EQ(another->key, 2);
+    ++*second;
+    EXPECT_EQ((*second)->key, 2);
+    second.reset();
+    ++third;
+    EXPECT_EQ(third->key, 2);
 }
 
 }  // namespace

@@ -1,6 +1,10 @@
 #include "Vanta/Bytes.h"
 
 #include <gtest/gtest.h>
+#include <sys/mman.h>
+
+#include <new>
+#include <span>
 
 namespace {
 
@@ -16,6 +20,16 @@ TEST(Bytes, ComparesByteByByte) {
     EXPECT_EQ((Bytes{1, 2}), (Bytes{1, 2}));
     EXPECT_FALSE((Bytes{1, 2}) == (Bytes{1, 3}));
     EXPECT_FALSE((Bytes{1, 2}) == (Bytes{1, 2, 0}));
+}
+
+TEST(Bytes, RefusesMoreThanASizeOf32BitsCounts) {
+    std::size_t const size = std::size_t{1} << 32;
+    void* const pages =
+        ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE | MAP_ANONYMOUS | MAP_NORESERVE, -1, 0);
+    ASSERT_NE(pages, MAP_FAILED);
+    std::span const bytes(static_cast<std::uint8_t const*>(pages), size);
+    EXPECT_THROW(Bytes{bytes}, std::bad_alloc);
+    ::munmap(pages, size);
 }
 
 TEST(Bytes, PrintsAsLowerCaseHex) {
