@@ -299,7 +299,9 @@ TEST(Collection, KnowsItsWalksInWhateverOrderTheyEnd) {
     Numbers::Iterator third(numbers);
     first.reset();
     numbers.remove(1);
+    numbers.insert(3, "");  // in the place that became free
     ++*second;
+    ASSERT_FALSE(*second == std::default_sentinel);
     EXPECT_EQ((*second)->key, 2);
     second.reset();
     ++third;
