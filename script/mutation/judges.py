@@ -20,8 +20,15 @@ class Judge:
     name: str
     target: str  # what must be built
     command: list
+    filter: str = ""  # of a test program: which of its tests
     seconds: float = 0  # that it takes unmutated
     reached: bytes = b""  # a byte for each mutant, 1 if the judge comes by it
+    tests: dict = dataclasses.field(default_factory=dict)  # the same for each test of a program
+
+    def commandFor(self, number):
+        """Only the tests of a program that come by the mutant are asked."""
+        names = [name for name, reached in self.tests.items() if reached[number]]
+        return self.command + ([f"--gtest_filter={':'.join(names)}"] if names else [])
 
 
 def limits():
@@ -32,26 +39,36 @@ def limits():
 
 def gtest(build, folder, filter_="*"):
     program = build / "tests" / f"test-{folder}"
-    return Judge(f"tests/{folder}", f"test-{folder}",
-                 [program, "--gtest_fail_fast", "--gtest_brief=1", f"--gtest_filter={filter_}"])
+    command = [program, "--gtest_fail_fast", "--gtest_brief=1"]
+    return Judge(f"tests/{folder}", f"test-{folder}", command, filter_)
+
+
+def testsOf(command):
+    """The names of a program's tests."""
+    listed = subprocess.run([*command, "--gtest_list_tests"], stdout=subprocess.PIPE, text=True, check=True)
+    suite = ""
+    for line in listed.stdout.splitlines():
+        if line.startswith("  "):
+            yield suite + line.split("#")[0].strip()
+        elif line.split("#")[0].strip().endswith("."):
+            suite = line.split("#")[0].strip()
 
 
 def judgesOf(tree, plugin):
     """Cheapest first; for what is below the plug-in, its own tests before the others."""
     build = tree.build
-    below = [] if plugin else [
-        gtest(build, folder)
-        for folder in ("Vanta", "Kel", "Hivedb", "VynSystem", "Plexa", "sdkseam", "scriptchip", "Orb")
-    ]
-    return below + [
+    scenarios = Judge("scenarios", "replayer",
+                      [tree.source / "script" / "scenarios", "--vynpt", build / "replayer"])
+    if not plugin:
+        folders = ("Vanta", "Kel", "Orb", "VynPacketTracer")
+        return [gtest(build, folder) for folder in folders] + [scenarios]
+    return [
         gtest(build, "VynPacketTracer"),
-        gtest(build, "replay"),
         gtest(build, "faults", "-Allocation.*"),
+        scenarios,
         Judge("simulation", "vynpt-simulate",
               [build / "simulate" / "vynpt-simulate", "--seeds", "1-300", "--jobs", "1",
                "--no-shrink", "--failures", "1"]),
-        Judge("scenarios", "vynpt",
-              [tree.source / "script" / "scenarios", "--vynpt", build / "cli" / "vynpt"]),
     ]
 
 
@@ -61,11 +78,11 @@ class Runner:
     def __init__(self, scratch):
         self.scratch = pathlib.Path(scratch)
 
-    def run(self, judge, environment, timeout):
+    def run(self, command, environment, timeout):
         """"passed", "failed" or "hung"."""
         folder = tempfile.mkdtemp(dir=self.scratch)
         process = subprocess.Popen(
-            [str(word) for word in judge.command], cwd=folder, preexec_fn=limits,
+            [str(word) for word in command], cwd=folder, preexec_fn=limits,
             start_new_session=True, stdin=subprocess.DEVNULL, stdout=subprocess.DEVNULL,
             stderr=subprocess.DEVNULL, env={**os.environ, "TMPDIR": folder, **environment},
         )
@@ -86,22 +103,30 @@ class Runner:
             pass
         process.wait()
 
+    def reached(self, command, mutants):
+        """An unmutated run, which must pass: a byte for each mutant, 1 if it came by it."""
+        with tempfile.NamedTemporaryFile(dir=self.scratch) as file:
+            file.write(bytes(mutants + 1))
+            file.flush()
+            if self.run(command, {"VYN_MUTANTS_REACHED": file.name}, None) != "passed":
+                raise SystemExit(f"this fails without a mutant: {' '.join(map(str, command))}")
+            return pathlib.Path(file.name).read_bytes()
+
     def prepare(self, judge, mutants):
-        """An unmutated run; it must pass. Notes its time and the mutants that it comes by."""
-        bytes_ = self.scratch / "reached"
-        bytes_.write_bytes(bytes(mutants + 1))
+        """Notes a judge's time, and what it comes by."""
         start = time.monotonic()
-        if self.run(judge, {"VYN_MUTANTS_REACHED": str(bytes_)}, None) != "passed":
-            raise SystemExit(f"{judge.name} fails without a mutant: {' '.join(map(str, judge.command))}")
+        command = judge.command + ([f"--gtest_filter={judge.filter}"] if judge.filter else [])
+        judge.reached = self.reached(command, mutants)
         judge.seconds = time.monotonic() - start
-        judge.reached = bytes_.read_bytes()
+        for name in testsOf(command) if judge.filter else []:
+            judge.tests[name] = self.reached([*judge.command, f"--gtest_filter={name}"], mutants)
 
     def verdict(self, mutant, judges):
         """How the mutant was killed, or None if it survived."""
         for judge in judges:
             if judge.reached[mutant.number]:
                 timeout = max(TIMES * judge.seconds, AT_LEAST)
-                outcome = self.run(judge, {"VYN_MUTANT": str(mutant.number)}, timeout)
+                outcome = self.run(judge.commandFor(mutant.number), {"VYN_MUTANT": str(mutant.number)}, timeout)
                 if outcome != "passed":
                     return judge.name if outcome == "failed" else f"{judge.name} hung"
         return None

@@ -162,11 +162,12 @@ class Output:
 class Instrumented:
     """A source with the edits whose mutants are not dropped."""
 
-    def __init__(self, source, edits):
+    def __init__(self, source, edits, before=""):
         self.source = source
         live = [edit for edit in edits if edit.live()]
         live.sort(key=lambda edit: (edit.start, edit.end != edit.start, -edit.end, -edit.level))
         self.out = Output()
+        self.out.put(before)
         self.rest = live
         self.copy(0, len(source))
         self.text, self.ranges = self.out.text(), self.out.ranges

@@ -15,10 +15,17 @@ from mutation.source import Source
 
 HERE = pathlib.Path(__file__).resolve().parent
 DIAGNOSTIC = re.compile(r"^(?P<file>[^:\n]+):(?P<line>\d+):(?:(?P<column>\d+):)? +(?P<kind>.*)$")
-FLAGS = f"-std=c++20 -w -Wno-narrowing -fmax-errors=0 -include {HERE / 'Mutation.h'}"
-
-
-FIRST = ("VynPlatform", "VynPacketTracer", "test-Kel", "test-Vanta")
+SUPPORT = f'#include "{HERE / "Mutation.h"}"\n'
+# In a header this also tells the compiler to keep its warnings to itself.
+BEFORE_HEADER = "#pragma GCC system_header\n" + SUPPORT
+# What the copy builds differently: the instrumented sources, and a program that replays scenarios
+# without what the command needs besides.
+COMMANDS = """
+set_source_files_properties({sources} TARGET_DIRECTORY VynPlatform VynPacketTracer
+    PROPERTIES COMPILE_OPTIONS "-w;-Wno-narrowing")
+add_executable(replayer {replayer})
+target_link_libraries(replayer PRIVATE VynReplay)
+"""
 
 
 class Found:
@@ -69,12 +76,17 @@ def connected(found):
 
 
 class Tree:
-    """`folder` holds the copy in source/ and its build in build/."""
+    """A copy of the project in `folder`, with its build as it is delivered.
 
-    def __init__(self, root, folder, found):
-        self.root, self.source, self.build = root, folder / "source", folder / "build"
-        self.found, self.written = found, {}
-        self.refusals = folder / "refused"
+    Of the copy as of the project itself the path from a build to a source is the same, so that what
+    the compiler's cache has of the sources that are not instrumented serves both. `first` are the
+    targets that are built of the instrumented ones alone.
+    """
+
+    def __init__(self, root, folder, found, first):
+        self.root, self.source, self.build = root, folder, folder / "build" / "release"
+        self.found, self.written, self.first = found, {}, first
+        self.refusals = folder.parent / f"{folder.name}.refused"
 
     def copy(self):
         """Brings the copy up to date; what has not changed keeps its time."""
@@ -85,11 +97,15 @@ class Tree:
         names = {name for name in listed.stdout.decode().split("\0") if name}
         names = {name for name in names if (self.root / name).is_file()}
         for path in [*self.source.rglob("*")]:
-            if path.is_file() and str(path.relative_to(self.source)) not in names:
+            name = path.relative_to(self.source)
+            if path.is_file() and name.parts[0] != "build" and str(name) not in names:
                 path.unlink()
-        for name in names - set(self.found):
+        for name in names - set(self.found) - {"CMakeLists.txt"}:
             self.write(name, (self.root / name).read_bytes())
             shutil.copymode(self.root / name, self.source / name)
+        sources = " ".join(f"${{CMAKE_SOURCE_DIR}}/{name}" for name in self.found if name.endswith(".cpp"))
+        commands = COMMANDS.format(sources=sources, replayer=HERE / "replayer.cpp")
+        self.write("CMakeLists.txt", ((self.root / "CMakeLists.txt").read_text() + commands).encode())
 
     def write(self, name, content):
         path = self.source / name
@@ -99,17 +115,16 @@ class Tree:
 
     def instrument(self):
         for name, one in self.found.items():
-            self.written[name] = Instrumented(one.text, one.edits)
+            before = BEFORE_HEADER if name.endswith(".h") else SUPPORT
+            self.written[name] = Instrumented(one.text, one.edits, before)
             self.write(name, self.written[name].text.encode("latin-1"))
 
     def configure(self):
         if (self.build / "build.ninja").is_file():
             return
         subprocess.run(
-            ["cmake", "-S", self.source, "-B", self.build, "-G", "Ninja",
-             "-DCMAKE_BUILD_TYPE=Debug", "-DCMAKE_CXX_FLAGS_DEBUG=-O1", f"-DCMAKE_CXX_FLAGS={FLAGS}",
-             "-DCMAKE_CXX_COMPILER=g++", "-DVYN_TESTS=ON", "-DVYN_BENCH=OFF"],
-            stdout=subprocess.DEVNULL, check=True,
+            ["cmake", "--preset", "release", "-DVYN_BENCH=OFF"],
+            cwd=self.source, stdout=subprocess.DEVNULL, check=True,
         )
 
     def compile(self, targets, jobs, say):
@@ -119,7 +134,7 @@ class Tree:
         self.instrument()
         self.configure()
         # What is mutated comes first: it takes few compilations to learn what the compiler refuses.
-        for stage in (FIRST, [*FIRST, *targets]):
+        for stage in (self.first, [*self.first, *targets]):
             self.compileStage(stage, jobs, say)
 
     def compileStage(self, targets, jobs, say):
