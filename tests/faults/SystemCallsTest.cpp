@@ -134,6 +134,19 @@ TEST_F(SystemCallTest, ASendBufferThatCannotBeSetEndsTheProcess) {
               "assert", "rval == 0");
 }
 
+// Neither call is known to return anything but 0 and -1; whatever else it is stops the process too.
+TEST_F(SystemCallTest, AnEndOrABufferWhoseSettingIsNotZeroEndsTheProcess) {
+    for (unsigned const which : {0U, 1U}) {
+        SystemCalls::failsIs(SystemCall::fcntl, 0, which, 1);
+        expectEnd([&] { start(); }, untilSocket + Lines{initSocketTrace("fcntl", 0, 1)}, "assert",
+                  "rval == 0");
+    }
+    SystemCalls::reset();
+    SystemCalls::failsIs(SystemCall::setsockopt, 0, 0, 1);
+    expectEnd([&] { start(); }, untilSocket + Lines{initSocketTrace("setsockopt", 0, 1)}, "assert",
+              "rval == 0");
+}
+
 TEST_F(SystemCallTest, ADescriptorObjectThatFailsLeavesNoEngineBehind) {
     for (unsigned const which : {2U, 3U}) {
         auto const nodes = Vanta::Node::liveCount();
