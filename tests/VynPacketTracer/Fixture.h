@@ -8,6 +8,7 @@
 #include <cstdio>
 #include <functional>
 #include <initializer_list>
+#include <stdexcept>
 #include <string>
 
 #include "Bridging/Config.h"
@@ -50,6 +51,16 @@ class Switch : public testing::Test {
         // What a test does inside calls is over when the tracer goes.
         recorder.onSdkCall = nullptr;
         recorder.onTrace = nullptr;
+        recorder.mark = nullptr;
+    }
+    // From now on the first trace statement that says this raises an error.
+    void failsAtTrace(std::string const& text) {
+        recorder.onTrace = [this, text] {
+            if (recorder.lines().back().find(text) != std::string::npos) {
+                recorder.onTrace = nullptr;
+                throw std::runtime_error("the tap");
+            }
+        };
     }
 
     // ---- The forwarding state

@@ -65,7 +65,7 @@ class Recorder final : public ScriptChip::Listener {
 
     void note(std::string line) {
         if (hears_) {
-            lines_.push_back(std::move(line));
+            lines_.push_back(mark ? mark() + std::move(line) : std::move(line));
         }
     }
     // Deaf, nothing is put into lines: for tests that repeat something very often.
@@ -75,6 +75,8 @@ class Recorder final : public ScriptChip::Listener {
         Trace::tapIs(on ? traced : nullptr, this);
     }
 
+    // What is put in front of every line, as it is at that moment.
+    std::function<std::string()> mark;
     // What a test does inside a call of the chip or a trace statement, once it is noted.
     std::function<void(ScriptChip::SdkCall const&)> onSdkCall;
     std::function<void()> onTrace;

@@ -101,6 +101,20 @@ TEST_F(PacketTracerClientSmTest, AConstructionThatFailsReleasesWhatItWasGiven) {
     EXPECT_EQ(clientConfig->request(id("noc", 1))->refCount(), 2u);  // the configuration's, ours
 }
 
+TEST_F(PacketTracerClientSmTest, ARequestThatComesWhileItBeginsIsHandledAtOnceAndInItsTurn) {
+    request(1);
+    OnPublication const observer(pktGenConfig->publisher(), [&](auto, auto) {
+        if (!clientConfig->request(id("noc", 2))) {
+            request(2);
+        }
+    });
+    auto const lines = after([&] { start(); });
+    Lines const expected = accepted(1) + accepted(2) + acceptedAgain(2);
+    ASSERT_GT(lines.size(), expected.size());
+    EXPECT_EQ(Lines(lines.end() - static_cast<std::ptrdiff_t>(expected.size()), lines.end()),
+              expected);
+}
+
 // ---- Reactions to the configuration
 
 class ClientReactionTest : public RunningClientTest {};
@@ -270,6 +284,41 @@ TEST_F(ClientReactionTest, TornDownItHandlesNothing) {
               Lines{});
 }
 
+TEST_F(ClientReactionTest, TornDownAllItsReactorsAre) {
+    request(1);
+    request(2);
+    client->kelDoZombieReactors(true);
+    EXPECT_TRUE(client->request(id("noc", 1))->isZombie());
+    EXPECT_TRUE(client->request(id("noc", 2))->isZombie());
+}
+
+TEST_F(ClientReactionTest, SwitchedToWhatItIsItLeavesItsReactorsAlone) {
+    request(1);
+    auto const reactor = client->request(id("noc", 1));
+    reactor->kelDoZombieReactors(true);
+    client->kelDoZombieReactors(false);
+    EXPECT_TRUE(reactor->isZombie());
+}
+
+TEST_F(ClientReactionTest, DestroyedItLeavesReactorsThatAreStillHeldTornDown) {
+    request(1);
+    auto const reactor = client->request(id("noc", 1));
+    client = nullptr;
+    EXPECT_TRUE(reactor->isZombie());
+    EXPECT_FALSE(reactor->hasNotificationActive());
+}
+
+TEST_F(ClientReactionTest, DestroyedItLeavesNoReactorThatIsStillHeldAnOwner) {
+    request(1);
+    request(2);
+    Vanta::Ptr<NestedSm_Request> const reactors[] = {client->request(id("noc", 1)),
+                                                     client->request(id("noc", 2))};
+    client = nullptr;
+    for (auto const& reactor : reactors) {
+        EXPECT_EQ(after([&] { reactor->kel_handleRequest_valid(); }), Lines{});
+    }
+}
+
 TEST_F(ClientReactionTest, TornDownItStillKeepsItsReactorsInStep) {
     request(1);
     client->kelDoZombieReactors(true);
@@ -292,6 +341,30 @@ TEST_F(ClientReactionTest, NotTornDownAnyMoreItHandlesAgain) {
 // ---- The reactors
 
 class RequestReactorTest : public ClientReactionTest {};
+
+TEST_F(RequestReactorTest, ThatIsGivenARequestOfAnotherIdHandlesThatOne) {
+    request(1);
+    auto const reactor = client->request(id("noc", 1));
+    EXPECT_EQ(first(after([&] { reactor->notifierIs(makeRequest("noc", 2, "Ethernet1")); })),
+              "VynPtClientSm/7 handleRequest:client:noc reqId:2");
+}
+
+TEST_F(RequestReactorTest, IsRegisteredWhenItHasHandledItsRequest) {
+    auto const reactor = Vanta::makeNode<NestedSm_Request>(nullptr, client.get());
+    bool registered = true;
+    recorder.onTrace = [&] { registered = reactor->registered(); };
+    reactor->notifierIs(makeRequest("noc", 1, "Ethernet1"));
+    EXPECT_FALSE(registered);
+    EXPECT_TRUE(reactor->registered());
+}
+
+TEST_F(RequestReactorTest, WithoutARequestIsSwitchedOffWhenItsRequestIsWithdrawn) {
+    request(1);
+    auto const reactor = client->request(id("noc", 1));
+    reactor->notifierIs(nullptr);
+    withdraw(1);
+    EXPECT_FALSE(reactor->hasNotificationActive());
+}
 
 TEST_F(RequestReactorTest, ANullRequestIsRefusedAndChangesNothing) {
     request(1);

@@ -516,5 +516,45 @@ TEST_F(FieldOrderTest, RoutedIsReadBeforeTheDropControl) {
                 "egrMd_routed wrong size.  Expected:1 got:8", u8);
 }
 
+// ---- At the edges
+
+TEST_F(DigestTest, APortThatIsTheLastOfItsPipeIsReportedInThatPipe) {
+    auto const made = answer(1, 1);
+    processed({{.pktId = 1, .egrPort = 127}});
+    EXPECT_EQ(made->egrPortInfo().pipe(), 0);
+    EXPECT_EQ(made->egrPortInfo().port().value(), 127);
+}
+
+TEST_F(DigestTest, ATapThatFailsOnTheSdksThreadEndsTheProcess) {
+    failsAtTrace("Received pkt tracer digest");
+    expectEnd([&] { chip.digest({DigestEntry{.pktId = 1}}); }, {received(1)[0]}, "runtime_error",
+              "the tap");
+}
+
+// A digest whose entries have 16 bytes.
+class WideLayout final : public VyPd::VyPdIntf {
+  public:
+    std::uint32_t digestEntrySize(std::string_view) const override { return 16; }
+    std::uint8_t const* digestEntryField(std::uint8_t const* entry, std::string_view digest,
+                                         std::string_view field,
+                                         std::uint32_t& size) const override {
+        return layout_->digestEntryField(entry, digest, field, size);
+    }
+
+  private:
+    friend struct Vanta::NodeFactory;
+    Vanta::Ptr<ScriptChip::DigestLayout> layout_ = ScriptChip::DigestLayout::DigestLayoutIs();
+};
+
+TEST_F(EngineTest, EntriesThatFillTheBufferExactlyAreProcessed) {
+    engine = pktGenSmFactory(config, chip.phase0Data(), status, 1, chip.device(), true,
+                             chip.learnQuanta(), Vanta::makeNode<WideLayout>(), loop);
+    turn();
+    std::vector<std::uint8_t> message(10 + 4096);
+    message[9] = 1;  // 256 entries
+    ASSERT_EQ(::write(engine->socketPairWriteDesc(), message.data(), message.size()), 10 + 4096);
+    EXPECT_EQ(first(turned()), processing(256));
+}
+
 }  // namespace
 }  // namespace VynPacketTracer

@@ -223,5 +223,83 @@ TEST_F(EngineStateTest, WithdrawingTheJobInWorkDuringItsErrorIsAnotherError) {
     EXPECT_EQ(engine->state(), State::error);
 }
 
+// ---- When the state changes, as the tap and the chip see it
+
+class EngineStateSeenTest : public EngineStateTest {
+  protected:
+    // The state during the first of the lines that an event brings about that has this text.
+    std::string seenAt(std::string const& text, std::function<void()> const& event) {
+        recorder.mark = [this] { return std::string(stringValue(engine->state()).view()) + " "; };
+        auto const lines = after(event);
+        recorder.mark = nullptr;
+        for (auto const& line : lines) {
+            if (line.find(text) != line.npos) {
+                return line.substr(0, line.find(' '));
+            }
+        }
+        return "no such line";
+    }
+    std::string seenAtTurn(std::string const& text) {
+        return seenAt(text, [&] { turn(); });
+    }
+};
+
+TEST_F(EngineStateSeenTest, AskingForPhase0IsTracedAhead) {
+    job(1);
+    EXPECT_EQ(seenAtTurn("getPhase0Data:"), "idle");
+}
+
+TEST_F(EngineStateSeenTest, Phase0IsAskedForAfterwards) {
+    job(1);
+    EXPECT_EQ(seenAtTurn("phase0 configDel"), "waitPhase0Data");
+}
+
+TEST_F(EngineStateSeenTest, AFailedPhase0IsGivenUpAhead) {
+    toPhase0DataReady();
+    EXPECT_EQ(seenAt("phase0 configDel", [&] { phase0("Ethernet1", {}, 1); }), "phase0DataReady");
+}
+
+TEST_F(EngineStateSeenTest, Phase0OfAnUnreadCounterIsGivenUpAfterwards) {
+    toPhase0DataReady();
+    fails(SdkFunction::getPktCounters);
+    EXPECT_EQ(seenAtTurn("phase0 configDel"), "error");
+}
+
+TEST_F(EngineStateSeenTest, AFailedInjectionIsTracedAfterwards) {
+    toPhase0DataReady();
+    fails(SdkFunction::genOnePkt);
+    EXPECT_EQ(seenAtTurn("sendPkt:Error"), "error");
+}
+
+TEST_F(EngineStateSeenTest, AJobThatIsGoneIsTracedAhead) {
+    toWaitPktSent();
+    engine->hasNotificationActiveIs(false);
+    withdraw(1);
+    engine->hasNotificationActiveIs(true);
+    EXPECT_EQ(seenAtTurn("del cfg while waiting"), "waitPktSent");
+}
+
+TEST_F(EngineStateSeenTest, AWithdrawalIsTracedAhead) {
+    toWaitPhase0Data();
+    EXPECT_EQ(seenAt("handleConfig:removed", [&] { withdraw(1); }), "waitPhase0Data");
+}
+
+TEST_F(EngineStateSeenTest, AnApplicationThatCannotBeDisabledIsTracedAhead) {
+    toReset();
+    fails(SdkFunction::disableAppId);
+    EXPECT_EQ(seenAtTurn("disablePktGen:Error"), "reset");
+}
+
+TEST_F(EngineStateSeenTest, AGeneratorThatCannotBeDisabledIsTracedAhead) {
+    toReset();
+    fails(SdkFunction::disablePktGen);
+    EXPECT_EQ(seenAtTurn("disablePktGen:Error"), "reset");
+}
+
+TEST_F(EngineStateSeenTest, TheGeneratorIsDisabledAhead) {
+    toReset();
+    EXPECT_EQ(seenAtTurn("sdk disablePktGen"), "reset");
+}
+
 }  // namespace
 }  // namespace VynPacketTracer

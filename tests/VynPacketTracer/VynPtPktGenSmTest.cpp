@@ -1,9 +1,13 @@
 #include "VynPacketTracer/VynPtPktGenSm.h"
 
 #include <fcntl.h>
+#include <unistd.h>
 
 #include <cerrno>
+#include <filesystem>
+#include <new>
 
+#include "Grist/Grist.h"
 #include "TableRow.h"
 #include "VynPacketTracer/EngineFixture.h"
 
@@ -428,6 +432,78 @@ TEST_F(EngineEndTest, ReleasesWhatItWasMadeOf) {
     EXPECT_EQ(chip.digestLayout()->refCount(), 1u);
     EXPECT_EQ(task->refCount(), 1u);
     EXPECT_FALSE(task->isScheduled());
+}
+
+TEST_F(EngineEndTest, AfterADigestWasRegisteredInVainDeregistersIt) {
+    failsAtTrace("pktTracerDigest registered");
+    Lines lines;
+    EXPECT_THROW(startAwake(), std::runtime_error);
+    lines = happened();
+    ASSERT_GT(lines.size(), deregistered.size());
+    EXPECT_EQ(Lines(lines.end() - static_cast<std::ptrdiff_t>(deregistered.size()), lines.end()),
+              deregistered);
+}
+
+TEST_F(EngineEndTest, BeforeADigestIsRegisteredDeregistersNone) {
+    failsAtTrace("handleInitialized:");
+    EXPECT_THROW(startAwake(), std::runtime_error);
+    EXPECT_EQ(happened(), (Lines{engineTrace(7, "handleInitialized:")}));
+}
+
+TEST_F(EngineEndTest, ForWhichMemoryRunsOutLeavesNoDescriptorOpen) {
+    auto const open = [] {
+        return std::distance(std::filesystem::directory_iterator("/proc/self/fd"), {});
+    };
+    auto const before = open();
+    unsigned failures = 0;
+    for (std::uint64_t which = 1; engine == nullptr; ++which) {
+        Grist::failAfterIs(which);
+        try {
+            startAwake();
+        } catch (std::bad_alloc const&) {
+            ++failures;
+            EXPECT_EQ(open(), before) << "allocation " << which;
+        }
+        Grist::failAfterIs(0);
+    }
+    EXPECT_GT(failures, 3U);
+}
+
+TEST_F(EngineEndTest, WithoutTheDigestClosesNoDescriptor) {
+    int const standardInput = ::fcntl(STDIN_FILENO, F_GETFD);
+    start(false);
+    engine = nullptr;
+    EXPECT_EQ(::fcntl(STDIN_FILENO, F_GETFD), standardInput);
+}
+
+TEST_F(EngineEndTest, ClosesTheReadEndAlsoIfItsObjectIsStillHeld) {
+    start();
+    auto const held = engine->socketPairReadFileDesc();
+    engine = nullptr;
+    EXPECT_EQ(held->descriptor(), -1);
+}
+
+TEST_F(EngineEndTest, OfTheProcessComesWhenTheTapFails) {
+    start();
+    failsAtTrace("deregistered");
+    expectEnd([&] { engine = nullptr; }, deregistered, "runtime_error", "the tap");
+}
+
+// ---- Switching on again
+
+TEST_F(EngineTest, SwitchedOnTwiceItKeepsItsPlaceAmongTheObserversOfTheJobs) {
+    start();
+    OnPublication const observer(config->publisher(), [&](auto, auto) { recorder.note("later"); });
+    engine->hasNotificationActiveIs(true);
+    EXPECT_EQ(last(after([&] { job(1); })), "later");
+}
+
+TEST_F(EngineTest, SwitchedOnTwiceItKeepsItsPlaceAmongTheObserversOfPhase0) {
+    start();
+    OnPublication const observer(chip.phase0Data()->publisher(),
+                                 [&](auto, auto) { recorder.note("later"); });
+    engine->hasNotificationActiveIs(true);
+    EXPECT_EQ(last(after([&] { phase0("Ethernet1"); })), "later");
 }
 
 // ---- Releasing the engine from inside a notification

@@ -157,6 +157,14 @@ TEST_F(TracerSwitchTest, SwitchedOffItSwitchesWatchersEngineAndClientsOff) {
     EXPECT_FALSE(clientSm("noc")->hasNotificationActive());
 }
 
+TEST_F(TracerSwitchTest, SwitchedOffItSwitchesAllWatchersAndClientsOff) {
+    answer(8);
+    client("ops");
+    tracer->hasNotificationActiveIs(false);
+    EXPECT_FALSE(tracer->localStatus(id("noc", 8))->hasNotificationActive());
+    EXPECT_FALSE(clientSm("ops")->hasNotificationActive());
+}
+
 TEST_F(TracerSwitchTest, SwitchedOnAgainEachChangeIsReactedToOnce) {
     tracer->hasNotificationActiveIs(false);
     tracer->hasNotificationActiveIs(true);
@@ -189,6 +197,20 @@ TEST_F(TracerSwitchTest, TornDownItIgnoresTheDirectories) {
               }),
               Lines{});
     EXPECT_TRUE(clientSm("noc"));
+}
+
+TEST_F(TracerSwitchTest, TornDownAllItsWatchersAre) {
+    answer(8);
+    tracer->kelDoZombieReactors(true);
+    EXPECT_TRUE(tracer->localStatus(id("noc", 8))->isZombie());
+    EXPECT_TRUE(tracer->localStatus(id("noc", 9))->isZombie());
+}
+
+TEST_F(TracerSwitchTest, NotTornDownOnceMoreItLeavesItsWatchersAlone) {
+    auto const watcher = tracer->localStatus(id("noc", 9));
+    watcher->kelDoZombieReactors(true);
+    tracer->kelDoZombieReactors(false);
+    EXPECT_TRUE(watcher->isZombie());
 }
 
 TEST_F(TracerSwitchTest, TornDownItRelaysNothing) {

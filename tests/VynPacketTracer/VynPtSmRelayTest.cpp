@@ -201,6 +201,30 @@ TEST_F(WatcherTest, TornDownIsPointedAtAnotherEntryWithoutReacting) {
     EXPECT_EQ(tracer->localStatus(id("noc", 1))->notifier(), other);
 }
 
+TEST_F(WatcherTest, PointedAtAnotherEntryIsTornDownOrNotAsItsOwnerIsOnceItReacted) {
+    answer(1);
+    auto const watcher = tracer->localStatus(id("noc", 1));
+    watcher->kelDoZombieReactors(true);
+    EXPECT_EQ(after([&] { tracer->localStatusIs(loose(1)); }), Lines{});
+    EXPECT_FALSE(watcher->isZombie());
+}
+
+TEST_F(WatcherTest, IsRegisteredWhenItHasReacted) {
+    auto const watcher = watcherOf(nullptr, tracer.get());
+    bool registered = true;
+    recorder.onTrace = [&] { registered = watcher->registered(); };
+    watcher->notifierIs(loose(1));
+    EXPECT_FALSE(registered);
+}
+
+TEST_F(WatcherTest, WithoutAnEntryIsSwitchedOffByLocalStatusDel) {
+    answer(1);
+    auto const watcher = tracer->localStatus(id("noc", 1));
+    watcher->notifierIs(nullptr);
+    tracer->localStatusDel(id("noc", 1));
+    EXPECT_FALSE(watcher->hasNotificationActive());
+}
+
 TEST_F(WatcherTest, IsSilencedAndRemovedByLocalStatusDel) {
     auto const made = answer(1);
     auto const watcher = tracer->localStatus(id("noc", 1));

@@ -76,6 +76,18 @@ TEST_F(PacketTracerSmTest, AStatusWithoutAConfigurationIsNotEvenLookedAt) {
     EXPECT_EQ(happened("VynPtSm/7 handleClient:"), Lines{});
 }
 
+TEST_F(PacketTracerSmTest, ADirectoryThatChangesWhileItBeginsIsReactedToAtOnceAndInItsTurn) {
+    client("noc");
+    request(1, "Ethernet9");  // has no port, so its result comes while the tracer begins
+    OnPublication const observer(statusOf("noc")->publisher(), [&](auto, auto) {
+        if (!configOf("late")) {
+            client("late");
+        }
+    });
+    auto const lines = after([&] { tracer = made(); });
+    EXPECT_EQ(beginning(handled("late"), lines).size(), 3u);  // its two entries, then the walk
+}
+
 TEST_F(PacketTracerSmTest, HoldsWhatItWasMadeOf) {
     tracer = made();
     EXPECT_EQ(tracer->config(), config);

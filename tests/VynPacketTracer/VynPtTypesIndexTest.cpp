@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <fstream>
 #include <functional>
 #include <random>
 #include <string>
@@ -106,6 +107,52 @@ TEST(PendingJobs, OfSeveralCollectionsMayAskForTheSameAnswers) {
     }
     EXPECT_EQ(name(all.config->firstPending(*all.status)), "none");
     EXPECT_EQ(name(others->firstPending(*all.status)), "none");
+}
+
+TEST(PendingJobs, DoNotCountAnswersThatTheyFollowNoMore) {
+    Collections all;
+    all.cfgIs(1);
+    all.cfgIs(2);
+    auto const other = PktGenStatus::PktGenStatusIs();
+    EXPECT_EQ(name(all.config->firstPending(*all.status)), "1");
+    EXPECT_EQ(name(all.config->firstPending(*other)), "1");
+    all.status->statusIs(req(1));
+    EXPECT_EQ(name(all.config->firstPending(*other)), "1");
+}
+
+TEST(PendingJobs, FollowNewAnswersAlsoInPlaceOfOldOnes) {
+    Collections all;
+    all.cfgIs(1);
+    all.cfgIs(2);
+    EXPECT_EQ(name(all.config->firstPending(*all.status)), "1");
+    all.status = nullptr;  // so that the new ones may lie where the old ones were
+    all.status = PktGenStatus::PktGenStatusIs();
+    all.status->statusIs(req(1));
+    EXPECT_EQ(name(all.config->firstPending(*all.status)), "2");
+}
+
+TEST(PendingJobs, AreNotTouchedByAJobThatHadAnAnswerFromTheBeginning) {
+    Collections all;
+    all.cfgIs(1);
+    all.cfgIs(2);
+    all.status->statusIs(req(1));
+    EXPECT_EQ(name(all.config->firstPending(*all.status)), "2");
+    all.config->cfgDel(req(1));
+    EXPECT_EQ(name(all.config->firstPending(*all.status)), "2");
+}
+
+TEST(PendingJobs, EndBeforeAJobThatHasAnAnswerNow) {
+    Collections all;
+    for (unsigned number : {1, 2, 3}) {
+        all.cfgIs(number);
+    }
+    auto const other = PktGenStatus::PktGenStatusIs();
+    other->statusIs(req(3));
+    EXPECT_EQ(name(all.config->firstPending(*all.status)), "1");
+    EXPECT_EQ(name(all.config->firstPending(*other)), "1");
+    other->statusIs(req(1));
+    other->statusIs(req(2));
+    EXPECT_EQ(name(all.config->firstPending(*other)), "none");
 }
 
 TEST(PendingJobs, SurviveTheirAnswers) {
@@ -250,6 +297,19 @@ TEST(PktIdIndex, GoesOnBehindAnEntryThatGetsAnotherIdOrGoesWhileItIsVisited) {
     }
 }
 
+TEST(PktIdIndex, GoesOnBehindALaterEntryThatGoesWhileItIsVisited) {
+    Collections all;
+    for (unsigned number : {1, 2, 3}) {
+        all.status->statusIs(req(number))->pktIdIs(9);
+    }
+    Visit const removeSecond = [](Collections& now, RequestId const& visited) {
+        if (visited == req(2)) {
+            now.status->statusDel(visited);
+        }
+    };
+    EXPECT_EQ(indexWalk(all, 9, removeSecond), (Visited{1, 2, 3}));
+}
+
 TEST(PktIdIndex, KeepsTheOrderOfTheCollectionWhenAnOldEntryGetsTheId) {
     Collections all;
     for (unsigned number : {1, 2, 3}) {
@@ -259,6 +319,19 @@ TEST(PktIdIndex, KeepsTheOrderOfTheCollectionWhenAnOldEntryGetsTheId) {
     all.status->statusIs(req(1))->pktIdIs(9);
     all.status->statusIs(req(2))->pktIdIs(9);
     EXPECT_EQ(indexWalk(all, 9, [](Collections&, RequestId const&) {}), (Visited{1, 2, 3}));
+}
+
+TEST(PktIdIndex, GivesItsTableBack) {
+    auto const pages = [] {
+        std::size_t count = 0;
+        std::ifstream("/proc/self/statm") >> count;
+        return count;
+    };
+    auto const before = pages();
+    for (int i = 0; i < 64; ++i) {
+        PktGenStatus::PktGenStatusIs()->statusIs(req(1));  // a table takes 256 pages
+    }
+    EXPECT_LT(pages(), before + std::size_t{16 * 256});
 }
 
 TEST(PktIdIndex, KnowsFreshEntriesUnderZero) {

@@ -1,3 +1,4 @@
+#include <functional>
 #include <sstream>
 #include <type_traits>
 
@@ -79,11 +80,13 @@ TEST(PktGenStateSequenceTest, TakesANameAtTheRangesEnd) {
 TEST(PktGenStateSequenceTest, TakesANameBeforeACharacterThatIsNoLetterOrDigit) {
     EXPECT_EQ(sequence("reset,idle"), "reset|,idle");
     EXPECT_EQ(sequence("reset_1"), "reset|_1");
+    EXPECT_EQ(sequence("reset/1"), "reset|/1");
 }
 
 TEST(PktGenStateSequenceTest, TakesNoPartOfALongerWord) {
     EXPECT_EQ(sequence("idler"), "none|idler");
     EXPECT_EQ(sequence("idle2"), "none|idle2");
+    EXPECT_EQ(sequence("idlez"), "none|idlez");
     EXPECT_EQ(sequence("waitPkt"), "none|waitPkt");
 }
 
@@ -102,6 +105,26 @@ TEST(PktGenStateSequenceTest, LeavesTheStateAloneWithoutAMatch) {
     PktGenState state = PktGenState::reset;
     EXPECT_FALSE(sequenceToValue(range, &state));
     EXPECT_EQ(state, PktGenState::reset);
+}
+
+// The type, attribute and text of the range error that something raises.
+std::string rangeError(std::function<void()> const& action) {
+    try {
+        action();
+    } catch (Kel::RangeError const& error) {
+        return error.typeName() + " | " + error.attribute() + " | " + error.what();
+    }
+    return "none";
+}
+
+TEST(PktGenStateTest, ANumberWithoutAStateIsNamedInTheError) {
+    EXPECT_EQ(rangeError([] { PktGenStateInstance(7); }),
+              "PktGenState | value | PktGenState has no value 7");
+}
+
+TEST(PktGenStateTest, ANameWithoutAStateIsNamedInTheError) {
+    EXPECT_EQ(rangeError([] { PktGenStateInstance("busy"); }),
+              "PktGenState | value | PktGenState has no value named busy");
 }
 
 }  // namespace

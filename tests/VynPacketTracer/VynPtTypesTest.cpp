@@ -416,6 +416,14 @@ TEST_F(PktGenStatusTest, StatusIsOfAReadyEntryReturnsItStillReady) {
     EXPECT_EQ(recorder.take(), Lines{});
 }
 
+TEST_F(PktGenStatusTest, TheEntryThatGoesIsItsRemovalsOldValue) {
+    auto const made = status->statusIs(id("noc", 1));
+    using Entry = Vanta::Ptr<PktGenStatusData>;
+    Listener<Entry> listener(status->publisher());
+    status->statusDel(id("noc", 1));
+    EXPECT_EQ(listener.told, (std::vector<Told<Entry>>{{130, id("noc", 1), made}}));
+}
+
 TEST_F(PktGenStatusTest, StatusDelReturnsTheEntryAndPublishesItsRemoval) {
     auto const made = status->statusIs(id("noc", 1));
     recorder.take();
