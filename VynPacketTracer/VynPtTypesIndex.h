@@ -12,6 +12,7 @@
 #include <memory>
 
 #include "Grist/Grist.h"
+#include "VynExport.h"
 
 namespace VynPacketTracer {
 
@@ -34,7 +35,7 @@ struct PendingLink {
 //   returnedIs  logarithmic in the number of returned jobs
 //   del         constant for a fresh job, logarithmic for a returned one
 //   first       constant, or logarithmic if there are returned jobs
-class PendingJobs {
+class VYN_EXPORT PendingJobs {
   public:
     // Adds a job whose order is higher than that of all fresh ones.
     void freshIs(PendingLink& job) noexcept;

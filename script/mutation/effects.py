@@ -13,6 +13,8 @@ JUMPS = (
 REFERENCES = (CursorKind.DECL_REF_EXPR, CursorKind.MEMBER_REF_EXPR)
 # A trace statement is seen from outside, but it looks at nothing but its arguments.
 TRACE = "twinlog"
+# This one calls whoever listens, so it does more than change the member that it is called on.
+PUBLISH = "publish"
 
 
 class Effects:
@@ -49,7 +51,10 @@ class Effects:
         elif callee.kind == CursorKind.CONSTRUCTOR or callee.spelling.startswith("operator"):
             pass
         elif callee.kind == CursorKind.CXX_METHOD and callee.is_const_method():
-            self.looks = True
+            self.looks = self.looks or isOwn(cursor)
+        elif callee.spelling != PUBLISH and ownField(cursor) is not None:
+            self.writes.add(ownField(cursor).get_usr())
+            self.writesMember = True
         elif callee.spelling not in ("move", "forward"):
             self.seen = self.looks = True
 
@@ -72,6 +77,28 @@ class Effects:
         return cursor.kind == CursorKind.UNARY_OPERATOR and (
             text.startswith(("++", "--")) or text.endswith(("++", "--"))
         )
+
+
+def objectOf(call):
+    """What a method is called on; None if that is the object itself."""
+    callee = children(call)[0] if children(call) else None
+    inner = children(callee) if callee is not None else []
+    return peeled(inner[0]) if inner and inner[0].kind.is_expression() else None
+
+
+def isOwn(call):
+    target = objectOf(call)
+    return target is None or target.kind == CursorKind.CXX_THIS_EXPR
+
+
+def ownField(call):
+    """The member of the object itself that a method is called on, if it is no pointer."""
+    target = objectOf(call)
+    if target is None or target.kind != CursorKind.MEMBER_REF_EXPR or objectOf(target) is not None:
+        return None
+    field = target.referenced
+    isValue = field is not None and field.kind == CursorKind.FIELD_DECL
+    return field if isValue and field.type.get_canonical().kind == TypeKind.RECORD else None
 
 
 def haveCommonEffect(one, other):

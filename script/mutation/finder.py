@@ -67,6 +67,7 @@ LITERALS = (
     Kind.STRING_LITERAL,
     Kind.CXX_BOOL_LITERAL_EXPR,
 )
+EMPTY = (Kind.CXX_NULL_PTR_LITERAL_EXPR, Kind.INIT_LIST_EXPR)
 INTEGERS = (
     TypeKind.CHAR_U, TypeKind.UCHAR, TypeKind.USHORT, TypeKind.UINT, TypeKind.ULONG,
     TypeKind.ULONGLONG, TypeKind.CHAR_S, TypeKind.SCHAR, TypeKind.SHORT, TypeKind.INT,
@@ -215,7 +216,7 @@ class Finder:
 
     def plainMember(self, member, argument):
         core = peeled(argument)
-        if core.kind in (*LITERALS, Kind.LAMBDA_EXPR, Kind.CXX_NULL_PTR_LITERAL_EXPR, Kind.INIT_LIST_EXPR):
+        if core.kind in (*LITERALS, *EMPTY, Kind.LAMBDA_EXPR):
             return
         name = self.source.of(member)
         start, end = span(argument)
@@ -329,7 +330,8 @@ class Finder:
                 continue
             guard = Guard(span(statement)[0], self.endOf(statement))
             if self.isDroppable(statement):
-                guard.without.append(self.mutant(guard.start, f"`{short(self.source.flat(guard.start, guard.end))}` dropped"))
+                text = short(self.source.flat(guard.start, guard.end))
+                guard.without.append(self.mutant(guard.start, f"`{text}` dropped"))
             effects = Effects(self.source, statement)
             if previous is not None and haveCommonEffect(before, effects):
                 self.swap(previous, statement, guard)
@@ -351,8 +353,8 @@ class Finder:
         )
 
     def isDroppable(self, statement):
-        text = self.source.of(statement)
-        return not text.startswith("static_cast<void>") and statement.kind not in (Kind.IF_STMT, Kind.SWITCH_STMT)
+        isNothing = self.source.of(statement).startswith("static_cast<void>")
+        return not isNothing and statement.kind not in (Kind.IF_STMT, Kind.SWITCH_STMT)
 
     def endOf(self, statement):
         """Where a statement ends, with its semicolon."""
@@ -454,14 +456,14 @@ class Finder:
         core = peeled(value)
         kind = bare(value.type).kind
         self.expression(value, condition=kind == TypeKind.BOOL)
-        if core.kind in (*LITERALS, Kind.CXX_NULL_PTR_LITERAL_EXPR, Kind.INIT_LIST_EXPR) or isEnumerator(core):
+        if self.function is None or core.kind in (*LITERALS, *EMPTY) or isEnumerator(core):
             return
-        result = self.function.result_type if self.function is not None else None
+        result = self.function.result_type
         if kind in INTEGERS and core.kind != Kind.BINARY_OPERATOR:
             if bare(result).kind in INTEGERS and result.get_canonical().kind != TypeKind.LVALUEREFERENCE:
                 self.replace(value, f"{self.source.flat(*span(value))} + 1", level=1)
         elif kind in (TypeKind.RECORD, TypeKind.POINTER) and self.canReturnNothing(result):
-            if core.kind == Kind.CALL_EXPR and not [*core.get_arguments()] and self.source.of(core).endswith("()") and core.referenced is not None and core.referenced.kind == Kind.CONSTRUCTOR:
+            if core.kind == Kind.CALL_EXPR and self.source.of(core).endswith("()") and isDefaultMade(core):
                 return
             text = short(self.source.flat(*span(value)))
             mutant = self.mutant(span(cursor)[0], f"`{text}` becomes `{{}}`")
@@ -561,7 +563,8 @@ class Finder:
                 self.replace(core, text, change)
         isLogic = operator in LOGIC
         for part in parts or children(core):
-            isTruth = operator is None and bare(part.type).kind == TypeKind.BOOL and part == (parts or [None])[-1]
+            isAssigned = operator is None and parts is not None and part == parts[-1]
+            isTruth = isAssigned and bare(part.type).kind == TypeKind.BOOL
             self.expression(part, condition=isLogic or isTruth)
 
     def unary(self, core, condition):
@@ -587,8 +590,8 @@ class Finder:
         if core.kind == Kind.DECL_REF_EXPR and referenced is not None and referenced.kind == Kind.VAR_DECL:
             if isScalar(referenced.type) and referenced.type.is_const_qualified():
                 start, end = span(core)
-                mention = (self.source.name, self.source.flat(start, end), start, end, Constants.key(referenced))
-                self.constants.mentions.append(mention)
+                text, key = self.source.flat(start, end), Constants.key(referenced)
+                self.constants.mentions.append((self.source.name, text, start, end, key))
         elif core.kind == Kind.MEMBER_REF_EXPR:
             for inner in children(core):
                 if inner.kind.is_expression():

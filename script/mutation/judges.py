@@ -126,7 +126,8 @@ class Runner:
         for judge in judges:
             if judge.reached[mutant.number]:
                 timeout = max(TIMES * judge.seconds, AT_LEAST)
-                outcome = self.run(judge.commandFor(mutant.number), {"VYN_MUTANT": str(mutant.number)}, timeout)
+                chosen = {"VYN_MUTANT": str(mutant.number)}
+                outcome = self.run(judge.commandFor(mutant.number), chosen, timeout)
                 if outcome != "passed":
                     return judge.name if outcome == "failed" else f"{judge.name} hung"
         return None

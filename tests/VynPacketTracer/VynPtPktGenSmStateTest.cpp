@@ -296,6 +296,39 @@ TEST_F(EngineStateSeenTest, AGeneratorThatCannotBeDisabledIsTracedAhead) {
     EXPECT_EQ(seenAtTurn("disablePktGen:Error"), "reset");
 }
 
+TEST_F(EngineStateSeenTest, AnAnswerIsMadeAhead) {
+    toPhase0DataReady();
+    EXPECT_EQ(seenAtTurn("status add"), "phase0DataReady");
+}
+
+TEST_F(EngineStateSeenTest, WithoutTheDigestAnAnswerIsReadyAhead) {
+    startAwake(false);
+    toWaitPktSent();
+    counter(1);
+    EXPECT_EQ(seenAtTurn("status ready"), "waitPktSent");
+}
+
+TEST_F(EngineStateSeenTest, AnAnswerIsDeletedBeforeTheTaskIsScheduled) {
+    toIdleAgain();
+    turn(2);
+    bool scheduled = true;
+    OnPublication const observer(status->publisher(),
+                                 [&](auto, auto) { scheduled = isScheduled(); });
+    withdraw(1);
+    EXPECT_FALSE(scheduled);
+    EXPECT_TRUE(isScheduled());
+}
+
+TEST_F(EngineStateSeenTest, Phase0ThatGoesIsTracedBeforeTheTaskIsScheduled) {
+    phase0("Ethernet1");
+    turn(2);
+    bool scheduled = true;
+    recorder.onTrace = [&] { scheduled = isScheduled(); };
+    chip.phase0Data()->answerDel(intf("Ethernet1"));
+    EXPECT_FALSE(scheduled);
+    EXPECT_TRUE(isScheduled());
+}
+
 TEST_F(EngineStateSeenTest, TheGeneratorIsDisabledAhead) {
     toReset();
     EXPECT_EQ(seenAtTurn("sdk disablePktGen"), "reset");

@@ -224,6 +224,20 @@ class TaskIsTest : public EngineTaskTest {
     Vanta::Ptr<Orb::Task> const old = engine->task();
 };
 
+TEST_F(EngineTest, TaskIsReturnsTheTaskThatItMakes) {
+    startAwake();
+    auto const made = engine->taskIs(loop, Orb::TaskPriority::p3, "other");
+    ASSERT_TRUE(made);
+    EXPECT_EQ(made, engine->task());
+}
+
+TEST_F(EngineTest, TaskDelLeavesATaskThatMovesNothing) {
+    start();
+    auto const task = engine->taskDel();
+    task->schedule();
+    EXPECT_EQ(turned(), Lines{});
+}
+
 TEST_F(TaskIsTest, OfTheSameSchedulerAndNameKeepsTheTaskAndSetsItsPriority) {
     EXPECT_EQ(
         after([&] { EXPECT_EQ(engine->taskIs(loop, Orb::TaskPriority::p5, "pktGenWorker"), old); }),

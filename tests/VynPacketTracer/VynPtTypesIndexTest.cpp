@@ -3,9 +3,12 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <random>
+#include <set>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Grist/Grist.h"
@@ -164,6 +167,55 @@ TEST(PendingJobs, SurviveTheirAnswers) {
     EXPECT_EQ(name(all.config->firstPending(*all.status)), "1");
 }
 
+// The length of the longest road from a link down to one of its children's children.
+std::size_t depth(VynPacketTracer::PendingLink const& link) {
+    std::size_t deepest = 0;
+    std::vector<std::pair<VynPacketTracer::PendingLink const*, std::size_t>> open{{&link, 1}};
+    while (!open.empty()) {
+        auto const [current, at] = open.back();
+        open.pop_back();
+        deepest = std::max(deepest, at);
+        for (auto const* child : {current->left, current->right}) {
+            if (child != nullptr) {
+                open.emplace_back(child, at + 1);
+            }
+        }
+    }
+    return deepest;
+}
+// The same from the top of the tree that pending jobs stand in.
+std::size_t treeDepth(std::vector<VynPacketTracer::PendingLink> const& links) {
+    std::set<VynPacketTracer::PendingLink const*> below;
+    for (auto const& link : links) {
+        below.insert({link.left, link.right});
+    }
+    for (auto const& link : links) {
+        if (link.where == VynPacketTracer::PendingLink::Where::returned && !below.contains(&link)) {
+            return depth(link);
+        }
+    }
+    return 0;
+}
+
+TEST(PendingJobs, ThatReturnStandInATreeThatIsNotDeep) {
+    constexpr std::size_t deepest = 60;  // what is balanced by chance is half as deep
+    std::vector<VynPacketTracer::PendingLink> links(4096);
+    VynPacketTracer::PendingJobs pending;
+    for (std::size_t i = 0; i < links.size(); ++i) {
+        links[i].order = i + 1;
+        pending.returnedIs(links[i]);
+    }
+    EXPECT_LT(treeDepth(links), deepest);
+    for (std::size_t i = 0; i < links.size(); i += 4) {
+        for (std::size_t gone : {i, i + 1, i + 2}) {
+            pending.del(links[gone]);
+            links[gone].left = links[gone].right = nullptr;
+        }
+    }
+    EXPECT_LT(treeDepth(links), deepest);
+    EXPECT_EQ(pending.first(), &links[3]);
+}
+
 TEST(PendingJobs, AreKnownBeforeTheChangeIsPublished) {
     struct Observer {
         void dispatch(Vanta::Publisher const&, Vanta::Subscriber&, Vanta::AttributeNumber,
@@ -308,6 +360,37 @@ TEST(PktIdIndex, GoesOnBehindALaterEntryThatGoesWhileItIsVisited) {
         }
     };
     EXPECT_EQ(indexWalk(all, 9, removeSecond), (Visited{1, 2, 3}));
+}
+
+TEST(PktIdIndex, PassesAnEntryThatGetsTheIdBetweenTheOnesThatWereVisited) {
+    Collections all;
+    all.status->statusIs(req(1))->pktIdIs(9);
+    all.status->statusIs(req(2))->pktIdIs(8);
+    all.status->statusIs(req(3))->pktIdIs(9);
+    Visit const change = [](Collections& now, RequestId const& visited) {
+        if (visited == req(3)) {
+            now.status->statusIs(req(2))->pktIdIs(9);
+            now.status->statusIs(req(3))->pktIdIs(8);
+        }
+    };
+    EXPECT_EQ(indexWalk(all, 9, change), (Visited{1, 3}));
+}
+
+TEST(PktIdIndex, KnowsAnIdBeforeItIsPublished) {
+    struct Observer {
+        void dispatch(Vanta::Publisher const&, Vanta::Subscriber&, Vanta::AttributeNumber,
+                      Vanta::ValueRef, Vanta::ValueRef) {
+            found = PktGenStatus::PktIdWalk(*status, 9).next() != nullptr;
+        }
+        Vanta::Ptr<PktGenStatus> status;
+        bool found = false;
+        Vanta::Subscriber subscriber = {};
+    };
+    Observer observer{PktGenStatus::PktGenStatusIs()};
+    auto const entry = observer.status->statusIs(req(1));
+    observer.subscriber.subscribe<&Observer::dispatch>(entry->publisher(), &observer);
+    entry->pktIdIs(9);
+    EXPECT_TRUE(observer.found);
 }
 
 TEST(PktIdIndex, KeepsTheOrderOfTheCollectionWhenAnOldEntryGetsTheId) {
