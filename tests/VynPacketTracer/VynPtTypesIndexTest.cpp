@@ -123,6 +123,19 @@ TEST(PendingJobs, DoNotCountAnswersThatTheyFollowNoMore) {
     EXPECT_EQ(name(all.config->firstPending(*other)), "1");
 }
 
+TEST(PendingJobs, AreNotTouchedByAnswersThatFollowedJobsWhichAreGone) {
+    Collections all;
+    all.cfgIs(1);
+    EXPECT_EQ(name(all.config->firstPending(*all.status)), "1");
+    auto const answers = PktGenStatus::PktGenStatusIs();
+    all.config = nullptr;  // so that the new ones may lie where the old ones were
+    all.config = PktGenConfig::PktGenConfigIs();
+    all.cfgIs(1);
+    EXPECT_EQ(name(all.config->firstPending(*answers)), "1");
+    all.status->statusIs(req(1));
+    EXPECT_EQ(name(all.config->firstPending(*answers)), "1");
+}
+
 TEST(PendingJobs, FollowNewAnswersAlsoInPlaceOfOldOnes) {
     Collections all;
     all.cfgIs(1);
