@@ -395,6 +395,9 @@ TEST_F(TurnDeathTest, EndsTheProcessWhenATurnIsStartedInsideATurn) {
 }
 
 TEST(TaskSchedulerRootTest, WithoutADescriptorToBeWokenByIsNotMade) {
+#ifdef __SANITIZE_ADDRESS__
+    GTEST_SKIP() << "the sanitizer looks at memory through descriptors of its own";
+#endif
     rlimit before{};
     ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
     rlimit const none{0, before.rlim_max};
