@@ -9,7 +9,8 @@ import re
 import shutil
 import subprocess
 
-from mutation.finder import Constants, Finder
+from mutation.constants import Constants
+from mutation.finder import Finder
 from mutation.schemata import Instrumented, numbered
 from mutation.source import Source
 
