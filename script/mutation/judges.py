@@ -10,7 +10,7 @@ import subprocess
 import tempfile
 import time
 
-MEMORY = 3 << 30  # bytes of addresses a process may have
+MEMORY = 6 << 30  # bytes of addresses a process may have; a test of Vanta maps 4 GiB
 FILE = 64 << 20  # bytes it may write to one file
 TIMES, AT_LEAST = 10, 10  # how much longer than the unmutated run, and how many seconds, is a hang
 
