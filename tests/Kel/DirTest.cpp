@@ -135,4 +135,33 @@ TEST_F(Directory, MayGoWhileItsChangeIsDelivered) {
     EXPECT_FALSE(subscriber.subscribed());
 }
 
+// Of each change, the entity that the name had before.
+TEST(DirChanges, CarryTheEntityThatWasThere) {
+    struct Observer {
+        void dispatch(Vanta::Publisher const&, Vanta::Subscriber&, Vanta::AttributeNumber,
+                      Vanta::ValueRef, Vanta::ValueRef oldValue) {
+            before.push_back(oldValue.get<Ptr<Vanta::Node>>().get());
+        }
+        std::vector<Vanta::Node const*> before = {};
+        Vanta::Subscriber subscriber = {};
+    } observer;
+    auto const dir = Dir::DirIs();
+    observer.subscriber.subscribe<&Observer::dispatch>(dir->publisher(), &observer);
+    auto const first = makeNode<Entity>();
+    auto const second = makeNode<Entity>();
+    dir->entryIs("a", first);
+    dir->entryIs("a", second);
+    dir->entryDel("a");
+    EXPECT_EQ(observer.before,
+              (std::vector<Vanta::Node const*>{nullptr, first.get(), second.get()}));
+}
+
+TEST(DirTable, NamesItsEntriesTypeAndKind) {
+    auto const dir = Dir::DirIs();
+    auto const& attributes = dir->typeInfo().attributes;
+    ASSERT_EQ(attributes.size(), 1U);
+    EXPECT_EQ(attributes[0].type, "Vanta::Ptr<Vanta::Node>");
+    EXPECT_EQ(attributes[0].kind, Kel::AttributeKind::collection);
+}
+
 }  // namespace

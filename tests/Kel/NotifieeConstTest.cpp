@@ -87,8 +87,39 @@ TEST_F(Notifiee, IsReadByItsNotifierAndItsRegistration) {
     auto const& info = watcher->typeInfo();
     EXPECT_EQ(info.name, "NotifieeConst");
     ASSERT_EQ(info.attributes.size(), 2U);
+    EXPECT_EQ(info.attributes[0].number, 0U);
     EXPECT_EQ(info.attributes[0].name, "notifier");
+    EXPECT_EQ(info.attributes[0].type, "Vanta::Node");
+    EXPECT_EQ(info.attributes[0].kind, Kel::AttributeKind::pointer);
+    EXPECT_EQ(info.attributes[1].number, 0U);
     EXPECT_EQ(info.attributes[1].name, "registered");
+    EXPECT_EQ(info.attributes[1].type, "bool");
+}
+
+TEST_F(Notifiee, ReactsFromItsRegistrationOnWhenItWasSwitchedOnBefore) {
+    watcher->plainNotifierIs(watched);
+    watcher->hasNotificationActiveIs(true);
+    watcher->registeredIs(true);
+    watched->change(7);
+    EXPECT_EQ(watcher->seen, (std::vector<unsigned>{7}));
+}
+
+TEST(NotifieeValue, IsThatOfTheChange) {
+    struct Reader : Kel::NotifieeConst<Watched> {
+        using NotifieeConst::plainNotifierIs;
+        void onAttribute(Vanta::AttributeNumber, Vanta::ValueRef oldValue) override {
+            seen = oldValue.get<unsigned>();
+        }
+        unsigned seen = 0;
+    };
+    auto const watched = makeNode<Watched>();
+    auto const reader = makeNode<Reader>();
+    reader->plainNotifierIs(watched);
+    reader->registeredIs(true);
+    reader->hasNotificationActiveIs(true);
+    unsigned const old = 41;
+    watched->publisher_.publish(1, {}, Vanta::ValueRef::to(old));
+    EXPECT_EQ(reader->seen, 41U);
 }
 
 }  // namespace
