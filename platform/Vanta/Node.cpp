@@ -6,37 +6,27 @@
 namespace Vanta {
 namespace {
 
-// While a node is being destroyed its count starts here, so that a reference which is taken and
-// dropped by a destructor does not destroy the node a second time.
-constexpr std::uint32_t dying = 1U << 31;
-constexpr std::uint32_t born = 1;
-
+// Plain in any mode: nodes are made and destroyed on the allocator's one thread.
 std::uint64_t live = 0;
-
-void liveCountAdd(bool threadSafe, std::uint64_t difference) noexcept {
-    if (threadSafe) {
-        std::atomic_ref(live).fetch_add(difference, std::memory_order_relaxed);
-    } else {
-        live += difference;
-    }
-}
 
 }  // namespace
 
 bool Node::threadSafeCounts_ = false;
 
 Node::Node() noexcept {
-    liveCountAdd(threadSafeCounts_, 1);
+    ++live;
 }
 
 Node::~Node() {
-    // A constructor that threw leaves the birth reference; a last release leaves none.
-    assertThat(count_ == dying || count_ == born, "count_ == dying || count_ == born");
-    liveCountAdd(threadSafeCounts_, static_cast<std::uint64_t>(-1));
+    // The reference of destroy(), or of a birth that a constructor's exception ended.
+    assertThat(count_ == 1, "count_ == 1");
+    --live;
 }
 
 void Node::destroy() const noexcept {
-    count_ = dying;
+    // A reference of its own while it is being destroyed: one that a destructor takes and drops
+    // does not destroy it a second time.
+    count_ = 1;
     delete this;
 }
 

@@ -13,7 +13,7 @@ void* tapContext = nullptr;
 }  // namespace
 
 // A delivery under way, on the stack of publish(). Unsubscribing moves `next` past the subscriber
-// that goes; the publisher's destructor clears it.
+// that goes, so that none is left when the publisher has gone.
 struct Publisher::Delivery {
     Subscriber* next;
     Delivery* outer;
@@ -31,7 +31,6 @@ InstalledTap installedTap() noexcept {
 
 Publisher::~Publisher() {
     for (Delivery* delivery = deliveries_; delivery != nullptr; delivery = delivery->outer) {
-        delivery->next = nullptr;
         delivery->publisherGone = true;
     }
     while (first_ != nullptr) {

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <map>
 #include <memory>
 #include <new>
@@ -9,9 +10,11 @@
 #include <random>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Grist/Grist.h"
+#include "Mortal.h"
 
 namespace {
 
@@ -200,6 +203,71 @@ TEST(Collection, EndsAWalkThatOutlivesIt) {
         numbers.reset();
     }
     EXPECT_EQ(visits, 1);
+}
+
+TEST(Collection, EndsAllWalksThatOutliveIt) {
+    Mortal<Numbers> numbers;
+    numbers->insert(1, "one");
+    numbers->insert(2, "two");
+    Numbers::Iterator first(*numbers);
+    Numbers::Iterator second(*numbers);
+    numbers.goes();
+    ++first;
+    ++second;
+    EXPECT_TRUE(first == std::default_sentinel);
+    EXPECT_TRUE(second == std::default_sentinel);
+}
+
+TEST(Collection, ForgetsAWalkThatEndsWhileItIsDestroyed) {
+    using Values = Kel::Collection<int, std::shared_ptr<void>>;
+    int destroyed = 0;
+    Mortal<Values> values;
+    Mortal<Values::Iterator> walk(*values);
+    values->insert(1, std::shared_ptr<void>(nullptr, [&](void*) { walk.goes(); }));
+    values->insert(2, std::shared_ptr<void>(nullptr, [&](void*) { ++destroyed; }));
+    values.goes();
+    EXPECT_EQ(destroyed, 1);
+}
+
+// The end of a value may need memory for another entry; it is not that of the entry that goes.
+TEST(Collection, GivesAnEntrysMemoryBackAfterTheEntryHasGone) {
+    struct Farewell {
+        explicit Farewell(std::function<void()> what) : say(std::move(what)) {}
+        Farewell(Farewell const&) = default;
+        ~Farewell() {
+            if (say) {
+                say();
+            }
+        }
+        std::function<void()> say;
+    };
+    using Values = Kel::Collection<std::shared_ptr<int>, Farewell>;
+    auto const key = std::make_shared<int>(2);
+    Values others;
+    Values values;
+    values.insert(std::make_shared<int>(1), [&] {
+        if (others.empty()) {
+            others.insert(key, nullptr);
+        }
+    });
+    values.clear();
+    EXPECT_TRUE(others.has(key));
+    EXPECT_EQ(key.use_count(), 2);
+}
+
+TEST(Collection, TakesNoMoreMemoryWhenTablesComeAndGo) {
+    auto const comeAndGo = [] {
+        Numbers numbers;
+        for (int key = 0; key < 9; ++key) {
+            numbers.insert(key, "");
+        }
+    };
+    comeAndGo();
+    auto const before = Grist::slabBytes();
+    for (int i = 0; i < 1000; ++i) {
+        comeAndGo();
+    }
+    EXPECT_EQ(Grist::slabBytes(), before);
 }
 
 TEST(Collection, NumbersItsEntriesInTheirOrder) {

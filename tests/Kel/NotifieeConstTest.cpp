@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <functional>
 #include <vector>
 
 namespace {
@@ -19,8 +20,12 @@ struct Watcher : Kel::NotifieeConst<Watched> {
     using NotifieeConst::plainNotifierIs;
     void onAttribute(Vanta::AttributeNumber attribute, Vanta::ValueRef) override {
         seen.push_back(attribute);
+        if (reaction) {
+            reaction();
+        }
     }
     std::vector<unsigned> seen;
+    std::function<void()> reaction;
 };
 
 struct Notifiee : testing::Test {
@@ -102,6 +107,30 @@ TEST_F(Notifiee, ReactsFromItsRegistrationOnWhenItWasSwitchedOnBefore) {
     watcher->registeredIs(true);
     watched->change(7);
     EXPECT_EQ(watcher->seen, (std::vector<unsigned>{7}));
+}
+
+TEST_F(Notifiee, KeepsItsTurnWhenItIsSwitchedOnOnceMore) {
+    auto const later = makeNode<Watcher>();
+    for (auto const& one : {watcher, later}) {
+        one->plainNotifierIs(watched);
+        one->registeredIs(true);
+        one->hasNotificationActiveIs(true);
+    }
+    watcher->hasNotificationActiveIs(true);
+    watcher->reaction = [&] { later->hasNotificationActiveIs(false); };
+    watched->change(1);
+    EXPECT_TRUE(later->seen.empty());
+}
+
+TEST_F(Notifiee, HearsNothingOfTheEndOfANotifierThatItLeaves) {
+    struct Parting : Watched {
+        ~Parting() override { change(1); }
+    };
+    watcher->plainNotifierIs(makeNode<Parting>());
+    watcher->registeredIs(true);
+    watcher->hasNotificationActiveIs(true);
+    watcher->plainNotifierIs(watched);
+    EXPECT_TRUE(watcher->seen.empty());
 }
 
 TEST(NotifieeValue, IsThatOfTheChange) {

@@ -91,6 +91,11 @@ std::string reflectedAttribute(Kel::Object const& object, unsigned number) {
     return sink.line;
 }
 
+// Attributes' numbers are in the traces and recordings of every process that was ever built.
+TEST(Reflection, NumbersAttributesFrom130On) {
+    EXPECT_EQ(Kel::firstAttribute, 130U);
+}
+
 TEST(Reflection, TellsSignedFromUnsignedNumbersInAllTheirWidths) {
     EXPECT_EQ(reflected(std::int8_t{-1}), "i-1");
     EXPECT_EQ(reflected(std::numeric_limits<std::int64_t>::min()), "i-9223372036854775808");

@@ -16,7 +16,7 @@ void report(std::string_view errorClass, std::string_view text) {
 }
 
 TEST(AssertDeathTest, WritesTheFailedExpressionToStandardError) {
-    EXPECT_DEATH(Vanta::assertThat(false, "rval == 0"), "assertion failed: rval == 0");
+    EXPECT_DEATH(Vanta::assertThat(false, "rval == 0"), "^assertion failed: rval == 0\n$");
 }
 
 TEST(AssertDeathTest, PassesWhatHolds) {
@@ -51,11 +51,19 @@ TEST(AssertDeathTest, NamesWhatIsNoStandardExceptionAsUnknown) {
             Vanta::endProcessWithCurrentException();
         }
     };
-    EXPECT_DEATH(dispatcher(), "uncaught unknown: an exception that is no std::exception");
+    EXPECT_DEATH(dispatcher(), "^uncaught unknown: an exception that is no std::exception\n$");
 }
 
 TEST(AssertDeathTest, CutsALongTextShortAndEndsTheLine) {
-    EXPECT_DEATH(Vanta::endProcess("Error", std::string(2000, 'x')), "uncaught Error: x{490,}\n");
+    std::string const all512 = "uncaught Error: " + std::string(495, 'x') + "\n";
+    EXPECT_DEATH(Vanta::endProcess("Error", std::string(2000, 'x')), "^" + all512 + "$");
+}
+
+TEST(AssertDeathTest, HandsOutTheDefaultLastStepWhichWritesALineAndAborts) {
+    Vanta::LastStep const byDefault = Vanta::lastStepIs(report);
+    EXPECT_EQ(Vanta::lastStepIs(nullptr), report);
+    EXPECT_EXIT(byDefault("Error", "no way on"), testing::KilledBySignal(SIGABRT),
+                "^uncaught Error: no way on\n$");
 }
 
 TEST(AssertDeathTest, AbortsWhenTheLastStepReturns) {

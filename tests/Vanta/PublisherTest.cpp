@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "Mortal.h"
 #include "Vanta/Node.h"
 
 namespace {
@@ -115,6 +116,33 @@ TEST_F(Delivery, StopsAllNestedDeliveriesWhenThePublisherGoes) {
     EXPECT_EQ(log, (Log{"a1", "a2"}));
 }
 
+struct DeliveryThatOutlivesItsPublisher : testing::Test {
+    Mortal<Publisher> publisher{nullptr};
+    Log log;
+    Listener a{"a", log};
+};
+
+TEST_F(DeliveryThatOutlivesItsPublisher, LeavesItsMemoryAlone) {
+    a.listen(*publisher);
+    a.reaction = [&] { publisher.goes(); };
+    publisher->publish(1);
+    EXPECT_TRUE(publisher.isMemoryTheirs());
+}
+
+TEST_F(DeliveryThatOutlivesItsPublisher, LeavesItsMemoryAloneHoweverDeepItGoes) {
+    a.listen(*publisher);
+    a.reaction = [&] {
+        if (log.size() < 3) {
+            publisher->publish(static_cast<AttributeNumber>(log.size()) + 1);
+        } else {
+            publisher.goes();
+        }
+    };
+    publisher->publish(1);
+    EXPECT_EQ(log, (Log{"a1", "a2", "a3"}));
+    EXPECT_TRUE(publisher.isMemoryTheirs());
+}
+
 TEST_F(Delivery, IsDepthFirst) {
     b.reaction = [&] {
         if (log.back() == "b1") {
@@ -156,6 +184,20 @@ TEST_F(Delivery, TellsTheTapAlsoWithoutSubscribers) {
     lonely.publish(7);
     Vanta::tapIs(nullptr, nullptr);
     EXPECT_EQ(log, (Log{"tap"}));
+}
+
+TEST(Publisher, HandsKeyAndOldValueToTheTap) {
+    Publisher const publisher(nullptr);
+    std::string text;
+    Vanta::tapIs(
+        [](void* context, Publisher const&, AttributeNumber, ValueRef key, ValueRef old) {
+            *static_cast<std::string*>(context) =
+                key.get<std::string>() + ":" + std::to_string(old.get<int>());
+        },
+        &text);
+    publisher.publish(1, ValueRef::to(std::string("key")), ValueRef::to(7));
+    Vanta::tapIs(nullptr, nullptr);
+    EXPECT_EQ(text, "key:7");
 }
 
 TEST(Subscriber, UnsubscribesWhenItIsDestroyed) {
@@ -296,7 +338,8 @@ TEST(PublisherDeathTest, EndsTheProcessOnAnExceptionOfASubscriber) {
 TEST(ValueRefDeathTest, EndsTheProcessWhenAskedForAnotherType) {
     int const value = 1;
     ValueRef const ref = ValueRef::to(value);
-    EXPECT_DEATH(static_cast<void>(ref.get<long>()), "holds");
+    EXPECT_DEATH(static_cast<void>(ref.get<long>()),
+                 "^assertion failed: ValueRef::holds<T>\\(\\)\n$");
 }
 
 }  // namespace

@@ -26,6 +26,11 @@ TEST(String, ComparesByItsText) {
     EXPECT_FALSE(String("noc") == std::string_view("nod"));
 }
 
+TEST(String, CountsItsCharacters) {
+    EXPECT_EQ(String("noc").size(), 3U);
+    EXPECT_EQ(String().size(), 0U);
+}
+
 TEST(String, PrintsItsText) {
     std::ostringstream out;
     out << String("noc") << String();
