@@ -8,7 +8,7 @@
 #include <cerrno>
 #include <cstring>
 
-#include "cli/Command.h"
+#include "cli/UsageError.h"
 
 namespace Cli {
 namespace {

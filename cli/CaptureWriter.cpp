@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <utility>
 
-#include "cli/Command.h"
 #include "cli/Packet.h"
+#include "cli/UsageError.h"
 
 namespace Cli {
 

@@ -1,5 +1,6 @@
 #include "cli/Command.h"
 
+#include <CLI/CLI.hpp>
 #include <algorithm>
 #include <exception>
 #include <iostream>

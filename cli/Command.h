@@ -1,9 +1,9 @@
 // The command `vynpt`: what all of its subcommands share.
 #pragma once
 
-#include <CLI/CLI.hpp>
-#include <stdexcept>
-#include <string>
+namespace CLI {
+class App;
+}
 
 namespace Cli {
 
@@ -14,12 +14,6 @@ enum ExitStatus : int {
     expectationFailed = 1,  // --expect did not hold for every frame
     badUsage = 2,           // bad usage or bad input
     noAnswer = 4,           // some request had no answer in time
-};
-
-// Bad usage or bad input: one line that names the place and what was expected.
-class UsageError : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
 };
 
 // Each adds its subcommand to the command. When the subcommand was parsed, its callback runs it and

@@ -3,7 +3,7 @@
 #include <optional>
 #include <string>
 
-#include "cli/Command.h"
+#include "cli/UsageError.h"
 
 namespace Cli {
 namespace {

@@ -1,6 +1,7 @@
 // `vynpt interfaces`: the names of a switch's interfaces, for scripts and completion.
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
 #include <memory>
 
 #include "agent/SwitchFile.h"

@@ -1,12 +1,13 @@
 #include "cli/PacketOptions.h"
 
+#include <CLI/CLI.hpp>
 #include <array>
 #include <charconv>
 #include <optional>
 #include <string_view>
 
-#include "cli/Command.h"
 #include "cli/HexBytes.h"
+#include "cli/UsageError.h"
 
 namespace Cli {
 namespace {

@@ -3,12 +3,16 @@
 // They are named after PacketTracer::namedFields(), so that what the answer lists can be given.
 #pragma once
 
-#include <CLI/CLI.hpp>
+#include <cstdint>
 #include <map>
 #include <string>
 #include <vector>
 
 #include "PacketTracer/PacketFields.h"
+
+namespace CLI {
+class App;
+}
 
 namespace Cli {
 

@@ -1,4 +1,5 @@
 // `vynpt replay`: a scenario's events in, its observations out.
+#include <CLI/CLI.hpp>
 #include <iostream>
 
 #include "cli/Command.h"

@@ -1,6 +1,7 @@
 // `vynpt ringlog`: the messages of a trace ring, of a living process or a dead one.
 #include <poll.h>
 
+#include <CLI/CLI.hpp>
 #include <array>
 #include <ctime>
 #include <iostream>
@@ -8,6 +9,7 @@
 
 #include "Trace/RingReader.h"
 #include "cli/Command.h"
+#include "cli/UsageError.h"
 
 namespace Cli {
 namespace {

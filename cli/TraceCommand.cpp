@@ -1,6 +1,7 @@
 // `vynpt trace`: where the switch sends packets.
 #include <unistd.h>
 
+#include <CLI/CLI.hpp>
 #include <charconv>
 #include <chrono>
 #include <iostream>
@@ -23,6 +24,7 @@
 #include "cli/Progress.h"
 #include "cli/SwitchDefaults.h"
 #include "cli/TraceRun.h"
+#include "cli/UsageError.h"
 
 namespace Cli {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <utility>
 
-#include "cli/Command.h"
+#include "cli/UsageError.h"
 #include "cli/Words.h"
 
 namespace Cli {

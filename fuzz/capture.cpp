@@ -1,7 +1,7 @@
 // A capture file, pcap or pcapng.
 #include "cli/Capture.h"
 #include "Target.h"
-#include "cli/Command.h"
+#include "cli/UsageError.h"
 
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     static Fuzz::File const file("capture");

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "ScratchFile.h"
-#include "cli/Command.h"
+#include "cli/UsageError.h"
 
 namespace Cli {
 namespace {

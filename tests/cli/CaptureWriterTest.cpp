@@ -4,7 +4,7 @@
 
 #include "ScratchFile.h"
 #include "cli/Capture.h"
-#include "cli/Command.h"
+#include "cli/UsageError.h"
 
 namespace Cli {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "cli/Command.h"
+#include "cli/UsageError.h"
 
 namespace Cli {
 namespace {

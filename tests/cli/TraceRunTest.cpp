@@ -5,7 +5,7 @@
 #include <algorithm>
 #include <vector>
 
-#include "cli/Command.h"
+#include "cli/UsageError.h"
 
 namespace Cli {
 namespace {

@@ -1,0 +1,14 @@
+// What the command refuses.
+#pragma once
+
+#include <stdexcept>
+
+namespace Cli {
+
+// Bad usage or bad input: one line that names the place and what was expected.
+class UsageError : public std::runtime_error {
+  public:
+    using std::runtime_error::runtime_error;
+};
+
+}  // namespace Cli
