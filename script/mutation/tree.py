@@ -28,8 +28,12 @@ add_executable(replayer {replayer})
 target_link_libraries(replayer PRIVATE VynReplay)
 """
 # Everything includes the platform's headers; what the compiler warns of in an instrumented template
-# comes up wherever the template is used.
-QUIET = "target_compile_options(VynCompile INTERFACE -Wno-error)\n"
+# comes up wherever the template is used. And a function whose last statement is dropped returns: of
+# one that is said not to, the compiler would take the mutant for a case that cannot be.
+PLATFORM = """
+target_compile_options(VynCompile INTERFACE -Wno-error)
+target_compile_definitions(VynCompile INTERFACE noreturn=)
+"""
 
 
 class Found:
@@ -110,7 +114,7 @@ class Tree:
         sources = " ".join(f"${{CMAKE_SOURCE_DIR}}/{name}" for name in self.found if name.endswith(".cpp"))
         commands = COMMANDS.format(sources=sources, replayer=HERE / "replayer.cpp")
         if any(name.startswith("platform/") and name.endswith(".h") for name in self.found):
-            commands += QUIET
+            commands += PLATFORM
         self.write("CMakeLists.txt", ((self.root / "CMakeLists.txt").read_text() + commands).encode())
 
     def write(self, name, content):
