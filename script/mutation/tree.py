@@ -28,12 +28,11 @@ add_executable(replayer {replayer})
 target_link_libraries(replayer PRIVATE VynReplay)
 """
 # Everything includes the platform's headers; what the compiler warns of in an instrumented template
-# comes up wherever the template is used. And a function whose last statement is dropped returns: of
-# one that is said not to, the compiler would take the mutant for a case that cannot be.
-PLATFORM = """
-target_compile_options(VynCompile INTERFACE -Wno-error)
-target_compile_definitions(VynCompile INTERFACE noreturn=)
-"""
+# comes up wherever the template is used.
+QUIET = "target_compile_options(VynCompile INTERFACE -Wno-error)\n"
+# A function whose last statement is dropped returns. Of one that is said not to, the compiler would
+# take the mutant for a case that cannot be.
+NORETURN = "[[noreturn]]"
 
 
 class Found:
@@ -114,7 +113,7 @@ class Tree:
         sources = " ".join(f"${{CMAKE_SOURCE_DIR}}/{name}" for name in self.found if name.endswith(".cpp"))
         commands = COMMANDS.format(sources=sources, replayer=HERE / "replayer.cpp")
         if any(name.startswith("platform/") and name.endswith(".h") for name in self.found):
-            commands += PLATFORM
+            commands += QUIET
         self.write("CMakeLists.txt", ((self.root / "CMakeLists.txt").read_text() + commands).encode())
 
     def write(self, name, content):
@@ -126,7 +125,8 @@ class Tree:
     def instrument(self):
         for name, one in self.found.items():
             before = BEFORE_HEADER if name.endswith(".h") else SUPPORT
-            self.written[name] = Instrumented(one.text, one.edits, before)
+            text = one.text.replace(NORETURN, " " * len(NORETURN))
+            self.written[name] = Instrumented(text, one.edits, before)
             self.write(name, self.written[name].text.encode("latin-1"))
 
     def configure(self):
