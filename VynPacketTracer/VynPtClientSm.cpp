@@ -146,13 +146,10 @@ void PacketTracerClientSm::hasNotificationActiveIs(bool on) {
 }
 
 void PacketTracerClientSm::kelDoZombieReactors(bool on) {
-    if (on == isZombie()) {
-        return;
-    }
+    zombieFlagIs(on);
     for (auto const& entry : request_) {
         entry.value->kelDoZombieReactors(on);
     }
-    zombieFlagIs(on);
 }
 
 // The request is handled before its reactor is made or removed, and a new reactor does not react:

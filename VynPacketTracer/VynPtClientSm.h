@@ -175,14 +175,15 @@ class VYN_EXPORT PacketTracerClientSm final : public Kel::Object {
 
     Vanta::String const name_;
     Vanta::Ptr<PacketTracer::ClientConfig const> const clientConfig_;
-    Vanta::Subscriber clientConfigSubscriber_;
     Vanta::Ptr<PacketTracer::ClientStatus> const clientStatus_;
     Vanta::Ptr<PktGenConfig> const pktGenConfig_;
     Vanta::Ptr<VynSystem::SystemStatus const> const systemStatus_;
     Vanta::Ptr<Fen::FenCommonSmData const> const fcsd_;
     Vanta::Ptr<Bridging::Config const> const bridgingConfig_;
     Vanta::Ptr<VynSlice::ChipStatus const> const chipStatus_;
+    // The last go first: a beginning that fails leaves in the order of a destruction.
     Requests request_;
+    Vanta::Subscriber clientConfigSubscriber_;
 };
 
 // The same as PacketTracerClientSm::PacketTracerClientSmIs.

@@ -65,8 +65,8 @@ PktGenSm::PktGenSm(Vanta::Ptr<PktGenConfig> const& config,
 }
 
 PktGenSm::~PktGenSm() {
-    zombieFlagIs(true);
     hasNotificationActiveIs(false);
+    kelDoZombieReactors(true);
     doCleanup();
     taskDel();
 }
@@ -257,6 +257,7 @@ bool PktGenSm::workOnState(bool& done) {
 
 bool PktGenSm::processRequest() {
     Trace::twinlog(trace, 7, "processRequest:");
+    // The first of the jobs, in their order, that has no answer; found without a walk past the others.
     auto const pending = config_->firstPending(*status_);
     if (!pending) {
         return true;

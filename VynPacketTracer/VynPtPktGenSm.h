@@ -66,6 +66,9 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
     // Connects (true) or disconnects all four reactors: jobs, phase-0 answers, task, digest socket.
     void hasNotificationActiveIs(bool on);
 
+    // Marks the engine as torn down (true) or not: torn down, its reactors ignore what they hear.
+    void kelDoZombieReactors(bool on) noexcept { zombieFlagIs(on); }
+
     // Reactors.
     void handleConfig(PacketTracer::RequestId const& requestId);
     void processPktTracerDigest();

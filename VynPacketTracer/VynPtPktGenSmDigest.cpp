@@ -187,7 +187,8 @@ void PktGenSm::processPktTracerDigest() {
     }
 }
 
-// One field of an entry. A data-plane program with a field of another width is the wrong program.
+// One field of an entry. A data-plane program with a field of another width is the wrong program;
+// its short name begins the message: "pktId wrong size.  Expected:2 got:4".
 template <class Unsigned>
 Unsigned PktGenSm::digestField(std::uint8_t const* entry, std::string_view field,
                                std::string_view shortName) const {

@@ -215,12 +215,14 @@ void PacketTracerSm::handleClient(Vanta::String const& name) {
 namespace {
 
 // A client's state machine is made once; whoever replaces what it stands on removes it first.
+// The errors' texts are part of what a replay prints, so they do not tell addresses.
 template <class T, class U>
-void checkSameObject(std::string_view attribute, Vanta::Ptr<T> const& stored,
-                     Vanta::Ptr<U> const& given) {
+void checkSameObject(PacketTracerClientSm const& client, std::string_view attribute,
+                     Vanta::Ptr<T> const& stored, Vanta::Ptr<U> const& given) {
     if (!(stored == given)) {
-        throw Kel::ReinstantiationError("PacketTracerClientSm", attribute, "one object",
-                                        "another object");
+        throw Kel::ReinstantiationError(client.typeInfo(), attribute,
+                                        stored ? "one object" : "null",
+                                        given ? "another object" : "null");
     }
 }
 
@@ -235,13 +237,13 @@ Vanta::Ptr<PacketTracerClientSm> PacketTracerSm::clientSmIs(
     Vanta::Ptr<Bridging::Config const> const& bridgingConfig,
     Vanta::Ptr<VynSlice::ChipStatus const> const& chipStatus) {
     if (auto const existing = clientSm(name)) {
-        checkSameObject("clientConfig", existing->clientConfig(), clientConfig);
-        checkSameObject("clientStatus", existing->clientStatus(), clientStatus);
-        checkSameObject("pktGenConfig", existing->pktGenConfig(), pktGenConfig);
-        checkSameObject("systemStatus", existing->systemStatus(), systemStatus);
-        checkSameObject("fcsd", existing->fcsd(), fcsd);
-        checkSameObject("bridgingConfig", existing->bridgingConfig(), bridgingConfig);
-        checkSameObject("chipStatus", existing->chipStatus(), chipStatus);
+        checkSameObject(*existing, "clientConfig", existing->clientConfig(), clientConfig);
+        checkSameObject(*existing, "clientStatus", existing->clientStatus(), clientStatus);
+        checkSameObject(*existing, "pktGenConfig", existing->pktGenConfig(), pktGenConfig);
+        checkSameObject(*existing, "systemStatus", existing->systemStatus(), systemStatus);
+        checkSameObject(*existing, "fcsd", existing->fcsd(), fcsd);
+        checkSameObject(*existing, "bridgingConfig", existing->bridgingConfig(), bridgingConfig);
+        checkSameObject(*existing, "chipStatus", existing->chipStatus(), chipStatus);
         return existing;
     }
     auto const made = packetTracerClientSmFactory(name, clientConfig, clientStatus, pktGenConfig,

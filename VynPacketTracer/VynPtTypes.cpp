@@ -107,7 +107,7 @@ std::string textOf(VynSystem::PortInfo const& info) {
 // A job is made once; whoever wants another one deletes it first.
 void checkSameJob(PktGenCfgData const& stored, Vanta::Bytes const& pkt,
                   VynSystem::PortInfo const& ingPortInfo, Plexa::IntfId const& ingIntf) {
-    constexpr std::string_view type = "PktGenCfgData";
+    Kel::TypeInfo const& type = stored.typeInfo();
     if (!(stored.pkt() == pkt)) {
         throw Kel::ReinstantiationError(type, "pkt", Vanta::hexText(stored.pkt().view()),
                                         Vanta::hexText(pkt.view()));

@@ -1,13 +1,21 @@
 #include "Kel/Error.h"
 
+#include <algorithm>
+
 namespace Kel {
 namespace {
 
-std::string reinstantiationText(std::string_view typeName, std::string_view attribute,
+unsigned numberOf(TypeInfo const& type, std::string_view attribute) noexcept {
+    auto const found = std::ranges::find(type.attributes, attribute, &AttributeInfo::name);
+    return found != type.attributes.end() ? found->number : 0;
+}
+
+std::string reinstantiationText(TypeInfo const& type, std::string_view attribute,
                                 std::string_view oldValue, std::string_view newValue) {
-    std::string text(typeName);
-    text.append("::").append(attribute).append(" cannot change from ");
-    text.append(oldValue).append(" to ").append(newValue);
+    std::string text(type.name);
+    text.append("::").append(attribute);
+    text.append(" (attribute ").append(std::to_string(numberOf(type, attribute)));
+    text.append(") cannot change from ").append(oldValue).append(" to ").append(newValue);
     return text;
 }
 
@@ -18,9 +26,10 @@ std::string nullArgumentText(std::string_view typeName, std::string_view attribu
 
 }  // namespace
 
-ReinstantiationError::ReinstantiationError(std::string_view typeName, std::string_view attribute,
+ReinstantiationError::ReinstantiationError(TypeInfo const& type, std::string_view attribute,
                                            std::string_view oldValue, std::string_view newValue)
-    : Error(typeName, attribute, reinstantiationText(typeName, attribute, oldValue, newValue)),
+    : Error(type.name, attribute, reinstantiationText(type, attribute, oldValue, newValue)),
+      attributeNumber_(numberOf(type, attribute)),
       oldValue_(oldValue),
       newValue_(newValue) {}
 

@@ -1,10 +1,12 @@
-// The framework's errors. Each names the type, the attribute and the values concerned.
+// The framework's errors. Each names the type, the attribute and the values concerned; the attribute
+// also by the number of the type's reflection table, where there is one.
 #pragma once
 
 #include <exception>
 #include <string>
 #include <string_view>
 
+#include "Kel/Reflection.h"
 #include "VynExport.h"
 
 namespace Kel {
@@ -28,12 +30,14 @@ class VYN_EXPORT Error : public std::exception {
 // Create-or-fetch was called for an existing entry with other construction arguments.
 class VYN_EXPORT ReinstantiationError : public Error {
   public:
-    ReinstantiationError(std::string_view typeName, std::string_view attribute,
+    ReinstantiationError(TypeInfo const& type, std::string_view attribute,
                          std::string_view oldValue, std::string_view newValue);
+    unsigned attributeNumber() const noexcept { return attributeNumber_; }
     std::string const& oldValue() const noexcept { return oldValue_; }
     std::string const& newValue() const noexcept { return newValue_; }
 
   private:
+    unsigned attributeNumber_;
     std::string oldValue_;
     std::string newValue_;
 };

@@ -7,22 +7,37 @@
 
 namespace {
 
+constexpr Kel::AttributeInfo attributes[] = {
+    {131, "pkt", Kel::AttributeKind::value, "Vanta::Bytes", nullptr},
+    {133, "ingIntf", Kel::AttributeKind::value, "Plexa::IntfId", nullptr},
+};
+constexpr Kel::TypeInfo job{"PktGenCfgData", attributes, {}};
+
 TEST(Error, OfReinstantiationNamesTypeAttributeAndBothValues) {
-    Kel::ReinstantiationError const error("PktGenCfgData", "pkt", "00ff", "01ff");
+    Kel::ReinstantiationError const error(job, "pkt", "00ff", "01ff");
     EXPECT_EQ(error.typeName(), "PktGenCfgData");
     EXPECT_EQ(error.attribute(), "pkt");
     EXPECT_EQ(error.oldValue(), "00ff");
     EXPECT_EQ(error.newValue(), "01ff");
-    EXPECT_STREQ(error.what(), "PktGenCfgData::pkt cannot change from 00ff to 01ff");
+    EXPECT_EQ(error.attributeNumber(), 131U);
+    EXPECT_STREQ(error.what(),
+                 "PktGenCfgData::pkt (attribute 131) cannot change from 00ff to 01ff");
 }
 
 TEST(Error, OfAReinstantiatedValueIsCaughtAsReinstantiation) {
     try {
-        throw Kel::ReinstantiatingValueError("PktGenCfgData", "ingIntf", "Ethernet1", "Ethernet2");
+        throw Kel::ReinstantiatingValueError(job, "ingIntf", "Ethernet1", "Ethernet2");
     } catch (Kel::ReinstantiationError const& error) {
         EXPECT_EQ(error.oldValue(), "Ethernet1");
         EXPECT_EQ(error.newValue(), "Ethernet2");
     }
+}
+
+TEST(Error, OfReinstantiationHasNumber0ForAnAttributeOutsideTheTable) {
+    Kel::ReinstantiationError const error(job, "colour", "red", "blue");
+    EXPECT_EQ(error.attributeNumber(), 0U);
+    EXPECT_STREQ(error.what(),
+                 "PktGenCfgData::colour (attribute 0) cannot change from red to blue");
 }
 
 TEST(Error, OfANullArgumentNamesTypeAndAttribute) {

@@ -216,7 +216,8 @@ TEST_F(HandleRequestTest, AnotherPacketInsideADispatcherEndsTheProcess) {
     made->frameIs({1, 2, 3});
     made->validIs(false);
     expectEnd([&] { made->validIs(true); }, acceptedAgain(1), "ReinstantiationError",
-              "PktGenCfgData::pkt cannot change from " + std::string(requestPacket) + " to 010203");
+              "PktGenCfgData::pkt (attribute 131) cannot change from " +
+                  std::string(requestPacket) + " to 010203");
 }
 
 TEST_F(HandleRequestTest, ARefusalKeepsTheJobOfAnEarlierVersion) {

@@ -337,21 +337,39 @@ TEST_F(EngineTaskTest, ReactsToOneAttributeOfEachOfItsSourcesAlone) {
     EXPECT_FALSE(isScheduled());
 }
 
-TEST_F(EngineTaskTest, SwitchedOffItReactsToNothing) {
-    toWaitPktSent();
+// Something for each of the four reactors, and what is seen of it when none reacts.
+class SilentEngineTest : public EngineTaskTest {
+  protected:
+    SilentEngineTest() { toWaitPktSent(); }
+    Lines seen() {
+        return after([&] {
+            config->cfgIs(id("noc", 2), {1}, {}, intf("Ethernet1"));
+            phase0("Ethernet1");
+            chip.digest({{.pktId = 1}});
+            turn();
+        });
+    }
+    Lines const silence{
+        "cfg add noc/2",
+        engineTrace(5, "rcvPktTracerLearningDigest:Received pkt tracer digest with #entries:1"),
+        engineTrace(5, "rcvPktTracerLearningDigest:Digest size:9"),
+        "sdk pipe_mgr_flow_lrn_notify_ack session=1 handle=77 -> 0"};
+};
+
+TEST_F(SilentEngineTest, SwitchedOffItReactsToNothing) {
     engine->hasNotificationActiveIs(false);
-    EXPECT_EQ(after([&] {
-                  config->cfgIs(id("noc", 2), {1}, {}, intf("Ethernet1"));
-                  phase0("Ethernet1");
-                  chip.digest({{.pktId = 1}});
-                  turn();
-              }),
-              (Lines{"cfg add noc/2",
-                     engineTrace(5,
-                                 "rcvPktTracerLearningDigest:Received pkt tracer digest with "
-                                 "#entries:1"),
-                     engineTrace(5, "rcvPktTracerLearningDigest:Digest size:9"),
-                     "sdk pipe_mgr_flow_lrn_notify_ack session=1 handle=77 -> 0"}));
+    EXPECT_EQ(seen(), silence);
+}
+
+TEST_F(SilentEngineTest, TornDownItReactsToNothing) {
+    engine->kelDoZombieReactors(true);
+    EXPECT_EQ(seen(), silence);
+}
+
+TEST_F(SilentEngineTest, NoLongerTornDownItReactsAgain) {
+    engine->kelDoZombieReactors(true);
+    engine->kelDoZombieReactors(false);
+    EXPECT_EQ(after([&] { job(2); }), addHandled(2));
 }
 
 TEST_F(EngineTaskTest, SwitchedOnAgainItReactsOnceToEachChange) {

@@ -314,13 +314,15 @@ TEST_F(ClientsTest, AnEntityThatIsTakenOutOfItsEntryDeletesTheStateMachine) {
 TEST_F(ClientsTest, ReplacingAConfigurationUnderAStateMachineEndsTheProcess) {
     client("noc");
     expectEnd([&] { clientConfig("noc"); }, {handled("noc")}, "ReinstantiationError",
-              "PacketTracerClientSm::clientConfig cannot change from one object to another object");
+              "PacketTracerClientSm::clientConfig (attribute 131) cannot change from one object to "
+              "another object");
 }
 
 TEST_F(ClientsTest, ReplacingAStatusUnderAStateMachineEndsTheProcess) {
     client("noc");
     expectEnd([&] { clientStatus("noc"); }, {handled("noc")}, "ReinstantiationError",
-              "PacketTracerClientSm::clientStatus cannot change from one object to another object");
+              "PacketTracerClientSm::clientStatus (attribute 132) cannot change from one object to "
+              "another object");
 }
 
 TEST_F(ClientsTest, AClientThatIsRemovedBeforeItIsReplacedIsMadeAnew) {
@@ -383,7 +385,8 @@ class ClientSmIsTest : public ClientsTest {
         try {
             asGiven();
         } catch (Kel::ReinstantiationError const& error) {
-            return error.typeName() + " " + error.attribute();
+            return error.typeName() + " " + error.attribute() + " " +
+                   std::to_string(error.attributeNumber());
         }
         return "nothing";
     }
@@ -430,37 +433,61 @@ TEST_F(ClientSmIsTest, OfAnotherNameMakesAnotherStateMachine) {
 
 TEST_F(ClientSmIsTest, NamesTheClientConfigFirst) {
     otherClientConfig();
-    EXPECT_EQ(raised(), "PacketTracerClientSm clientConfig");
+    EXPECT_EQ(raised(), "PacketTracerClientSm clientConfig 131");
 }
 
 TEST_F(ClientSmIsTest, ThenTheClientStatus) {
     otherClientStatus();
-    EXPECT_EQ(raised(), "PacketTracerClientSm clientStatus");
+    EXPECT_EQ(raised(), "PacketTracerClientSm clientStatus 132");
 }
 
 TEST_F(ClientSmIsTest, ThenThePktGenConfig) {
     otherPktGenConfig();
-    EXPECT_EQ(raised(), "PacketTracerClientSm pktGenConfig");
+    EXPECT_EQ(raised(), "PacketTracerClientSm pktGenConfig 133");
 }
 
 TEST_F(ClientSmIsTest, ThenTheSystemStatus) {
     otherSystemStatus();
-    EXPECT_EQ(raised(), "PacketTracerClientSm systemStatus");
+    EXPECT_EQ(raised(), "PacketTracerClientSm systemStatus 134");
 }
 
 TEST_F(ClientSmIsTest, ThenTheFcsd) {
     otherFcsd();
-    EXPECT_EQ(raised(), "PacketTracerClientSm fcsd");
+    EXPECT_EQ(raised(), "PacketTracerClientSm fcsd 135");
 }
 
 TEST_F(ClientSmIsTest, ThenTheBridgingConfig) {
     otherBridgingConfig();
-    EXPECT_EQ(raised(), "PacketTracerClientSm bridgingConfig");
+    EXPECT_EQ(raised(), "PacketTracerClientSm bridgingConfig 136");
 }
 
 TEST_F(ClientSmIsTest, ThenTheChipStatus) {
     otherChipStatus();
-    EXPECT_EQ(raised(), "PacketTracerClientSm chipStatus");
+    EXPECT_EQ(raised(), "PacketTracerClientSm chipStatus 137");
+}
+
+TEST_F(ClientSmIsTest, SaysThatAnObjectBecameNull) {
+    given.chipStatus = nullptr;
+    try {
+        asGiven();
+        FAIL();
+    } catch (Kel::ReinstantiationError const& error) {
+        EXPECT_EQ(error.oldValue(), "one object");
+        EXPECT_EQ(error.newValue(), "null");
+    }
+}
+
+TEST_F(ClientSmIsTest, SaysThatAnObjectWasNull) {
+    auto const notNull = std::exchange(given.chipStatus, nullptr);
+    asGiven("ops");
+    given.chipStatus = notNull;
+    try {
+        asGiven("ops");
+        FAIL();
+    } catch (Kel::ReinstantiationError const& error) {
+        EXPECT_EQ(error.oldValue(), "null");
+        EXPECT_EQ(error.newValue(), "another object");
+    }
 }
 
 TEST_F(ClientSmIsTest, ThatRaisesLeavesEverythingAsItWas) {

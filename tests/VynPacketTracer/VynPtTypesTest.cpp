@@ -195,16 +195,19 @@ class PktGenConfigTest : public testing::Test {
     Vanta::Ptr<PktGenCfgData> job(std::uint32_t number) {
         return config->cfgIs(id("noc", number), packet, port, intf("Ethernet1"));
     }
+    static std::string named(Kel::ReinstantiationError const& error) {
+        return error.typeName() + " " + error.attribute() + " " +
+               std::to_string(error.attributeNumber()) + " " + error.oldValue() + " " +
+               error.newValue();
+    }
     // The attribute of the error that cfgIs raises for job 1 with these arguments.
     std::string raised(Vanta::Bytes const& pkt, PortInfo const& info, std::string_view ingress) {
         try {
             config->cfgIs(id("noc", 1), pkt, info, intf(ingress));
         } catch (Kel::ReinstantiatingValueError const& error) {
-            return "value " + error.typeName() + " " + error.attribute() + " " + error.oldValue() +
-                   " " + error.newValue();
+            return "value " + named(error);
         } catch (Kel::ReinstantiationError const& error) {
-            return error.typeName() + " " + error.attribute() + " " + error.oldValue() + " " +
-                   error.newValue();
+            return named(error);
         }
         return "nothing";
     }
@@ -252,7 +255,7 @@ TEST_F(PktGenConfigTest, CfgIsWithEqualArgumentsReturnsTheSameRecordAndPublishes
 TEST_F(PktGenConfigTest, APacketThatDiffersByOneByteIsAReinstantiationError) {
     auto const stored = job(1);
     recorder.take();
-    EXPECT_EQ(raised(otherPacket, port, "Ethernet1"), "PktGenCfgData pkt deadbeef deadbeee");
+    EXPECT_EQ(raised(otherPacket, port, "Ethernet1"), "PktGenCfgData pkt 131 deadbeef deadbeee");
     EXPECT_EQ(config->cfg(id("noc", 1)), stored);
     EXPECT_EQ(stored->pkt(), packet);
     EXPECT_EQ(recorder.take(), Lines{});
@@ -260,12 +263,14 @@ TEST_F(PktGenConfigTest, APacketThatDiffersByOneByteIsAReinstantiationError) {
 
 TEST_F(PktGenConfigTest, AnotherPortIsAReinstantiatingValueError) {
     job(1);
-    EXPECT_EQ(raised(packet, otherPort, "Ethernet1"), "value PktGenCfgData ingPortInfo 1/4 1/5");
+    EXPECT_EQ(raised(packet, otherPort, "Ethernet1"),
+              "value PktGenCfgData ingPortInfo 132 1/4 1/5");
 }
 
 TEST_F(PktGenConfigTest, AnotherInterfaceIsAReinstantiatingValueError) {
     job(1);
-    EXPECT_EQ(raised(packet, port, "Ethernet2"), "value PktGenCfgData ingIntf Ethernet1 Ethernet2");
+    EXPECT_EQ(raised(packet, port, "Ethernet2"),
+              "value PktGenCfgData ingIntf 133 Ethernet1 Ethernet2");
 }
 
 TEST_F(PktGenConfigTest, ThePacketIsComparedBeforeThePort) {
