@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
+#include <csignal>
 #include <exception>
 #include <iostream>
 
@@ -34,6 +35,8 @@ int complain(std::string message) {
 }  // namespace
 
 int runCommand(int argc, char const* const* argv) {
+    // A file that may grow no further is a failed write, and not the end of the command.
+    std::signal(SIGXFSZ, SIG_IGN);
     CLI::App app(description, "vynpt");
     app.require_subcommand(1);
     app.footer(examples);

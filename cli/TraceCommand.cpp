@@ -4,9 +4,11 @@
 #include <CLI/CLI.hpp>
 #include <charconv>
 #include <chrono>
+#include <filesystem>
 #include <iostream>
 #include <memory>
 #include <optional>
+#include <system_error>
 
 #include "agent/ForwardingAgent.h"
 #include "agent/RecordingFile.h"
@@ -58,8 +60,8 @@ struct Arguments {
     PacketOptions fields;
     bool json = false;
     bool explain = false;
-    std::string write;
-    std::string record;
+    std::optional<std::string> write;
+    std::optional<std::string> record;
     std::optional<std::string> expect;
     std::string timeout = "2";
 };
@@ -115,17 +117,52 @@ Packet packetByFields(PacketOptions const& options, SwitchModel const& model,
     return packet;
 }
 
+// Whether two names are those of one file. A device such as /dev/null may serve twice.
+bool isOneFile(std::filesystem::path const& one, std::filesystem::path const& other) {
+    std::error_code none;
+    if (std::filesystem::exists(one, none) || std::filesystem::exists(other, none)) {
+        return std::filesystem::equivalent(one, other, none) &&
+               std::filesystem::is_regular_file(one, none);
+    }
+    return std::filesystem::weakly_canonical(std::filesystem::absolute(one)) ==
+           std::filesystem::weakly_canonical(std::filesystem::absolute(other));
+}
+
+void checkOutput(char const* option, std::optional<std::string> const& path,
+                 Arguments const& arguments) {
+    if (!path) {
+        return;
+    }
+    if (path->empty() || *path == "-") {
+        throw UsageError(std::string(option) + ": expected a file, got \"" + *path + "\"");
+    }
+    if (arguments.switchFile != "-" && isOneFile(*path, arguments.switchFile)) {
+        throw UsageError(std::string(option) +
+                         ": expected another file than the switch file, got " + *path);
+    }
+}
+
+// What is written takes the place of nothing that is read, nor of each other.
+void checkOutputs(Arguments const& arguments) {
+    checkOutput("--write", arguments.write, arguments);
+    checkOutput("--record", arguments.record, arguments);
+    if (arguments.write && arguments.record && isOneFile(*arguments.write, *arguments.record)) {
+        throw UsageError("--record: expected another file than that of --write, got " +
+                         *arguments.record);
+    }
+}
+
 std::unique_ptr<FrameSource> openSource(Arguments const& arguments, SwitchModel const& model,
                                         Plexa::IntfId const& ingress) {
     if (!arguments.capture.empty()) {
         auto capture = std::make_unique<Capture>(arguments.capture, arguments.frame);
-        if (!arguments.write.empty() && capture->isSameFile(arguments.write)) {
+        if (arguments.write && capture->isSameFile(*arguments.write)) {
             throw UsageError("--write: expected another file than the capture, got " +
-                             arguments.write);
+                             *arguments.write);
         }
-        if (!arguments.record.empty() && capture->isSameFile(arguments.record)) {
+        if (arguments.record && capture->isSameFile(*arguments.record)) {
             throw UsageError("--record: expected another file than the capture, got " +
-                             arguments.record);
+                             *arguments.record);
         }
         return capture;
     }
@@ -139,8 +176,8 @@ class Printer {
   public:
     Printer(Arguments const& arguments, FrameSource const& source)
         : json_(arguments.json), source_(source), colour_(output_.wantsColour()) {
-        if (!arguments.write.empty()) {
-            writer_.emplace(arguments.write);
+        if (arguments.write) {
+            writer_.emplace(*arguments.write);
         }
         if (::isatty(STDERR_FILENO) == 1) {
             progress_.emplace(std::cerr, Progress::Clock::now());
@@ -217,6 +254,7 @@ TraceRun::Result traceAll(Arguments const& arguments, TraceRunOptions options,
 
 int trace(Arguments const& arguments) {
     checkSource(arguments);
+    checkOutputs(arguments);
     TraceRunOptions options;
     options.ingress = ingressOf(arguments.in);
     options.timeout = timeoutOf(arguments.timeout);
@@ -226,19 +264,19 @@ int trace(Arguments const& arguments) {
     auto const model = Agent::readSwitchFile(arguments.switchFile);
     auto const source = openSource(arguments, model, options.ingress);
     std::optional<Agent::RecordingFile> recording;
-    if (!arguments.record.empty()) {
-        recording.emplace(arguments.record);
+    if (arguments.record) {
+        recording.emplace(*arguments.record);
     }
     auto const result =
         traceAll(arguments, std::move(options), model, *source, recording ? &*recording : nullptr);
-    if (recording && !recording->error().empty()) {
-        throw UsageError(recording->error());
+    std::string const lost = recording ? recording->error() : "";
+    for (auto const& complaint : {lost, result.badInput}) {
+        if (!complaint.empty()) {
+            std::cerr << "vynpt: " << complaint << '\n';
+        }
     }
     Interrupt::raiseAgain();
-    if (!result.badInput.empty()) {
-        std::cerr << "vynpt: " << result.badInput << '\n';
-    }
-    return statusOf(result);
+    return lost.empty() ? statusOf(result) : badUsage;
 }
 
 void addOptions(CLI::App& command, Arguments& arguments) {

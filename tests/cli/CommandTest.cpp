@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <filesystem>
 #include <sstream>
 #include <vector>
 
@@ -151,6 +152,40 @@ TEST(Command, OneFrameCanBeChosen) {
     auto const result = traced({capture("ecmp.pcap"), "--frame", "3"});
     EXPECT_TRUE(result.out.starts_with("Frame 3, "));
     EXPECT_EQ(result.out.find("Frame ", 1), std::string::npos);
+}
+
+TEST(Command, WhatIsWrittenDoesNotTakeThePlaceOfTheSwitchFile) {
+    ScratchFile const copy("switch.json", contentOf(example("leaf.json")));
+    for (auto const* option : {"--write", "--record"}) {
+        expectUsageError(ran({"trace", capture("ecmp.pcap"), "--switch", copy.path(), "--in",
+                              "Ethernet1", option, copy.path()}),
+                         std::string(option) + ": expected another file than the switch file");
+    }
+    EXPECT_EQ(copy.content(), contentOf(example("leaf.json")));
+}
+
+TEST(Command, ARecordingAndWhatWasInjectedAreTwoFiles) {
+    ScratchFile const there("there");
+    ScratchPath const missing("missing");
+    for (auto const& path : {there.path(), missing.string()}) {
+        expectUsageError(traced({capture("ecmp.pcap"), "--write", path, "--record", path}),
+                         "--record: expected another file than that of --write");
+    }
+    EXPECT_FALSE(std::filesystem::exists(missing.string()));
+}
+
+TEST(Command, ARecordingAndWhatWasInjectedMayBothGoNowhere) {
+    EXPECT_EQ(
+        traced({capture("ecmp.pcap"), "--write", "/dev/null", "--record", "/dev/null"}).status, 0);
+}
+
+TEST(Command, WhatIsWrittenNeedsAFile) {
+    for (auto const* option : {"--write", "--record"}) {
+        for (auto const* name : {"-", ""}) {
+            expectUsageError(traced({capture("ecmp.pcap"), option, name}),
+                             std::string(option) + ": expected a file");
+        }
+    }
 }
 
 TEST(Command, JsonIsOneLineAFrame) {

@@ -4,6 +4,7 @@ import json
 import os
 import pathlib
 import pty
+import resource
 import signal
 import subprocess
 import tempfile
@@ -143,6 +144,23 @@ class ProcessTest(unittest.TestCase):
         process.send_signal(signal.SIGINT)
         out, err = process.communicate(timeout=60)
         self.assertEqual((process.returncode, out, err), (-signal.SIGINT, b"", b""))
+
+    def testARecordingThatMayGrowNoFurtherIsCutAtALine(self):
+        def limit():
+            signal.signal(signal.SIGXFSZ, signal.SIG_DFL)
+            resource.setrlimit(resource.RLIMIT_FSIZE, (1024, 1024))
+
+        with tempfile.TemporaryDirectory() as folder:
+            recording = pathlib.Path(folder) / "run.jsonl"
+            run = subprocess.run(
+                command(CAPTURES / "ecmp.pcap", "--record", recording), preexec_fn=limit,
+                capture_output=True, check=False, timeout=120,
+            )
+            self.assertEqual(run.returncode, 2)
+            self.assertIn(str(recording), run.stderr.decode())
+            self.assertTrue(recording.read_bytes().endswith(b"\n"))
+            replayed = subprocess.run([VYNPT, "replay", recording], capture_output=True, check=False)
+            self.assertEqual(replayed.returncode, 0, replayed.stderr)
 
     def testOnATerminalThereAreColoursUnlessTheyAreNotWanted(self):
         for variables, wanted in (({}, True), ({"NO_COLOR": "1"}, False), ({"TERM": "dumb"}, False)):
