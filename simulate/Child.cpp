@@ -55,6 +55,10 @@ void writeScenario(Scenario const& scenario, Program const& program, Report cons
     for (std::string line; std::getline(detail, line);) {
         out << "# " << line << '\n';
     }
+    if (report.invariant != "events" && report.invariant != "end") {
+        out << "# A replay may print nothing of this as it happens; with --dump it prints what\n"
+               "# everything holds at the end.\n";
+    }
     out << scenario.text();
     if (!scenario.endedBy().empty()) {
         out << "# This is not the whole run: " << scenario.endedBy() << ".\n";

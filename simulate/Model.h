@@ -219,7 +219,7 @@ class Model {
     void turn();
     void receive(Wire::Message const& message);
 
-    // The root (ModelRoot.cpp).
+    // The root (Model.cpp).
     void handleClient(std::string const& name);
     void handleAnswer(Id const& id);
     void relayDispatch(Id const& id);

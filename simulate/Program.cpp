@@ -177,12 +177,14 @@ class Drawer {
   public:
     Drawer(Random& random, std::vector<Event>& events)
         : random_(random), mood_(drawMood(random)), events_(events) {
-        for (auto const* name : {"Ethernet1", "Ethernet2", "Ethernet3", "Ethernet4.100",
-                                 "Ethernet5", "Ethernet7", "Lag1", "Ethernet1", "Ethernet2"}) {
+        for (auto const* name :
+             {"Ethernet1", "Ethernet2", "Ethernet3", "Ethernet4", "Ethernet4.100", "Ethernet5",
+              "Ethernet7", "Lag1", "Ethernet1", "Ethernet2"}) {
             ingress_.push_back(named(name));
         }
-        for (auto const* name : {"Ethernet1", "Ethernet2", "Ethernet4.100", "Ethernet5", "Lag1",
-                                 "Ethernet7", "Ethernet8", "Cpu", "Vlan10", "Lag2", "Lag1.7"}) {
+        for (auto const* name :
+             {"Ethernet1", "Ethernet2", "Ethernet4", "Ethernet4.100", "Ethernet5", "Ethernet6",
+              "Lag1", "Ethernet7", "Ethernet8", "Cpu", "Vlan10", "Lag2", "Lag1.7"}) {
             any_.push_back(named(name));
         }
         told_ = events;
@@ -461,9 +463,11 @@ class Drawer {
             case 6:
                 return add({.kind = Kind::portToLagDel, .intf = named("Ethernet5")});
             case 7: {
-                Event event{.kind = Kind::vlan, .a = vlan, .flag = random_.chance(20)};
+                Event event{.kind = Kind::vlan, .a = vlan, .flag = random_.chance(30)};
+                // Of nobody, of the CPU alone, of some.
+                unsigned const each = random_.chance(25) ? 0 : 35;
                 for (auto const& member : any_) {
-                    if (random_.chance(35)) {
+                    if (random_.chance(member == named("Cpu") ? 50 : each)) {
                         event.intfs.push_back(member);
                     }
                 }

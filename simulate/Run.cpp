@@ -1,6 +1,8 @@
 #include "simulate/Run.h"
 
 #include <algorithm>
+#include <filesystem>
+#include <iterator>
 
 #include "Vanta/Assert.h"
 
@@ -9,12 +11,18 @@ namespace {
 
 Run* current = nullptr;  // the run under way, for the process's last step
 
+std::size_t openDescriptors() {
+    std::filesystem::directory_iterator const open("/proc/self/fd");
+    return static_cast<std::size_t>(std::distance(begin(open), end(open)));
+}
+
 }  // namespace
 
 Run::Run(Program const& program, std::function<void(Report const&)> finish)
     : program_(program),
       finish_(std::move(finish)),
       nodesBefore_(Vanta::Node::liveCount()),
+      descriptorsBefore_(openDescriptors()),
       previous_(Vanta::lastStepIs(&Run::lastStep)) {
     current = this;
     world_.emplace(program.drawn);
@@ -40,6 +48,9 @@ Report Run::go() {
         if (Vanta::Node::liveCount() != nodesBefore_) {
             fail({"nodes",
                   joined(Vanta::Node::liveCount() - nodesBefore_, " nodes outlive everybody")});
+        } else if (auto const open = openDescriptors(); open != descriptorsBefore_) {
+            fail({"descriptors", joined(open, " descriptors are open where there were ",
+                                        descriptorsBefore_, " before everybody")});
         }
     }
     return report_;

@@ -91,6 +91,7 @@ class Run {
     Scenario* scenario_ = nullptr;
     bool wasOrderly_ = true;  // every phase-0 answer of this tracer's life was awaited
     std::uint64_t nodesBefore_;
+    std::size_t descriptorsBefore_;
     Vanta::LastStep previous_;
 };
 

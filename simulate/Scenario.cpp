@@ -90,8 +90,7 @@ void Scenario::add(Event const& event, std::vector<std::string> const& log, Wire
         end();
     } else if (event.kind == Kind::turn) {
         announcements(wire);
-        begin("turn");
-        end();
+        turn();
     } else if (event.kind == Kind::yieldAfter) {
         begin("yieldAfter");
         member("checks", event.a);
@@ -102,7 +101,27 @@ void Scenario::add(Event const& event, std::vector<std::string> const& log, Wire
     digests(wire);
 }
 
+// Turns between which nothing is told are one line.
+void Scenario::turn() {
+    if (text_.size() == turnsEnd_) {
+        text_.resize(turnsBegin_);
+    } else {
+        turnsBegin_ = text_.size();
+        turns_ = 0;
+    }
+    begin("turn");
+    if (++turns_ > 1) {
+        member("times", turns_);
+    }
+    end();
+    turnsEnd_ = text_.size();
+}
+
 void Scenario::forwarding(Event const& event) {
+    if (event.kind == Kind::port && event.b > 455) {
+        endedBy_ = "a port has an index that scenarios do not give";
+        return;
+    }
     static constexpr char const* names[] = {
         "port",      "portDel",      "portToIntfId", "portToIntfIdDel", "lagToPort", "lagToPortDel",
         "portToLag", "portToLagDel", "vlan",         "vlanDel",         "cpuPort",   "cpuPortDel"};
@@ -131,9 +150,6 @@ void Scenario::forwarding(Event const& event) {
         flag("internal", event.flag);
     }
     end();
-    if (event.kind == Kind::port && event.b > 455) {
-        endedBy_ = "a port has an index that scenarios do not give";
-    }
 }
 
 void Scenario::directory(Event const& event) {

@@ -7,6 +7,7 @@
 // and calls of one function that fail more than once within a turn, with successes between.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <string>
@@ -38,6 +39,7 @@ class Scenario {
     void client(Event const& event);
     void end();
 
+    void turn();
     void forwarding(Event const& event);
     void directory(Event const& event);
     void request(Event const& event, Model const& before);
@@ -50,6 +52,10 @@ class Scenario {
 
     std::string text_;
     std::string endedBy_;
+    // The last line of turns.
+    std::size_t turnsBegin_ = 0;
+    std::size_t turnsEnd_ = 0;
+    std::uint64_t turns_ = 0;
 };
 
 }  // namespace Simulate
