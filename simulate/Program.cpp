@@ -277,7 +277,7 @@ class Drawer {
                  .a = RequestAttribute::valid,
                  .b = random_.chance(80) ? 1u : 0u});
         } else if (dice < 78 && mood_.reckless) {
-            change(client, req);
+            random_.chance(80) ? change(client, req) : moveAside(client, req);
         } else if (dice < 80) {
             add({.kind = Kind::requestDelAll, .client = client});
         } else {
@@ -318,6 +318,33 @@ class Drawer {
             event.raw = drawFrame(random_, client, req);
         }
         add(std::move(event));
+        if (random_.chance(50)) {
+            validAgain(client, req);
+        }
+    }
+
+    // A port and its sub-interface are one place in the chip, so of the job only the interface
+    // changes.
+    void moveAside(unsigned client, std::uint32_t req) {
+        put(client, req);
+        events_.back().intf = named("Ethernet4");
+        events_.back().flag = true;
+        add({.kind = Kind::requestSet,
+             .client = client,
+             .req = req,
+             .intf = named("Ethernet4.100"),
+             .a = RequestAttribute::intf});
+        validAgain(client, req);
+    }
+
+    void validAgain(unsigned client, std::uint32_t req) {
+        for (std::uint64_t const valid : {0, 1}) {
+            add({.kind = Kind::requestSet,
+                 .client = client,
+                 .req = req,
+                 .a = RequestAttribute::valid,
+                 .b = valid});
+        }
     }
 
     void client() {
@@ -463,7 +490,7 @@ class Drawer {
             case 6:
                 return add({.kind = Kind::portToLagDel, .intf = named("Ethernet5")});
             case 7: {
-                Event event{.kind = Kind::vlan, .a = vlan, .flag = random_.chance(30)};
+                Event event{.kind = Kind::vlan, .a = vlan, .flag = random_.chance(50)};
                 // Of nobody, of the CPU alone, of some.
                 unsigned const each = random_.chance(25) ? 0 : 35;
                 for (auto const& member : any_) {
@@ -503,8 +530,8 @@ class Drawer {
         static std::vector<std::uint16_t> const domains{10, 20, 30, 40, 0, 4094};
         Forged entry;
         entry.back = static_cast<std::uint16_t>(random_.chance(15) ? 65000 : random_.below(6));
-        entry.copyToCpu = random_.chance(30) ? 2 : 0;
         entry.routed = random_.chance(40) ? 255 : 0;
+        entry.copyToCpu = random_.chance(entry.routed != 0 ? 60 : 30) ? 2 : 0;
         entry.dropCtl = random_.chance(15) ? 1 : 0;
         entry.l2Domain = random_.pick(domains);
         entry.egrPort = random_.chance(45)   ? 511
