@@ -4,6 +4,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <array>
+#include <cstring>
 #include <functional>
 #include <random>
 #include <set>
@@ -30,10 +32,15 @@ struct Collections {
     Vanta::Ptr<PktGenStatus> status = PktGenStatus::PktGenStatusIs();
 
     void cfgIs(unsigned number) { config->cfgIs(req(number), Vanta::Bytes{1}, {}, {}); }
+    std::string pick() const;
 };
 
 std::string name(Vanta::Ptr<VynPacketTracer::PktGenCfgData> const& job) {
     return job ? std::to_string(job->req().number()) : "none";
+}
+
+std::string Collections::pick() const {
+    return name(config->firstPending(*status));
 }
 
 // The first job without an answer, entry by entry.
@@ -46,28 +53,58 @@ std::string literalPick(Collections const& all) {
     return "none";
 }
 
+void changeJobsAtRandom(Collections& all, std::mt19937& random) {
+    unsigned const number = random() % 200;
+    switch (random() % 6) {
+        case 0:
+        case 1:
+            all.cfgIs(number);
+            break;
+        case 2:
+            all.config->cfgDel(req(number));
+            break;
+        case 3:
+        case 4:
+            all.status->statusIs(req(number));
+            break;
+        default:
+            all.status->statusDel(req(number));
+            break;
+    }
+}
+
 TEST(PendingJobs, PickWhatTheWalkOverAllJobsFinds) {
     std::mt19937 random(20260101);
     Collections all;
     for (int step = 0; step < 100000; ++step) {
-        unsigned const number = random() % 200;
-        switch (random() % 6) {
-            case 0:
-            case 1:
-                all.cfgIs(number);
-                break;
-            case 2:
-                all.config->cfgDel(req(number));
-                break;
-            case 3:
-            case 4:
-                all.status->statusIs(req(number));
-                break;
-            default:
-                all.status->statusDel(req(number));
-                break;
+        changeJobsAtRandom(all, random);
+        ASSERT_EQ(all.pick(), literalPick(all)) << "step " << step;
+    }
+}
+
+// Two collections of jobs and two of answers: now these are asked for together, now those, and now
+// and then one of them goes.
+TEST(PendingJobs, PickWhatTheWalkFindsWhoeverTheyFollowedBefore) {
+    std::mt19937 random(20260102);
+    std::array<Collections, 2> pairs;
+    Collections asked = pairs[0];
+    for (int step = 0; step < 100000; ++step) {
+        if (random() % 16 == 0) {
+            asked = {pairs[random() % 2].config, pairs[random() % 2].status};
         }
-        ASSERT_EQ(name(all.config->firstPending(*all.status)), literalPick(all)) << "step " << step;
+        if (random() % 2000 == 0) {
+            Collections& renewed = pairs[random() % 2];
+            asked = {};
+            if (random() % 2 == 0) {
+                renewed.config = PktGenConfig::PktGenConfigIs();
+            } else {
+                renewed.status = PktGenStatus::PktGenStatusIs();
+            }
+            asked = pairs[random() % 2];
+        }
+        Collections changed{pairs[random() % 2].config, pairs[random() % 2].status};
+        changeJobsAtRandom(changed, random);
+        ASSERT_EQ(asked.pick(), literalPick(asked)) << "step " << step;
     }
 }
 
@@ -134,6 +171,25 @@ TEST(PendingJobs, AreNotTouchedByAnswersThatFollowedJobsWhichAreGone) {
     EXPECT_EQ(name(all.config->firstPending(*answers)), "1");
     all.status->statusIs(req(1));
     EXPECT_EQ(name(all.config->firstPending(*answers)), "1");
+}
+
+TEST(PendingJobs, ThatAreGoneAreNotToldOfAnswers) {
+    Collections all;
+    all.cfgIs(1);
+    all.status->statusIs(req(1));
+    EXPECT_EQ(all.pick(), "none");
+    all.config = nullptr;
+    // Their memory belongs to somebody else now.
+    std::array<void*, 4> blocks;
+    for (void*& block : blocks) {
+        block = Grist::allocate(sizeof(PktGenConfig));
+        std::memset(block, 0xa5, sizeof(PktGenConfig));
+    }
+    all.status->statusDel(req(1));
+    EXPECT_FALSE(all.status->statusHas(req(1)));
+    for (void* const block : blocks) {
+        Grist::deallocate(block, sizeof(PktGenConfig));
+    }
 }
 
 TEST(PendingJobs, FollowNewAnswersAlsoInPlaceOfOldOnes) {
