@@ -1,8 +1,8 @@
 // A full trace in which one allocation fails, each allocation in its turn. Grist and this program's
 // operator new count as one row. Each run is a process of its own; it either catches
 // std::bad_alloc at the call that it made, finds every collection whole, makes the call again and
-// comes to the same result as without the failure, or it ends in the described way, because the
-// failure struck inside a dispatcher.
+// comes to the same result as without the failure, or it ends with that error as its reason,
+// because the failure struck inside a dispatcher.
 #include <dirent.h>
 #include <fcntl.h>
 #include <gtest/gtest.h>

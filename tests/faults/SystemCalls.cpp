@@ -10,6 +10,8 @@
 #include <array>
 #include <cerrno>
 #include <cstdarg>
+#include <cstdint>
+#include <cstring>
 #include <optional>
 
 #include "VynExport.h"
@@ -22,6 +24,7 @@ struct Script {
     std::optional<std::size_t> shortTo;
     int error = 0;
     int result = 0;
+    std::array<SystemCalls::Arguments, 4> given{};  // a fixed room: calls must not allocate
 };
 
 std::array<Script, 5> scripts;
@@ -31,8 +34,11 @@ Script& scriptOf(SystemCall call) {
 }
 
 // Counts a call; its script, if this is the one that differs.
-Script const* differs(SystemCall call) {
+Script const* differs(SystemCall call, SystemCalls::Arguments const& arguments = {}) {
     Script& script = scriptOf(call);
+    if (script.count < script.given.size()) {
+        script.given[script.count] = arguments;
+    }
     ++script.count;
     if (!script.left) {
         return nullptr;
@@ -63,6 +69,11 @@ void SystemCalls::reset() noexcept {
 
 unsigned SystemCalls::count(SystemCall call) noexcept {
     return scriptOf(call).count;
+}
+
+SystemCalls::Arguments SystemCalls::arguments(SystemCall call, unsigned after) noexcept {
+    auto const& given = scriptOf(call).given;
+    return after < given.size() ? given[after] : Arguments{};
 }
 
 void SystemCalls::failsIs(SystemCall call, int error, unsigned after, int result) noexcept {
@@ -114,7 +125,7 @@ VYN_EXPORT ssize_t read(int descriptor, void* buffer, std::size_t size) {
 
 VYN_EXPORT int socketpair(int domain, int type, int protocol, int descriptors[2]) noexcept {
     static auto* const own = systemsOwn<int(int, int, int, int*)>("socketpair");
-    Script const* const script = differs(SystemCall::socketpair);
+    Script const* const script = differs(SystemCall::socketpair, {domain, type, protocol});
     return script != nullptr ? fail(*script) : own(domain, type, protocol, descriptors);
 }
 
@@ -125,14 +136,18 @@ VYN_EXPORT int fcntl(int descriptor, int command, ...) {
     // Every argument that fcntl takes has a pointer's size at most.
     void* const argument = va_arg(rest, void*);
     va_end(rest);
-    Script const* const script = differs(SystemCall::fcntl);
+    auto const number = static_cast<int>(reinterpret_cast<std::intptr_t>(argument));
+    Script const* const script = differs(SystemCall::fcntl, {descriptor, command, number});
     return script != nullptr ? fail(*script) : own(descriptor, command, argument);
 }
 
 VYN_EXPORT int setsockopt(int descriptor, int level, int option, void const* value,
                           socklen_t size) noexcept {
     static auto* const own = systemsOwn<int(int, int, int, void const*, socklen_t)>("setsockopt");
-    Script const* const script = differs(SystemCall::setsockopt);
+    int number = 0;
+    std::memcpy(&number, value, std::min<std::size_t>(size, sizeof number));
+    Script const* const script =
+        differs(SystemCall::setsockopt, {descriptor, level, option, number});
     return script != nullptr ? fail(*script) : own(descriptor, level, option, value, size);
 }
 

@@ -3,6 +3,7 @@
 // they go on to the system unless a test has said otherwise.
 #pragma once
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -10,11 +11,19 @@ enum class SystemCall : std::uint8_t { sendmsg, read, socketpair, fcntl, setsock
 
 class SystemCalls {
   public:
+    // What a call of socketpair, fcntl or setsockopt was given, in the order of its parameters; a
+    // descriptor pair and what a call does not take are 0, setsockopt's value is the number itself.
+    using Arguments = std::array<int, 4>;
+
     // From here on calls are counted, from zero, and none fails.
     static void reset() noexcept;
 
     // How often the function was called since reset().
     static unsigned count(SystemCall call) noexcept;
+
+    // The arguments of the call after the next `after` ones since reset(). The first 4 calls of a
+    // function are kept; what is not kept is all 0.
+    static Arguments arguments(SystemCall call, unsigned after = 0) noexcept;
 
     // Once: the call after the next `after` ones returns `result` with this errno, and does nothing.
     static void failsIs(SystemCall call, int error, unsigned after = 0, int result = -1) noexcept;

@@ -1,6 +1,7 @@
 // The digest channel when the system's calls fail or move less than they were asked to.
 #include "faults/SystemCalls.h"
 
+#include <fcntl.h>
 #include <sys/socket.h>
 
 #include <cerrno>
@@ -106,6 +107,28 @@ TEST_F(SystemCallTest, TheChannelsCallsComeHere) {
     EXPECT_EQ(SystemCalls::count(SystemCall::read), 2U);
 }
 
+TEST_F(SystemCallTest, TheSocketPairIsALocalStreamOfTheDefaultProtocol) {
+    start();
+    EXPECT_EQ(SystemCalls::arguments(SystemCall::socketpair),
+              (SystemCalls::Arguments{AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0}));
+}
+
+TEST_F(SystemCallTest, BothEndsAreGivenTheNonBlockingFlagAlone) {
+    start();
+    int const readEnd = engine->socketPairReadFileDesc()->descriptor();
+    EXPECT_EQ(SystemCalls::arguments(SystemCall::fcntl, 0),
+              (SystemCalls::Arguments{engine->socketPairWriteDesc(), F_SETFL, O_NONBLOCK}));
+    EXPECT_EQ(SystemCalls::arguments(SystemCall::fcntl, 1),
+              (SystemCalls::Arguments{readEnd, F_SETFL, O_NONBLOCK}));
+}
+
+TEST_F(SystemCallTest, TheWritingEndIsAskedForASendBufferOf8MiB) {
+    start();
+    EXPECT_EQ(
+        SystemCalls::arguments(SystemCall::setsockopt),
+        (SystemCalls::Arguments{engine->socketPairWriteDesc(), SOL_SOCKET, SO_SNDBUF, 8388608}));
+}
+
 TEST_F(SystemCallTest, WithoutASocketPairTheProcessEnds) {
     for (int const error : {EMFILE, ENFILE, EAFNOSUPPORT}) {
         SystemCalls::failsIs(SystemCall::socketpair, error);
@@ -132,6 +155,13 @@ TEST_F(SystemCallTest, ASendBufferThatCannotBeSetEndsTheProcess) {
     SystemCalls::failsIs(SystemCall::setsockopt, ENOBUFS);
     expectEnd([&] { start(); }, untilSocket + Lines{initSocketTrace("setsockopt", ENOBUFS)},
               "assert", "rval == 0");
+}
+
+TEST_F(SystemCallTest, TheEndsAreMadeNonBlockingBeforeTheSendBufferIsSet) {
+    SystemCalls::failsIs(SystemCall::fcntl, EBADF);
+    SystemCalls::failsIs(SystemCall::setsockopt, ENOBUFS);
+    expectEnd([&] { start(); }, untilSocket + Lines{initSocketTrace("fcntl", EBADF)}, "assert",
+              "rval == 0");
 }
 
 // Neither call is known to return anything but 0 and -1; whatever else it is stops the process too.
