@@ -4,6 +4,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <stdexcept>
 
 #include "VynPacketTracer/EngineFixture.h"
 #include "VynPacketTracer/VynPtPktGenSm.h"
@@ -124,6 +125,27 @@ TEST_F(RegistrationTest, ThatFailsEndsTheProcess) {
 TEST_F(RegistrationTest, OfAProgramWithoutTheDigestEndsTheProcess) {
     chip.learnQuanta()->digestKnownIs(false);
     expectEnd([&] { startAwake(); }, begun, "assert", "index != VyResourceInfoIndexInvalid");
+}
+
+// A program without the digest that has no answer when it is asked for the digest's handle either.
+class NoLearnQuanta final : public VyResourceInfo::VyResourceInfoIntf {
+  public:
+    std::uint32_t vyLearnQuantaIndex(std::string_view) const override {
+        return VyResourceInfo::VyResourceInfoIndexInvalid;
+    }
+    std::uint32_t vyLearnQuanta(std::uint32_t) const override {
+        throw std::out_of_range("no such index");
+    }
+};
+
+TEST_F(RegistrationTest, OfAProgramWithoutTheDigestDoesNotAskForItsHandle) {
+    auto const program = Vanta::makeNode<NoLearnQuanta>();
+    expectEnd(
+        [&] {
+            engine = pktGenSmFactory(config, chip.phase0Data(), status, 1, chip.device(), true,
+                                     program, chip.digestLayout(), loop);
+        },
+        begun, "assert", "index != VyResourceInfoIndexInvalid");
 }
 
 TEST_F(RegistrationTest, OfAProgramWithoutTheDigestIsNotTriedWithoutTraceSupport) {

@@ -1,5 +1,6 @@
 #include "VynPacketTracer/EngineFixture.h"
 #include "VynPacketTracer/VynPtPktGenSm.h"
+#include "sdkseam/Interposition.h"
 
 namespace VynPacketTracer {
 namespace {
@@ -315,6 +316,40 @@ TEST_F(CounterTest, ACounterThatCannotBeReadIsLikeOneThatDidNotMove) {
     fails(SdkFunction::getPktCounters, -5);
     EXPECT_EQ(turned(), checked + (Lines{counted(1, -5), counterError, waiting(1)}));
     EXPECT_EQ(engine->state(), State::waitPktSent);
+}
+
+// A chip that refuses every call and writes nothing.
+struct RefusingChip final : SdkSeam::Chip {
+    p4_pd_status_t getPktCounters(p4_pd_sess_hdl_t, std::uint32_t, std::uint32_t,
+                                  std::uint64_t&) override {
+        return -5;
+    }
+    p4_pd_status_t genOnePkt(p4_pd_sess_hdl_t, std::uint32_t, std::uint32_t, std::uint8_t,
+                             std::uint32_t, std::span<std::uint8_t const>,
+                             std::span<std::uint8_t const>, std::uint16_t) override {
+        return -5;
+    }
+    p4_pd_status_t disableAppId(p4_pd_sess_hdl_t, std::uint32_t, std::uint32_t) override {
+        return -5;
+    }
+    p4_pd_status_t disablePktGen(p4_pd_sess_hdl_t, std::uint32_t, std::uint32_t) override {
+        return -5;
+    }
+    p4_pd_status_t digestRegister(p4_pd_sess_hdl_t, std::uint32_t, pipe_flow_lrn_notify_cb,
+                                  void*) override {
+        return -5;
+    }
+    p4_pd_status_t digestDeregister(p4_pd_sess_hdl_t, std::uint32_t) override { return -5; }
+    p4_pd_status_t notifyAck(p4_pd_sess_hdl_t, std::uint32_t, pipe_flow_lrn_msg_t*) override {
+        return -5;
+    }
+};
+
+TEST_F(CounterTest, ACounterThatIsNotWrittenIsTracedAsNone) {
+    toWaitPktSent();
+    RefusingChip refusing;
+    SdkSeam::Interposition const inFront(chip.device(), refusing);
+    EXPECT_EQ(turned(), checked + (Lines{counterError, waiting(0)}));
 }
 
 TEST_F(CounterTest, WithTraceSupportTheAnswerWaitsForTheDigest) {

@@ -432,6 +432,16 @@ TEST_F(EngineEndTest, ClosesBothEndsOfTheSocketAfterTheDeregistration) {
     EXPECT_FALSE(isOpen(writeEnd));
 }
 
+TEST_F(EngineEndTest, KeepsItsTaskUntilTheDigestIsDeregistered) {
+    start();
+    job(1);
+    auto const task = engine->task();
+    bool scheduledMeanwhile = false;
+    recorder.onSdkCall = [&](auto const&) { scheduledMeanwhile = task->isScheduled(); };
+    engine = nullptr;
+    EXPECT_TRUE(scheduledMeanwhile);
+}
+
 TEST_F(EngineEndTest, IgnoresWhatHappensMeanwhile) {
     start();
     job(1);
