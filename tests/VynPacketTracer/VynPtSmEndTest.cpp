@@ -1,3 +1,4 @@
+#include <functional>
 #include <tuple>
 
 #include "VynPacketTracer/TracerFixture.h"
@@ -382,6 +383,55 @@ TEST_F(TracerEndTest, AnotherTracerCanFollow) {
     start();
     EXPECT_EQ(tracer->pktGenCfg()->cfg().size(), 2u);
     EXPECT_TRUE(chip.hasCallback());
+}
+
+// ---- The end without engine and clients: nobody but the tracer holds the jobs
+
+class TracerAloneEndTest : public TracerEndTest {
+  protected:
+    TracerAloneEndTest() {
+        tracer->pktGenSmDel();
+        tracer->pktGenCfg()->cfgIs(id("noc", 1), {1}, {}, intf("Ethernet1"));
+        answer(1);
+        answer(2);
+    }
+    // What happens at the end if this is done while the last job goes.
+    Lines stoppedDoing(std::function<void()> const& work) {
+        OnPublication const observer(tracer->pktGenCfg()->publisher(), [&](auto, auto) { work(); });
+        return stopped();
+    }
+    Lines const stoppedLines{"cfg del noc/1", "status del noc/1", "status del noc/2"};
+};
+
+TEST_F(TracerAloneEndTest, TheJobsGoBeforeTheAnswers) {
+    EXPECT_EQ(stopped(), stoppedLines);
+}
+
+TEST_F(TracerAloneEndTest, NoWatcherRelaysAnythingWhileTheJobsGo) {
+    auto const watcher = tracer->localStatus(id("noc", 1));
+    auto const another = tracer->localStatus(id("noc", 2));
+    EXPECT_EQ(stoppedDoing([&] {
+                  watcher->kel_handleLocalStatus_ready();
+                  another->kel_handleLocalStatus_ready();
+              }),
+              stoppedLines);
+}
+
+TEST_F(TracerAloneEndTest, TheWatchersAreTornDownWhileTheJobsGo) {
+    auto const watcher = tracer->localStatus(id("noc", 1));
+    bool tornDownMeanwhile = false;
+    stoppedDoing([&] { tornDownMeanwhile = watcher->isZombie(); });
+    EXPECT_TRUE(tornDownMeanwhile);
+}
+
+// A tracer that is switched off follows answers that are made anew.
+TEST_F(TracerAloneEndTest, AnAnswerThatComesWhileTheJobsGoIsNotWatchedAnyMore) {
+    tracer->hasNotificationActiveIs(false);
+    tracer->pktGenStatusDel();
+    auto const answers = tracer->pktGenStatusIs();
+    std::uint32_t holders = 0;
+    stoppedDoing([&] { holders = answers->statusIs(id("noc", 1))->refCount(); });
+    EXPECT_EQ(holders, 2u);  // the collection and this test
 }
 
 // ---- Releasing the tracer from inside a notification
