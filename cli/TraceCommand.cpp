@@ -270,12 +270,14 @@ int trace(Arguments const& arguments) {
     auto const result =
         traceAll(arguments, std::move(options), model, *source, recording ? &*recording : nullptr);
     std::string const lost = recording ? recording->error() : "";
-    for (auto const& complaint : {lost, result.badInput}) {
-        if (!complaint.empty()) {
-            std::cerr << "vynpt: " << complaint << '\n';
-        }
+    if (!lost.empty()) {
+        std::cerr << "vynpt: " << lost << '\n';
     }
+    // A capture that the same Ctrl-C cut short is no bad input.
     Interrupt::raiseAgain();
+    if (!result.badInput.empty()) {
+        std::cerr << "vynpt: " << result.badInput << '\n';
+    }
     return lost.empty() ? statusOf(result) : badUsage;
 }
 
