@@ -2,7 +2,8 @@
 
 #include <algorithm>
 
-#include "agent/DeriveState.h"
+#include "simulate/DrawnFrame.h"
+#include "simulate/DrawnSwitch.h"
 
 namespace Simulate {
 namespace {
@@ -12,136 +13,6 @@ using Plexa::IntfId;
 IntfId named(std::string const& name) {
     return *IntfId::fromName(name);
 }
-
-// ---- The switch
-
-// A port's text: "pipe/index", each pipe's indexes used once.
-std::string place(Random& random, unsigned number) {
-    return std::to_string(random.below(4)) + "/" + std::to_string(number * 7 + random.below(7));
-}
-
-// A switch file: ports, a LAG or two, VLANs, perhaps routing.
-std::string drawSwitch(Random& random) {
-    std::string intfs;
-    auto const add = [&](std::string const& name, std::string const& members) {
-        intfs += (intfs.empty() ? "\"" : ", \"") + name + "\": {" + members + "}";
-    };
-    auto const port = [&](unsigned number, std::string const& more) {
-        bool const down = random.chance(8);
-        add("Ethernet" + std::to_string(number),
-            "\"port\": \"" + place(random, number) + "\"" + more + (down ? ", \"up\": false" : ""));
-    };
-    port(1, ", \"access\": 10");
-    port(2, ", \"trunk\": \"10,20\", \"native\": 10");
-    port(3, random.chance(50) ? ", \"access\": 20" : ", \"addresses\": [\"10.9.0.1/24\"]");
-    port(4, ", \"routed\": true");
-    add("Ethernet4.100", random.chance(50) ? "\"tag\": 100, \"vlan\": 10"
-                                           : "\"tag\": 100, \"addresses\": [\"10.8.0.1/24\"]");
-    port(5, "");
-    port(6, "");
-    add("Lag1", R"("members": ["Ethernet5", "Ethernet6"], "trunk": "10,20,30")");
-    port(7, ", \"access\": 30");
-    if (random.chance(70)) {
-        add("Ethernet8", "\"port\": \"0/120\", \"cpu\": true");
-    }
-    std::string neighbours;
-    if (random.chance(70)) {
-        add("Vlan10", R"("addresses": ["10.1.10.1/24"])");
-        add("Vlan20", R"("addresses": ["10.1.20.1/24"])");
-        neighbours = R"(, "neighbours": {"Vlan10": {"10.1.10.11": "02:00:00:00:0a:0b"},)"
-                     R"( "Vlan20": {"10.1.20.11": "02:00:00:00:14:0b"}})";
-    }
-    return R"({"routerMac": "02:00:00:00:00:01", "vlans": {"10": {}, "20": {}, "30": {}},)"
-           R"( "interfaces": {)" +
-           intfs + "}" + neighbours +
-           R"(, "fdb": {"10": {"02:00:00:00:0a:0b": "Ethernet1", "02:00:00:00:0a:0c": "Lag1"},)"
-           R"( "20": {"02:00:00:00:14:0b": "Ethernet2"}}})";
-}
-
-// The forwarding state that the agent derives, told event by event.
-std::vector<Event> tellForwarding(Agent::SwitchModel const& model) {
-    auto const state = Agent::deriveForwardingState(model);
-    std::vector<Event> events;
-    for (auto const& entry : state.systemStatus->portInfo()) {
-        events.push_back({.kind = Kind::port,
-                          .intf = entry.key,
-                          .a = entry.value.pipe(),
-                          .b = entry.value.port().value()});
-    }
-    for (auto const& entry : state.systemStatus->portToIntfId()) {
-        events.push_back({.kind = Kind::portToIntfId, .intf = entry.value, .a = entry.key.value()});
-    }
-    for (auto const& entry : state.fcsd->lagToPort()) {
-        events.push_back({.kind = Kind::lagToPort, .intf = entry.key});
-    }
-    for (auto const& entry : state.fcsd->portToLag()) {
-        events.push_back({.kind = Kind::portToLag, .intf = entry.key, .lag = entry.value});
-    }
-    for (auto const& entry : state.bridgingConfig->vlanConfig()) {
-        Event vlan{.kind = Kind::vlan, .a = entry.key.value(), .flag = entry.value->internal()};
-        for (auto const& member : entry.value->intf()) {
-            vlan.intfs.push_back(member.key);
-        }
-        events.push_back(vlan);
-    }
-    for (auto const& entry : state.chipStatus->cpuIntf()) {
-        events.push_back({.kind = Kind::cpuPort, .intf = entry.key});
-    }
-    return events;
-}
-
-// ---- Packets
-
-void putNumber(Bytes& bytes, std::uint64_t value, int count) {
-    for (int i = count - 1; i >= 0; --i) {
-        bytes.push_back(static_cast<std::uint8_t>(value >> (8 * i)));
-    }
-}
-
-std::uint16_t checksum(Bytes const& header) {
-    std::uint32_t sum = 0;
-    for (std::size_t i = 0; i < header.size(); i += 2) {
-        sum += static_cast<std::uint32_t>(header[i] << 8 | header[i + 1]);
-    }
-    while (sum >> 16 != 0) {
-        sum = (sum & 0xffff) + (sum >> 16);
-    }
-    return static_cast<std::uint16_t>(~sum);
-}
-
-// A frame that no other request has: bridged, flooded, or routed, by chance.
-Bytes drawFrame(Random& random, unsigned client, std::uint32_t req) {
-    static std::vector<std::uint64_t> const targets{0x020000000a0b, 0x020000000a0c, 0x02000000140b,
-                                                    0x0200000000ff, 0xffffffffffff, 0x020000000001};
-    static std::vector<std::uint32_t> const addresses{0x0a010a0b, 0x0a01140b, 0x0a090005,
-                                                      0x0a01140d, 0x0b000001};
-    auto const target = random.pick(targets);
-    Bytes frame;
-    putNumber(frame, target, 6);
-    putNumber(frame, 0x02000000ee00 + client, 6);
-    if (random.chance(15)) {
-        putNumber(frame, 0x81000000 + random.pick(std::vector<std::uint64_t>{10, 20, 100}), 4);
-    }
-    putNumber(frame, 0x0800, 2);
-    Bytes ip;
-    putNumber(ip, 0x45000000 + 46, 4);
-    putNumber(ip, req, 4);
-    putNumber(ip, random.chance(10) ? 0x0111 : 0x4011, 2);
-    putNumber(ip, 0, 2);
-    putNumber(ip, 0x0a010a05, 4);
-    putNumber(ip, random.pick(addresses), 4);
-    auto const sum = checksum(ip);
-    ip[10] = static_cast<std::uint8_t>(sum >> 8);
-    ip[11] = static_cast<std::uint8_t>(sum);
-    frame.insert(frame.end(), ip.begin(), ip.end());
-    putNumber(frame, client, 2);
-    putNumber(frame, req, 4);
-    putNumber(frame, random.next(), 8);
-    frame.resize(64);
-    return frame;
-}
-
-// ---- The events
 
 // What a seed is like.
 struct Mood {
