@@ -45,8 +45,11 @@ bool isHostAddress(InterfaceAddress const& own) {
     if (v4 >> 24 == 127 || v4 == 0xffffffff) {
         return false;
     }
-    std::uint32_t const hostBits = own.length == 0 ? 0xffffffff : 0xffffffffU >> own.length;
-    return own.length >= 31 || ((v4 & hostBits) != 0 && (v4 & hostBits) != hostBits);
+    if (own.length >= 31) {
+        return true;  // A subnet this small has no address of its own, and none for broadcasts.
+    }
+    std::uint32_t const hostBits = 0xffffffffU >> own.length;
+    return (v4 & hostBits) != 0 && (v4 & hostBits) != hostBits;
 }
 
 // The first of these members that is there.

@@ -114,6 +114,16 @@ TEST(SwitchFile, AddressesMakeAPortRouted) {
     EXPECT_TRUE(only(model, "Ethernet2").routing.has_value());
 }
 
+TEST(SwitchFile, AnAddressMayBeTheOnlyOneOfItsSubnetOrOneOfTwo) {
+    SwitchModel const model = withInterfaces(
+        R"("Ethernet1": {"port": 1, "addresses": ["172.16.0.1/32", "10.0.0.0/31", "10.0.0.3/31"]})");
+    auto const& addresses = only(model, "Ethernet1").routing.value().addresses;
+    ASSERT_EQ(addresses.size(), 3U);
+    EXPECT_EQ(addresses[0].network().text(), "172.16.0.1/32");
+    EXPECT_EQ(addresses[1].network().text(), "10.0.0.0/31");
+    EXPECT_EQ(addresses[2].network().text(), "10.0.0.2/31");
+}
+
 TEST(SwitchFile, SubInterfaceTakesItsNumberForItsTag) {
     SwitchModel const model = withInterfaces(
         R"("Ethernet1": {"port": 1, "routed": true}, "Ethernet1.100": {},
