@@ -5,9 +5,12 @@
 namespace Simulate {
 namespace {
 
-// A port's text: "pipe/index", each pipe's indexes used once.
-std::string place(Random& random, unsigned number) {
-    return std::to_string(random.below(4)) + "/" + std::to_string(number * 7 + random.below(7));
+// A port's text: "pipe/index", each pipe's indexes used once. One draw a statement: in one sum each
+// compiler would draw in an order of its own, and a seed be another history.
+std::string place(Random& random, std::uint64_t number) {
+    auto const index = number * 7 + random.below(7);
+    auto const pipe = random.below(4);
+    return std::to_string(pipe) + "/" + std::to_string(index);
 }
 
 }  // namespace
