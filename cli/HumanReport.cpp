@@ -106,9 +106,9 @@ void addSteps(Block& block, std::vector<ChipStep> const& steps) {
     for (ChipStep const& step : steps) {
         std::string const number = std::to_string(static_cast<unsigned>(step.step));
         std::string const detail = step.detail.empty() ? "" : " (" + step.detail + ")";
-        block.line(4 + (number.size() == 1), {},
-                   number + "  " + padded(SoftChip::text(step.step), 20) + "  " +
-                       SoftChip::text(step.reason) + detail);
+        std::string line = number + "  " + padded(SoftChip::text(step.step), 20) + "  ";
+        line += SoftChip::text(step.reason);
+        block.line(4 + (number.size() == 1), {}, line + detail);
     }
 }
 
