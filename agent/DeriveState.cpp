@@ -3,6 +3,9 @@
 namespace Agent {
 namespace {
 
+using SwitchFile::Interface;
+using SwitchFile::SwitchModel;
+using SwitchFile::Vlan;
 using Kind = Plexa::IntfId::Kind;
 
 VynSystem::PortInfo portInfo(Interface const& port) {

@@ -16,7 +16,7 @@
 #include "Vanta/Node.h"
 #include "VynSlice/ChipStatus.h"
 #include "VynSystem/SystemStatus.h"
-#include "agent/SwitchFile.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Agent {
 
@@ -29,6 +29,6 @@ struct ForwardingState {
 
 // New state objects, in the order of the model throughout. Never fails but for want of memory.
 // Thread: the event thread.
-ForwardingState deriveForwardingState(SwitchModel const& model);
+ForwardingState deriveForwardingState(SwitchFile::SwitchModel const& model);
 
 }  // namespace Agent

@@ -8,6 +8,9 @@ using SoftChip::DomainId;
 using SoftChip::LogicalPort;
 using SoftChip::PortMode;
 using SoftChip::Tables;
+using SwitchFile::Interface;
+using SwitchFile::SwitchModel;
+using SwitchFile::Vlan;
 
 // The domain that the interface routes in.
 DomainId domainOf(Interface const& intf) {
@@ -23,7 +26,7 @@ void derivePorts(SwitchModel const& model, Tables& tables) {
             for (Plexa::IntfId const& member : intf.members) {
                 members.push_back({model.interface(member)->devicePort});
             }
-            tables.lagIs(lagNumber(intf.id), std::move(members));
+            tables.lagIs(SwitchFile::lagNumber(intf.id), std::move(members));
         }
     }
 }
@@ -67,23 +70,23 @@ void deriveL3Intf(SwitchModel const& model, Interface const& intf, Tables& table
         l3.tag = intf.tag;
     }
     tables.l3IntfIs(domain, l3);
-    for (InterfaceAddress const& own : intf.routing->addresses) {
+    for (SwitchFile::InterfaceAddress const& own : intf.routing->addresses) {
         tables.ownAddressIs(vrf, own.address);
-        if (!isLinkLocalV6(own.address)) {
+        if (!SwitchFile::isLinkLocalV6(own.address)) {
             tables.routeIs(vrf, own.network(), SoftChip::Route::connected(domain));
         }
     }
 }
 
-SoftChip::Route chipRoute(SwitchModel const& model, Route const& route) {
+SoftChip::Route chipRoute(SwitchModel const& model, SwitchFile::Route const& route) {
     switch (route.kind) {
-        case Route::Kind::nextHops:
+        case SwitchFile::Route::Kind::nextHops:
             return SoftChip::Route::via(route.nextHopSet);
-        case Route::Kind::attached:
+        case SwitchFile::Route::Kind::attached:
             return SoftChip::Route::connected(domainOf(*model.interface(route.intf)));
-        case Route::Kind::toCpu:
+        case SwitchFile::Route::Kind::toCpu:
             return SoftChip::Route::toCpu();
-        case Route::Kind::drop:
+        case SwitchFile::Route::Kind::drop:
             break;
     }
     return SoftChip::Route::drop();
@@ -91,15 +94,15 @@ SoftChip::Route chipRoute(SwitchModel const& model, Route const& route) {
 
 void deriveRoutes(SwitchModel const& model, Tables& tables) {
     std::uint32_t number = 0;
-    for (std::vector<NextHop> const& set : model.nextHopSets) {
+    for (std::vector<SwitchFile::NextHop> const& set : model.nextHopSets) {
         std::vector<SoftChip::NextHop> hops;
         hops.reserve(set.size());
-        for (NextHop const& hop : set) {
+        for (SwitchFile::NextHop const& hop : set) {
             hops.push_back({domainOf(*model.interface(hop.intf)), hop.gateway});
         }
         tables.nextHopSetIs(number++, std::move(hops));
     }
-    for (Route const& route : model.routes) {
+    for (SwitchFile::Route const& route : model.routes) {
         tables.routeIs(route.vrf, route.prefix, chipRoute(model, route));
     }
 }
@@ -157,7 +160,7 @@ LogicalPort logicalPort(SwitchModel const& model, Plexa::IntfId const& id) {
     if (id.kind() == Kind::subIntf) {
         return logicalPort(model, Plexa::SubIntfId::parentIntfId(id));
     }
-    return id.kind() == Kind::lag ? LogicalPort::lag(lagNumber(id))
+    return id.kind() == Kind::lag ? LogicalPort::lag(SwitchFile::lagNumber(id))
                                   : LogicalPort::port(model.interface(id)->devicePort);
 }
 
@@ -182,11 +185,11 @@ SoftChip::Tables deriveTables(SwitchModel const& model) {
         }
     }
     deriveRoutes(model, tables);
-    for (Neighbour const& neighbour : model.neighbours) {
+    for (SwitchFile::Neighbour const& neighbour : model.neighbours) {
         tables.neighbourIs(domainOf(*model.interface(neighbour.intf)), neighbour.address,
                            neighbour.mac);
     }
-    for (FdbEntry const& entry : model.fdb) {
+    for (SwitchFile::FdbEntry const& entry : model.fdb) {
         tables.fdbIs(entry.vlan, entry.mac, logicalPort(model, entry.intf));
     }
     deriveAcls(model, tables);

@@ -12,18 +12,18 @@
 #include <string>
 #include <vector>
 
-#include "agent/SwitchFile.h"
 #include "softchip/Tables.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Agent {
 
 // The whole tables. Never fails but for want of memory. Thread: any.
-SoftChip::Tables deriveTables(SwitchModel const& model);
+SoftChip::Tables deriveTables(SwitchFile::SwitchModel const& model);
 
 // What the chip's list n + 1 is for people: "edge on Ethernet7", "edge on VLAN 10".
-std::vector<std::string> aclPlaces(SwitchModel const& model);
+std::vector<std::string> aclPlaces(SwitchFile::SwitchModel const& model);
 
 // How the chip names a physical port or LAG, or the parent of a sub-interface.
-SoftChip::LogicalPort logicalPort(SwitchModel const& model, Plexa::IntfId const& id);
+SoftChip::LogicalPort logicalPort(SwitchFile::SwitchModel const& model, Plexa::IntfId const& id);
 
 }  // namespace Agent

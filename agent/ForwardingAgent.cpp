@@ -10,7 +10,7 @@
 
 namespace Agent {
 
-ForwardingAgent::ForwardingAgent(SwitchModel const& model, AgentOptions const& options)
+ForwardingAgent::ForwardingAgent(SwitchFile::SwitchModel const& model, AgentOptions const& options)
     : options_(options),
       loop_(Orb::TaskSchedulerRoot::TaskSchedulerRootIs()),
       database_(Hivedb::Database::DatabaseIs()),
@@ -68,13 +68,13 @@ void ForwardingAgent::changeForwardingState(
     }
 }
 
-void ForwardingAgent::loadChip(SwitchModel const& model) {
+void ForwardingAgent::loadChip(SwitchFile::SwitchModel const& model) {
     // Shared because a command must be copyable; it is the chip's thread that takes them.
     auto const tables = std::make_shared<SoftChip::Tables>(deriveTables(model));
     chip_.change([tables](SoftChip::Tables& chipTables) { chipTables = std::move(*tables); });
-    for (Interface const& intf : model.interfaces) {
+    for (SwitchFile::Interface const& intf : model.interfaces) {
         bool const isSubIntf = Plexa::SubIntfId::isSubIntfId(intf.id);
-        Interface const* const port =
+        SwitchFile::Interface const* const port =
             isSubIntf ? model.interface(Plexa::SubIntfId::parentIntfId(intf.id)) : &intf;
         if (port->id.kind() == Plexa::IntfId::Kind::physical) {
             phase0Data_->ingressPortIs(intf.id, port->devicePort);

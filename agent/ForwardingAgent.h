@@ -21,9 +21,9 @@
 #include "VynPacketTracer/VynPtSm.h"
 #include "agent/DeriveState.h"
 #include "agent/RecordingFile.h"
-#include "agent/SwitchFile.h"
 #include "softchip/Phase0Data.h"
 #include "softchip/SoftChip.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Agent {
 
@@ -47,7 +47,8 @@ class ForwardingAgent {
     // A running agent. The chip loads its tables meanwhile; what is injected waits for them.
     // Errors: std::logic_error if the device id is taken or another agent of this process records,
     // std::system_error for want of resources.
-    explicit ForwardingAgent(SwitchModel const& model, AgentOptions const& options = {});
+    explicit ForwardingAgent(SwitchFile::SwitchModel const& model,
+                             AgentOptions const& options = {});
     ForwardingAgent(ForwardingAgent const&) = delete;
     ForwardingAgent& operator=(ForwardingAgent const&) = delete;
     ~ForwardingAgent();
@@ -69,7 +70,7 @@ class ForwardingAgent {
     VynPacketTracer::PacketTracerSm const& tracer() const noexcept { return *tracer_; }
 
   private:
-    void loadChip(SwitchModel const& model);
+    void loadChip(SwitchFile::SwitchModel const& model);
     void loadTracer();
     void releaseTracer();
 

@@ -78,8 +78,8 @@ void timeWithoutEnd(benchmark::State& state, Work const& work) {
 void start(benchmark::State& state) {
     auto const& text = switchFileText();
     timeWithoutEnd(state, [&] {
-        auto agent =
-            std::make_unique<Agent::ForwardingAgent>(Agent::parseSwitchFile(text, "bench.json"));
+        auto agent = std::make_unique<Agent::ForwardingAgent>(
+            SwitchFile::parseSwitchFile(text, "bench.json"));
         agent->chip().drain();
         return agent;
     });

@@ -8,7 +8,7 @@
 
 namespace Cli {
 
-ChipNames::ChipNames(Agent::SwitchModel const& model)
+ChipNames::ChipNames(SwitchFile::SwitchModel const& model)
     : lists_(Agent::aclPlaces(model)), vrfs_(model.vrfs) {
     for (auto const& intf : model.interfaces) {
         if (intf.id.kind() == Plexa::IntfId::Kind::physical) {

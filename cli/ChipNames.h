@@ -7,16 +7,16 @@
 #include <unordered_map>
 #include <vector>
 
-#include "agent/SwitchFile.h"
 #include "cli/FrameReport.h"
 #include "softchip/Pipeline.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Cli {
 
 // A plain value, made once for a model. Threads: any.
 class ChipNames {
   public:
-    explicit ChipNames(Agent::SwitchModel const& model);
+    explicit ChipNames(SwitchFile::SwitchModel const& model);
 
     // The explanation's steps with "port 16", "LAG 1", "list 3", "VRF 1" as the switch file says
     // them: "Ethernet17", "Lag1", "no-telnet on Ethernet2", "VRF tenant-b". A number that the

@@ -4,9 +4,9 @@
 #include <CLI/CLI.hpp>
 #include <memory>
 
-#include "agent/SwitchFile.h"
 #include "cli/Command.h"
 #include "cli/Output.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Cli {
 namespace {
@@ -24,7 +24,7 @@ bool isIngress(Plexa::IntfId const& id) {
 }
 
 void run(Arguments const& arguments) {
-    auto const model = Agent::readSwitchFile(arguments.switchFile);
+    auto const model = SwitchFile::readSwitchFile(arguments.switchFile);
     Output output(STDOUT_FILENO);
     for (auto const& intf : model.interfaces) {
         if (!arguments.ingress || isIngress(intf.id)) {

@@ -8,11 +8,11 @@
 namespace Cli {
 namespace {
 
-using Agent::Interface;
-using Agent::SwitchModel;
 using PacketTracer::PacketFields;
 using PacketTracer::PacketHints;
 using PacketTracer::VlanTag;
+using SwitchFile::Interface;
+using SwitchFile::SwitchModel;
 
 PacketTracer::MacAddress converted(SoftChip::MacAddress mac) {
     return *PacketTracer::MacAddress::fromText(mac.text());
@@ -67,20 +67,21 @@ Place placeOf(SwitchModel const& model, Plexa::IntfId const& ingress, PacketFiel
 }
 
 bool isBehind(SwitchModel const& model, Place const& place, SoftChip::MacAddress mac) {
-    return place.vlan == 0 || std::ranges::any_of(model.fdb, [&](Agent::FdbEntry const& entry) {
+    return place.vlan == 0 ||
+           std::ranges::any_of(model.fdb, [&](SwitchFile::FdbEntry const& entry) {
                return entry.vlan == place.vlan && entry.mac == mac && entry.intf == place.at->id;
            });
 }
 
-Agent::Neighbour const* neighbour(SwitchModel const& model, Interface const& l3,
-                                  SoftChip::IpAddress const& address) {
-    auto const found = std::ranges::find_if(model.neighbours, [&](Agent::Neighbour const& n) {
+SwitchFile::Neighbour const* neighbour(SwitchModel const& model, Interface const& l3,
+                                       SoftChip::IpAddress const& address) {
+    auto const found = std::ranges::find_if(model.neighbours, [&](SwitchFile::Neighbour const& n) {
         return n.intf == l3.id && n.address == address;
     });
     return found != model.neighbours.end() ? &*found : nullptr;
 }
 
-void hintNeighbour(PacketHints& hints, Agent::Neighbour const& known) {
+void hintNeighbour(PacketHints& hints, SwitchFile::Neighbour const& known) {
     hints.hostMac = converted(known.mac);
     bool const isV4 = known.address.family == SoftChip::Family::ipv4;
     auto& address = isV4 ? hints.hostIpv4 : hints.hostIpv6;
@@ -90,7 +91,7 @@ void hintNeighbour(PacketHints& hints, Agent::Neighbour const& known) {
 // The first neighbour behind the ingress interface, with its addresses of both families.
 void hintKnownHost(PacketHints& hints, SwitchModel const& model, Place const& place) {
     std::optional<SoftChip::MacAddress> host;
-    for (Agent::Neighbour const& known : model.neighbours) {
+    for (SwitchFile::Neighbour const& known : model.neighbours) {
         bool const isHost = host ? known.mac == *host : isBehind(model, place, known.mac);
         if (known.intf == place.l3->id && isHost) {
             host = known.mac;
@@ -100,7 +101,7 @@ void hintKnownHost(PacketHints& hints, SwitchModel const& model, Place const& pl
 }
 
 void hintStation(PacketHints& hints, SwitchModel const& model, Place const& place) {
-    auto const station = std::ranges::find_if(model.fdb, [&](Agent::FdbEntry const& entry) {
+    auto const station = std::ranges::find_if(model.fdb, [&](SwitchFile::FdbEntry const& entry) {
         return entry.vlan == place.vlan && entry.intf == place.at->id;
     });
     if (!hints.hostMac && station != model.fdb.end()) {
@@ -109,7 +110,7 @@ void hintStation(PacketHints& hints, SwitchModel const& model, Place const& plac
 }
 
 // The last address of the subnet that is neither the switch's own nor a broadcast address.
-std::optional<SoftChip::IpAddress> freeAddress(Agent::InterfaceAddress const& own) {
+std::optional<SoftChip::IpAddress> freeAddress(SwitchFile::InterfaceAddress const& own) {
     unsigned const bits = SoftChip::addressBits(own.address.family) - own.length;
     if (bits == 0) {
         return std::nullopt;
@@ -129,7 +130,7 @@ std::optional<SoftChip::IpAddress> freeAddress(Agent::InterfaceAddress const& ow
 void hintFreeAddresses(PacketHints& hints, Interface const& l3) {
     for (auto const& own : l3.routing->addresses) {
         bool const isV4 = own.address.family == SoftChip::Family::ipv4;
-        if (Agent::isLinkLocalV6(own.address)) {
+        if (SwitchFile::isLinkLocalV6(own.address)) {
             continue;
         }
         auto& host = isV4 ? hints.hostIpv4 : hints.hostIpv6;

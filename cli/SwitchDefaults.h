@@ -10,7 +10,7 @@
 #include "PacketTracer/PacketDefaults.h"
 #include "PacketTracer/PacketFields.h"
 #include "Plexa/IntfId.h"
-#include "agent/SwitchFile.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Cli {
 
@@ -20,14 +20,15 @@ namespace Cli {
 //   router  the router's MAC address where the packet's VLAN or port routes; for a destination in
 //           the host's own subnet that neighbour's, as the host would do itself
 // Each is left out where the switch does not say it.
-PacketTracer::PacketHints packetHints(Agent::SwitchModel const& model, Plexa::IntfId const& ingress,
+PacketTracer::PacketHints packetHints(SwitchFile::SwitchModel const& model,
+                                      Plexa::IntfId const& ingress,
                                       PacketTracer::PacketFields const& fields);
 
 // Fills the fields in, with a tag where the ingress interface takes nothing else (a sub-interface,
 // a trunk without a native VLAN), and names what it filled.
 std::vector<PacketTracer::NamedField> fillFromSwitch(PacketTracer::PacketFields& fields,
                                                      std::uint16_t etherType, bool untagged,
-                                                     Agent::SwitchModel const& model,
+                                                     SwitchFile::SwitchModel const& model,
                                                      Plexa::IntfId const& ingress);
 
 }  // namespace Cli

@@ -12,7 +12,6 @@
 
 #include "agent/ForwardingAgent.h"
 #include "agent/RecordingFile.h"
-#include "agent/SwitchFile.h"
 #include "cli/Capture.h"
 #include "cli/CaptureWriter.h"
 #include "cli/ChipNames.h"
@@ -27,11 +26,12 @@
 #include "cli/SwitchDefaults.h"
 #include "cli/TraceRun.h"
 #include "cli/UsageError.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Cli {
 namespace {
 
-using Agent::SwitchModel;
+using SwitchFile::SwitchModel;
 
 constexpr char const* footer =
     "A packet is a frame of a capture, or --hex, or fields; a field that is not given gets a\n"
@@ -261,7 +261,7 @@ int trace(Arguments const& arguments) {
     if (arguments.expect) {
         options.expectation = Expectation::parse(*arguments.expect);
     }
-    auto const model = Agent::readSwitchFile(arguments.switchFile);
+    auto const model = SwitchFile::readSwitchFile(arguments.switchFile);
     auto const source = openSource(arguments, model, options.ingress);
     std::optional<Agent::RecordingFile> recording;
     if (arguments.record) {

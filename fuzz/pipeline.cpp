@@ -6,10 +6,10 @@
 
 #include "Target.h"
 #include "agent/DeriveTables.h"
-#include "agent/SwitchFile.h"
 #include "softchip/Frame.h"
 #include "softchip/Phase0.h"
 #include "softchip/Pipeline.h"
+#include "switchfile/SwitchFile.h"
 
 namespace {
 
@@ -73,7 +73,7 @@ void checkFrame(std::span<std::uint8_t const> frame) {
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     // In the folder that the target runs in: where the project lies must not steer what is tried.
     static SoftChip::Tables const tables =
-        Agent::deriveTables(Agent::readSwitchFile("examples/border.json"));
+        Agent::deriveTables(SwitchFile::readSwitchFile("examples/border.json"));
     if (size < 3) {
         return 0;
     }

@@ -52,7 +52,7 @@ std::string drawSwitch(Random& random) {
            R"( "20": {"02:00:00:00:14:0b": "Ethernet2"}}})";
 }
 
-std::vector<Event> tellForwarding(Agent::SwitchModel const& model) {
+std::vector<Event> tellForwarding(SwitchFile::SwitchModel const& model) {
     auto const state = Agent::deriveForwardingState(model);
     std::vector<Event> events;
     for (auto const& entry : state.systemStatus->portInfo()) {

@@ -4,9 +4,9 @@
 #include <string>
 #include <vector>
 
-#include "agent/SwitchFile.h"
 #include "simulate/Event.h"
 #include "simulate/Random.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Simulate {
 
@@ -14,6 +14,6 @@ namespace Simulate {
 std::string drawSwitch(Random& random);
 
 // The forwarding state that the agent derives, told event by event.
-std::vector<Event> tellForwarding(Agent::SwitchModel const& model);
+std::vector<Event> tellForwarding(SwitchFile::SwitchModel const& model);
 
 }  // namespace Simulate

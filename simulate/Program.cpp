@@ -460,7 +460,7 @@ Program drawProgram(std::uint64_t seed, unsigned steps) {
     Random random(seed);
     Program program;
     program.seed = seed;
-    program.drawn.model = Agent::parseSwitchFile(drawSwitch(random), "drawn");
+    program.drawn.model = SwitchFile::parseSwitchFile(drawSwitch(random), "drawn");
     program.events = tellForwarding(program.drawn.model);
     if (seed % longLives == 0) {
         drawLongLife(random, program.events);

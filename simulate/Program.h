@@ -9,14 +9,14 @@
 #include <string>
 #include <vector>
 
-#include "agent/SwitchFile.h"
 #include "simulate/Event.h"
 #include "simulate/Random.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Simulate {
 
 struct Switch {
-    Agent::SwitchModel model;
+    SwitchFile::SwitchModel model;
 };
 
 struct Program {

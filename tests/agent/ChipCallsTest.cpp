@@ -50,7 +50,9 @@ Lines const restart{"pipe_mgr_lrn_digest_notification_deregister",
 // One agent with one client, the chip moved by hand.
 class Road {
   public:
-    Road() : agent(parseSwitchFile(switchFile, "test"), {.mode = SoftChip::Mode::stepwise}) {
+    Road()
+        : agent(SwitchFile::parseSwitchFile(switchFile, "test"),
+                {.mode = SoftChip::Mode::stepwise}) {
         agent.clientConfigs().entryIs("noc", config);
         agent.clientStatuses().entryIs("noc", status);
         agent.chip().drain();

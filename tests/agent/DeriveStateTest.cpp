@@ -39,7 +39,7 @@ class DeriveState : public testing::Test {
         return state.bridgingConfig->vlanConfig(Bridging::VlanId(vlan))->internal();
     }
 
-    SwitchModel const model = parseSwitchFile(R"({
+    SwitchFile::SwitchModel const model = SwitchFile::parseSwitchFile(R"({
         "routerMac": "02:00:00:00:00:01",
         "vlans": {"10": {}, "20": {}, "30": {}, "4093": {}},
         "interfaces": {
@@ -58,7 +58,7 @@ class DeriveState : public testing::Test {
             "Lag2.5": {"addresses": ["10.0.5.1/24"]},
             "Vlan10": {"addresses": ["10.0.10.1/24"]}
         }})",
-                                              "switch.json");
+                                                                      "switch.json");
     ForwardingState const state = deriveForwardingState(model);
 };
 

@@ -32,7 +32,7 @@ class DeriveTables : public testing::Test {
         return rules;
     }
 
-    SwitchModel const model = parseSwitchFile(R"({
+    SwitchFile::SwitchModel const model = SwitchFile::parseSwitchFile(R"({
         "routerMac": "02:00:00:00:00:01",
         "vrfs": ["blue"],
         "acls": {"edge": [{"action": "drop", "protocol": "tcp"}, {"action": "copy"}],
@@ -63,7 +63,7 @@ class DeriveTables : public testing::Test {
         "fdb": {"10": {"02:00:00:00:00:aa": "Ethernet1"},
                 "20": {"02:00:00:00:00:aa": "Lag3", "02:00:00:00:00:bb": "Ethernet6.200"}}
         })",
-                                              "switch.json");
+                                                                      "switch.json");
     SoftChip::Tables const tables = deriveTables(model);
 };
 

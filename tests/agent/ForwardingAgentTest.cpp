@@ -46,7 +46,7 @@ Answer traced(ForwardingAgent& agent, char const* intf, bool tagged) {
 }
 
 TEST(ForwardingAgent, TracesAcrossThePipesWithItsChipsOwnThread) {
-    ForwardingAgent agent(parseSwitchFile(switchFile, "test"));
+    ForwardingAgent agent(SwitchFile::parseSwitchFile(switchFile, "test"));
     auto const answer = traced(agent, "Ethernet1", false);
     EXPECT_EQ(answer.outcome, Outcome::forwarded);
     ASSERT_TRUE(answer.injection);
@@ -54,14 +54,14 @@ TEST(ForwardingAgent, TracesAcrossThePipesWithItsChipsOwnThread) {
 }
 
 TEST(ForwardingAgent, PacketsComeInOnSubInterfacesAtTheirParentsPort) {
-    ForwardingAgent agent(parseSwitchFile(switchFile, "test"));
+    ForwardingAgent agent(SwitchFile::parseSwitchFile(switchFile, "test"));
     auto const answer = traced(agent, "Ethernet3.10", true);
     EXPECT_EQ(answer.outcome, Outcome::forwarded);
     EXPECT_EQ(agent.chip().generator(2).generated(), 1U);
 }
 
 TEST(ForwardingAgent, MountsTheClientsDirectoriesAtTheirPaths) {
-    ForwardingAgent agent(parseSwitchFile(switchFile, "test"));
+    ForwardingAgent agent(SwitchFile::parseSwitchFile(switchFile, "test"));
     auto const paths = agent.database().list("/packetTracer");
     ASSERT_EQ(paths.size(), 2U);
     EXPECT_EQ(paths[0], ForwardingAgent::configPath);
@@ -69,7 +69,7 @@ TEST(ForwardingAgent, MountsTheClientsDirectoriesAtTheirPaths) {
 }
 
 TEST(ForwardingAgent, LeavesTheChipWithoutACallbackAndItsDeviceFree) {
-    auto const model = parseSwitchFile(switchFile, "test");
+    auto const model = SwitchFile::parseSwitchFile(switchFile, "test");
     for (int life = 0; life < 3; ++life) {
         ForwardingAgent agent(model);
         EXPECT_EQ(traced(agent, "Ethernet1", false).outcome, Outcome::forwarded);
@@ -77,7 +77,7 @@ TEST(ForwardingAgent, LeavesTheChipWithoutACallbackAndItsDeviceFree) {
 }
 
 TEST(ForwardingAgent, TwoAgentsNeedTwoDevices) {
-    auto const model = parseSwitchFile(switchFile, "test");
+    auto const model = SwitchFile::parseSwitchFile(switchFile, "test");
     ForwardingAgent first(model, {.device = 1});
     EXPECT_THROW(ForwardingAgent(model, {.device = 1}), std::logic_error);
     ForwardingAgent second(model, {.device = 2});
@@ -85,7 +85,8 @@ TEST(ForwardingAgent, TwoAgentsNeedTwoDevices) {
 }
 
 TEST(ForwardingAgent, WithoutTheDigestAnAnswerTellsNoEgressPort) {
-    ForwardingAgent agent(parseSwitchFile(switchFile, "test"), {.pktTracerSupported = false});
+    ForwardingAgent agent(SwitchFile::parseSwitchFile(switchFile, "test"),
+                          {.pktTracerSupported = false});
     EXPECT_EQ(traced(agent, "Ethernet1", false).outcome, Outcome::noEgressPort);
 }
 

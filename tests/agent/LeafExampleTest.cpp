@@ -23,7 +23,8 @@ using Frame = std::vector<std::uint8_t>;
 
 // The frames of a pcap file in the byte order of this machine.
 std::vector<Frame> framesOf(std::string const& name) {
-    std::string const bytes = readWholeFile((examples / "captures" / (name + ".pcap")).string());
+    std::string const bytes =
+        SwitchFile::readWholeFile((examples / "captures" / (name + ".pcap")).string());
     std::vector<Frame> frames;
     std::size_t at = 24;
     while (at + 16 <= bytes.size()) {
@@ -54,8 +55,9 @@ std::ostream& operator<<(std::ostream& out, Expected const& expected) {
 
 class LeafExample : public testing::TestWithParam<Expected> {
   protected:
-    static SwitchModel const& model() {
-        static SwitchModel const leaf = readSwitchFile((examples / "leaf.json").string());
+    static SwitchFile::SwitchModel const& model() {
+        static SwitchFile::SwitchModel const leaf =
+            SwitchFile::readSwitchFile((examples / "leaf.json").string());
         return leaf;
     }
     static SoftChip::Tables const& tables() {
@@ -147,8 +149,9 @@ TEST_F(LeafExample, EcmpUsesBothSpinesAndTheirInternalVlans) {
 
 TEST_F(LeafExample, IsALeafSwitchOfTheSizeThatItClaims) {
     auto const count = [](Plexa::IntfId::Kind kind) {
-        return std::count_if(model().interfaces.begin(), model().interfaces.end(),
-                             [kind](Interface const& intf) { return intf.id.kind() == kind; });
+        return std::count_if(
+            model().interfaces.begin(), model().interfaces.end(),
+            [kind](SwitchFile::Interface const& intf) { return intf.id.kind() == kind; });
     };
     EXPECT_GE(count(Plexa::IntfId::Kind::physical), 48);
     EXPECT_EQ(count(Plexa::IntfId::Kind::lag), 2);
@@ -171,7 +174,7 @@ TEST(Examples, EverySwitchFileIsRead) {
     int count = 0;
     for (auto const& entry : std::filesystem::directory_iterator(examples)) {
         if (entry.path().extension() == ".json") {
-            EXPECT_NO_THROW(readSwitchFile(entry.path().string())) << entry.path();
+            EXPECT_NO_THROW(SwitchFile::readSwitchFile(entry.path().string())) << entry.path();
             ++count;
         }
     }
@@ -180,10 +183,10 @@ TEST(Examples, EverySwitchFileIsRead) {
 
 // The page opens with a whole file.
 TEST(Examples, TheFirstTextOfTheFormatsPageIsRead) {
-    std::string const page = readWholeFile(VYN_SOURCE_DIR "/docs/switch-file.md");
+    std::string const page = SwitchFile::readWholeFile(VYN_SOURCE_DIR "/docs/switch-file.md");
     std::size_t const start = page.find("```json\n") + 8;
     std::string const text = page.substr(start, page.find("```", start) - start);
-    EXPECT_NO_THROW(parseSwitchFile(text, "docs/switch-file.md"));
+    EXPECT_NO_THROW(SwitchFile::parseSwitchFile(text, "docs/switch-file.md"));
 }
 
 }  // namespace

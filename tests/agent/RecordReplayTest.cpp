@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "Recorded.h"
-#include "agent/SwitchFile.h"
 #include "agent/TraceClient.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Agent {
 namespace {
@@ -72,7 +72,7 @@ struct Client {
 class RecordReplay : public testing::Test {
   protected:
     std::string run(std::function<void(ForwardingAgent&)> const& live) {
-        return expectReplayed(parseSwitchFile(switchFile, "test"),
+        return expectReplayed(SwitchFile::parseSwitchFile(switchFile, "test"),
                               {.mode = SoftChip::Mode::stepwise}, live);
     }
 };
@@ -350,7 +350,7 @@ TEST_F(RecordReplay, ARestartWithRequestsAndResultsLeftOver) {
 
 TEST_F(RecordReplay, ATracerWithoutTheDigest) {
     expectReplayed(
-        parseSwitchFile(switchFile, "test"),
+        SwitchFile::parseSwitchFile(switchFile, "test"),
         {.mode = SoftChip::Mode::stepwise, .device = 3, .session = 1, .pktTracerSupported = false},
         [](ForwardingAgent& agent) {
             Client client(agent);
@@ -383,7 +383,7 @@ TEST_F(RecordReplay, TheEventThatEndsTheProcess) {
     ScratchPath const path("recorded.jsonl");
     auto const live = [&path] {
         RecordingFile recording(path.string());
-        ForwardingAgent agent(parseSwitchFile(switchFile, "test"),
+        ForwardingAgent agent(SwitchFile::parseSwitchFile(switchFile, "test"),
                               {.mode = SoftChip::Mode::stepwise, .recording = &recording});
         Client client(agent);
         changePacket(agent, client);
@@ -397,7 +397,7 @@ TEST_F(RecordReplay, TheEventThatEndsTheProcess) {
 
 // The chip's own thread delivers digests and moves counters while the loop turns.
 TEST_F(RecordReplay, AChipWithAThreadOfItsOwn) {
-    auto const model = parseSwitchFile(switchFile, "test");
+    auto const model = SwitchFile::parseSwitchFile(switchFile, "test");
     for (unsigned round = 0; round < 3; ++round) {
         expectReplayed(model, {}, [](ForwardingAgent& agent) {
             auto& faults = agent.chip().faults();

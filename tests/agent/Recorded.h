@@ -188,7 +188,7 @@ class LiveObservation final : public SdkSeam::Chip {
 
 // Runs `live` with an agent that is recorded; then replays the recording and compares what both
 // showed. Returns the recording.
-inline std::string expectReplayed(SwitchModel const& model, AgentOptions options,
+inline std::string expectReplayed(SwitchFile::SwitchModel const& model, AgentOptions options,
                                   std::function<void(ForwardingAgent&)> const& live) {
     ScratchPath const path("recorded.jsonl");
     Observed observed;

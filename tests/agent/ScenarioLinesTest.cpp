@@ -2,8 +2,8 @@
 
 #include <gtest/gtest.h>
 
-#include "agent/SwitchFile.h"
 #include "replay/Event.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Agent {
 namespace {
@@ -112,7 +112,7 @@ TEST(ScenarioLines, AreLinesThatAReplayTakes) {
 // ---- Forwarding state
 
 TEST(RecordedState, BeginsWithEverything) {
-    auto const state = deriveForwardingState(parseSwitchFile(R"({
+    auto const state = deriveForwardingState(SwitchFile::parseSwitchFile(R"({
         "vlans": {"10": {}},
         "interfaces": {
             "Ethernet1": {"port": "1/2", "access": 10},
@@ -121,7 +121,7 @@ TEST(RecordedState, BeginsWithEverything) {
             "Lag1": {"members": ["Ethernet3"], "access": 10}
         }
     })",
-                                                             "test"));
+                                                                         "test"));
     EXPECT_EQ(RecordedState().becomes(state),
               (Lines{R"({"do":"port","intf":"Ethernet1","pipe":1,"port":2})",
                      R"({"do":"port","intf":"Ethernet2","pipe":0,"port":5})",
@@ -136,7 +136,7 @@ TEST(RecordedState, BeginsWithEverything) {
 }
 
 TEST(RecordedState, GoesOnWithWhatChanged) {
-    ForwardingState const state = deriveForwardingState(SwitchModel());
+    ForwardingState const state = deriveForwardingState(SwitchFile::SwitchModel());
     RecordedState recorded;
     state.systemStatus->portInfoIs(intf("Ethernet1"), {1, VynPortTypes::PortIndex(2)});
     state.systemStatus->portInfoIs(intf("Ethernet2"), {1, VynPortTypes::PortIndex(3)});

@@ -6,7 +6,7 @@
 
 #include "agent/DeriveState.h"
 #include "agent/DeriveTables.h"
-#include "agent/SwitchFile.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Agent {
 namespace {
@@ -20,18 +20,18 @@ constexpr std::array edges{
 // Whether the text is taken; a refusal has to name the place.
 bool isTaken(std::string const& text) {
     try {
-        SwitchModel const model = parseSwitchFile(text, "switch.json");
+        SwitchFile::SwitchModel const model = SwitchFile::parseSwitchFile(text, "switch.json");
         static_cast<void>(deriveTables(model));
         static_cast<void>(deriveForwardingState(model));
         return true;
-    } catch (InputError const& error) {
+    } catch (SwitchFile::InputError const& error) {
         EXPECT_TRUE(std::string_view(error.what()).starts_with("switch.json:")) << error.what();
         return false;
     }
 }
 
 TEST(SwitchFileNumbers, AreTakenOrRefusedWithAPlaceWhateverTheyAre) {
-    std::string const whole = readWholeFile(VYN_SOURCE_DIR "/examples/border.json");
+    std::string const whole = SwitchFile::readWholeFile(VYN_SOURCE_DIR "/examples/border.json");
     std::size_t taken = 0;
     std::size_t refused = 0;
     std::regex const number("[0-9]+");

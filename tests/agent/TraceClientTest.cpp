@@ -7,7 +7,7 @@
 #include <string>
 #include <vector>
 
-#include "agent/SwitchFile.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Agent {
 namespace {
@@ -71,7 +71,7 @@ class TraceClientTest : public testing::Test {
             {.fate = SoftChip::DigestFate::lost, .nth = nth, .times = times});
     }
 
-    SwitchModel const model_ = parseSwitchFile(switchFile, "test");
+    SwitchFile::SwitchModel const model_ = SwitchFile::parseSwitchFile(switchFile, "test");
     ForwardingAgent agent_{model_, {.mode = SoftChip::Mode::stepwise}};
     TraceClient::Clock::time_point time_;
     std::unique_ptr<TraceClient> client_ =

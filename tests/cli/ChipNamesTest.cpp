@@ -16,7 +16,7 @@ class ChipNamesTest : public testing::Test {
         return names_.steps(explanation).at(0).detail;
     }
 
-    Agent::SwitchModel const model_ = Agent::parseSwitchFile(R"({
+    SwitchFile::SwitchModel const model_ = SwitchFile::parseSwitchFile(R"({
         "vrfs": ["blue"],
         "vlans": {"10": {"acl": "edge"}},
         "interfaces": {
@@ -25,7 +25,7 @@ class ChipNamesTest : public testing::Test {
         },
         "acls": {"edge": [{"action": "permit"}]}
     })",
-                                                             "test");
+                                                                       "test");
     ChipNames const names_{model_};
 };
 

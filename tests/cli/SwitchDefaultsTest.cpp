@@ -71,7 +71,7 @@ class SwitchDefaultsTest : public testing::Test {
         return fields;
     }
 
-    Agent::SwitchModel const model_ = Agent::parseSwitchFile(switchFile, "test");
+    SwitchFile::SwitchModel const model_ = SwitchFile::parseSwitchFile(switchFile, "test");
 };
 
 TEST_F(SwitchDefaultsTest, TheHostIsTheNeighbourBehindTheIngressInterface) {

@@ -75,7 +75,7 @@ class TraceRunTest : public testing::Test {
         return found;
     }
 
-    Agent::SwitchModel const model_ = Agent::parseSwitchFile(switchFile, "test");
+    SwitchFile::SwitchModel const model_ = SwitchFile::parseSwitchFile(switchFile, "test");
     Road road_;
     Agent::ForwardingAgent agent_{model_};
     TraceRunOptions options_{.ingress = *Plexa::IntfId::fromName("Ethernet1"), .timeout = 1h};

@@ -1,6 +1,6 @@
 #include "SwitchFileRefuses.h"
 
-namespace Agent {
+namespace SwitchFile {
 namespace {
 
 INSTANTIATE_TEST_SUITE_P(
@@ -199,4 +199,4 @@ INSTANTIATE_TEST_SUITE_P(
     nameOf);
 
 }  // namespace
-}  // namespace Agent
+}  // namespace SwitchFile

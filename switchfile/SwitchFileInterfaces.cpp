@@ -1,8 +1,8 @@
 // Interfaces: ports, LAGs, sub-interfaces and VLAN interfaces, and what contradicts itself there.
-#include "agent/NumberText.h"
-#include "agent/SwitchFileReader.h"
+#include "switchfile/NumberText.h"
+#include "switchfile/SwitchFileReader.h"
 
-namespace Agent {
+namespace SwitchFile {
 namespace {
 
 using Kind = Plexa::IntfId::Kind;
@@ -420,4 +420,4 @@ void SwitchFileReader::numberInternalVlans() {
     }
 }
 
-}  // namespace Agent
+}  // namespace SwitchFile

@@ -3,11 +3,11 @@
 #include <map>
 #include <set>
 
-#include "agent/NumberText.h"
-#include "agent/SwitchFileReader.h"
 #include "softchip/Frame.h"
+#include "switchfile/NumberText.h"
+#include "switchfile/SwitchFileReader.h"
 
-namespace Agent {
+namespace SwitchFile {
 namespace {
 
 using SoftChip::FrameMatch;
@@ -376,4 +376,4 @@ void SwitchFileReader::readProtocolCopies(JsonValue value) {
     }
 }
 
-}  // namespace Agent
+}  // namespace SwitchFile

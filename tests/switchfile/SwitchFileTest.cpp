@@ -1,8 +1,8 @@
-#include "agent/SwitchFile.h"
+#include "switchfile/SwitchFile.h"
 
 #include <gtest/gtest.h>
 
-namespace Agent {
+namespace SwitchFile {
 namespace {
 
 Plexa::IntfId id(std::string_view name) {
@@ -358,4 +358,4 @@ TEST(SwitchFile, UnreadableFileIsNamed) {
 }
 
 }  // namespace
-}  // namespace Agent
+}  // namespace SwitchFile

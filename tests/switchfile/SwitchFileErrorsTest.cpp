@@ -1,6 +1,6 @@
 #include "SwitchFileRefuses.h"
 
-namespace Agent {
+namespace SwitchFile {
 namespace {
 
 TEST_P(SwitchFileRefuses, WithAMessageThatNamesPlaceAndExpectation) {
@@ -84,4 +84,4 @@ INSTANTIATE_TEST_SUITE_P(
     nameOf);
 
 }  // namespace
-}  // namespace Agent
+}  // namespace SwitchFile

@@ -1,8 +1,8 @@
-#include "agent/JsonDocument.h"
+#include "switchfile/JsonDocument.h"
 
 #include <gtest/gtest.h>
 
-namespace Agent {
+namespace SwitchFile {
 namespace {
 
 std::string problemOf(std::string_view text) {
@@ -140,4 +140,4 @@ TEST(JsonDocument, MissingFileIsNamed) {
 }
 
 }  // namespace
-}  // namespace Agent
+}  // namespace SwitchFile

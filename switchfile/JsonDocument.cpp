@@ -1,4 +1,4 @@
-#include "agent/JsonDocument.h"
+#include "switchfile/JsonDocument.h"
 
 #include <algorithm>
 #include <array>
@@ -12,7 +12,7 @@
 #include <nlohmann/json.hpp>
 #include <utility>
 
-namespace Agent {
+namespace SwitchFile {
 namespace {
 
 constexpr std::size_t blockSize = std::size_t{64} * 1024;
@@ -396,4 +396,4 @@ std::string readWholeFile(std::string const& path) {
     return text;
 }
 
-}  // namespace Agent
+}  // namespace SwitchFile

@@ -1,6 +1,6 @@
 #include "SwitchFileRefuses.h"
 
-namespace Agent {
+namespace SwitchFile {
 namespace {
 
 INSTANTIATE_TEST_SUITE_P(
@@ -209,4 +209,4 @@ INSTANTIATE_TEST_SUITE_P(
     nameOf);
 
 }  // namespace
-}  // namespace Agent
+}  // namespace SwitchFile

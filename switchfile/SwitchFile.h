@@ -18,12 +18,12 @@
 #include <vector>
 
 #include "Plexa/IntfId.h"
-#include "agent/JsonDocument.h"
 #include "softchip/Acl.h"
 #include "softchip/Addresses.h"
 #include "softchip/Tables.h"
+#include "switchfile/JsonDocument.h"
 
-namespace Agent {
+namespace SwitchFile {
 
 inline constexpr std::uint16_t maxVlan = 4094;
 using VlanSet = std::bitset<maxVlan + 1>;
@@ -155,4 +155,4 @@ bool isLinkLocalV6(SoftChip::IpAddress const& address);
 // The number in a LAG's name.
 std::uint16_t lagNumber(Plexa::IntfId const& lag);
 
-}  // namespace Agent
+}  // namespace SwitchFile

@@ -7,9 +7,9 @@
 #include <string>
 #include <string_view>
 
-#include "agent/SwitchFile.h"
+#include "switchfile/SwitchFile.h"
 
-namespace Agent {
+namespace SwitchFile {
 
 // The message is without the file's name. A text that starts with "{" or "[" is the whole file. Any
 // other one is the end of a file that has VLANs 10 to 19, VRF blue, a router MAC, an access list
@@ -60,4 +60,4 @@ inline std::string nameOf(testing::TestParamInfo<RefusedFile> const& info) {
     return info.param.name;
 }
 
-}  // namespace Agent
+}  // namespace SwitchFile

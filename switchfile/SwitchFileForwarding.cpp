@@ -1,10 +1,10 @@
 // What points at interfaces: neighbours, routes and the FDB.
 #include <algorithm>
 
-#include "agent/NumberText.h"
-#include "agent/SwitchFileReader.h"
+#include "switchfile/NumberText.h"
+#include "switchfile/SwitchFileReader.h"
 
-namespace Agent {
+namespace SwitchFile {
 namespace {
 
 using Kind = Plexa::IntfId::Kind;
@@ -239,4 +239,4 @@ bool SwitchFileReader::isMember(Plexa::IntfId const& id, std::uint16_t vlan) con
                           : id.kind() == Kind::subIntf && intf.vlan == vlan;
 }
 
-}  // namespace Agent
+}  // namespace SwitchFile

@@ -1,11 +1,11 @@
-#include "agent/SwitchFile.h"
+#include "switchfile/SwitchFile.h"
 
 #include <algorithm>
 
-#include "agent/NumberText.h"
-#include "agent/SwitchFileReader.h"
+#include "switchfile/NumberText.h"
+#include "switchfile/SwitchFileReader.h"
 
-namespace Agent {
+namespace SwitchFile {
 
 Interface const* SwitchModel::interface(Plexa::IntfId const& id) const {
     auto const found = places.find(id);
@@ -192,4 +192,4 @@ Interface const& SwitchFileReader::interfaceOf(JsonValue where, std::string_view
     return *intf;
 }
 
-}  // namespace Agent
+}  // namespace SwitchFile

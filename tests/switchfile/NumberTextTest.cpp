@@ -1,8 +1,8 @@
-#include "agent/NumberText.h"
+#include "switchfile/NumberText.h"
 
 #include <gtest/gtest.h>
 
-namespace Agent {
+namespace SwitchFile {
 namespace {
 
 TEST(NumberText, NumbersStayWithinTheirLimits) {
@@ -29,4 +29,4 @@ TEST(NumberText, RangesAscend) {
 }
 
 }  // namespace
-}  // namespace Agent
+}  // namespace SwitchFile

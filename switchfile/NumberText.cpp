@@ -1,8 +1,8 @@
-#include "agent/NumberText.h"
+#include "switchfile/NumberText.h"
 
 #include <charconv>
 
-namespace Agent {
+namespace SwitchFile {
 
 std::optional<std::uint32_t> parseNumber(std::string_view text, std::uint32_t least,
                                          std::uint32_t most) {
@@ -30,4 +30,4 @@ std::optional<NumberRange> parseRange(std::string_view text, std::uint32_t least
     return last ? std::optional(NumberRange{*first, *last}) : std::nullopt;
 }
 
-}  // namespace Agent
+}  // namespace SwitchFile

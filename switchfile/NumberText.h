@@ -6,7 +6,7 @@
 #include <optional>
 #include <string_view>
 
-namespace Agent {
+namespace SwitchFile {
 
 struct NumberRange {
     std::uint32_t first = 0;
@@ -23,4 +23,4 @@ std::optional<std::uint32_t> parseNumber(std::string_view text, std::uint32_t le
 std::optional<NumberRange> parseRange(std::string_view text, std::uint32_t least,
                                       std::uint32_t most);
 
-}  // namespace Agent
+}  // namespace SwitchFile

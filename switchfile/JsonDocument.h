@@ -14,7 +14,7 @@
 #include <string_view>
 #include <vector>
 
-namespace Agent {
+namespace SwitchFile {
 
 // Bad input: what() is one line that names the place and what was expected there,
 // "file:line:column: ..." for syntax and "file: /json/pointer: ..." for content.
@@ -137,4 +137,4 @@ class JsonDocument {
 // Errors: InputError "path: ..." when it cannot be read.
 std::string readWholeFile(std::string const& path);
 
-}  // namespace Agent
+}  // namespace SwitchFile

@@ -1,4 +1,4 @@
-// What the reader of a switch file knows while it reads: internal to agent/SwitchFile*.cpp.
+// What the reader of a switch file knows while it reads: internal to switchfile/SwitchFile*.cpp.
 //
 // The sections are read in the order in which they refer to one another, whatever their order in
 // the file: names first (vrfs, acls, vlans), then interfaces, then what points at interfaces. Every
@@ -12,12 +12,12 @@
 #include <unordered_map>
 #include <vector>
 
-#include "agent/JsonDocument.h"
-#include "agent/SwitchFile.h"
 #include "softchip/FlatHash.h"
 #include "softchip/Lpm.h"
+#include "switchfile/JsonDocument.h"
+#include "switchfile/SwitchFile.h"
 
-namespace Agent {
+namespace SwitchFile {
 
 class SwitchFileReader {
   public:
@@ -127,4 +127,4 @@ void onlyMembers(JsonValue object, std::initializer_list<std::string_view> names
 SoftChip::MacAddress readMac(JsonValue where, std::string_view text, std::string_view shown);
 SoftChip::MacAddress readStationMac(JsonValue where, std::string_view text, std::string_view shown);
 
-}  // namespace Agent
+}  // namespace SwitchFile
