@@ -203,9 +203,7 @@ void PacketTracerClientSm::requestDel(RequestId const& requestId) {
 }
 
 void PacketTracerClientSm::requestDelAll() {
-    for (auto const& entry : request_) {
-        requestDel(RequestId(entry.key));
-    }
+    request_.eachKeyUntilLast([this](RequestId const& requestId) { requestDel(requestId); });
 }
 
 // ---- Requests in

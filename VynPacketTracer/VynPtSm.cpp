@@ -215,14 +215,12 @@ void PacketTracerSm::handleClient(Vanta::String const& name) {
 namespace {
 
 // A client's state machine is made once; whoever replaces what it stands on removes it first.
-// The errors' texts are part of what a replay prints, so they do not tell addresses.
-template <class T, class U>
+template <class T>
 void checkSameObject(PacketTracerClientSm const& client, std::string_view attribute,
-                     Vanta::Ptr<T> const& stored, Vanta::Ptr<U> const& given) {
+                     Vanta::Ptr<T> const& stored, Vanta::Ptr<T> const& given) {
     if (!(stored == given)) {
-        throw Kel::ReinstantiationError(client.typeInfo(), attribute,
-                                        stored ? "one object" : "null",
-                                        given ? "another object" : "null");
+        std::string const entry = "client " + std::string(client.name().view());
+        throw Kel::ReinstantiationError(client.typeInfo(), attribute, entry, stored, given);
     }
 }
 
@@ -258,9 +256,7 @@ Vanta::Ptr<PacketTracerClientSm> PacketTracerSm::clientSmDel(Vanta::String const
 }
 
 void PacketTracerSm::clientSmDelAll() {
-    for (auto const& entry : clientSm_) {
-        clientSmDel(Vanta::String(entry.key));
-    }
+    clientSm_.eachKeyUntilLast([this](Vanta::String const& name) { clientSmDel(name); });
 }
 
 // ---- The engine and its collections

@@ -148,9 +148,7 @@ Vanta::Ptr<PktGenStatusData const> PacketTracerSm::localStatusDel(RequestId cons
 }
 
 void PacketTracerSm::localStatusDelAll() {
-    for (auto const& entry : localStatus_) {
-        localStatusDel(RequestId(entry.key));
-    }
+    localStatus_.eachKeyUntilLast([this](RequestId const& req) { localStatusDel(req); });
 }
 
 }  // namespace VynPacketTracer

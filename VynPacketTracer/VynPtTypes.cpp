@@ -100,6 +100,11 @@ void PktGenStatusData::droppedIs(bool dropped) {
 
 namespace {
 
+std::string textOf(RequestId const& req) {
+    std::string text = "request " + std::to_string(req.number()) + " of client ";
+    return text.append(req.clientName().view());
+}
+
 std::string textOf(VynSystem::PortInfo const& info) {
     return std::to_string(info.pipe()) + "/" + std::to_string(info.port().value());
 }
@@ -109,16 +114,17 @@ void checkSameJob(PktGenCfgData const& stored, Vanta::Bytes const& pkt,
                   VynSystem::PortInfo const& ingPortInfo, Plexa::IntfId const& ingIntf) {
     Kel::TypeInfo const& type = stored.typeInfo();
     if (!(stored.pkt() == pkt)) {
-        throw Kel::ReinstantiationError(type, "pkt", Vanta::hexText(stored.pkt().view()),
+        throw Kel::ReinstantiationError(type, "pkt", textOf(stored.req()),
+                                        Vanta::hexText(stored.pkt().view()),
                                         Vanta::hexText(pkt.view()));
     }
     if (!stored.ingPortInfo().isEq(ingPortInfo)) {
-        throw Kel::ReinstantiatingValueError(type, "ingPortInfo", textOf(stored.ingPortInfo()),
-                                             textOf(ingPortInfo));
+        throw Kel::ReinstantiatingValueError(type, "ingPortInfo", textOf(stored.req()),
+                                             textOf(stored.ingPortInfo()), textOf(ingPortInfo));
     }
     if (stored.ingIntf() != ingIntf) {
-        throw Kel::ReinstantiatingValueError(type, "ingIntf", stored.ingIntf().stringValue(),
-                                             ingIntf.stringValue());
+        throw Kel::ReinstantiatingValueError(type, "ingIntf", textOf(stored.req()),
+                                             stored.ingIntf().stringValue(), ingIntf.stringValue());
     }
 }
 
@@ -165,9 +171,7 @@ Vanta::Ptr<PktGenCfgData> PktGenConfig::cfgDel(RequestId const& req) {
 }
 
 void PktGenConfig::cfgDelAll() {
-    for (auto const& entry : cfg_) {
-        cfgDel(entry.key);
-    }
+    cfg_.eachKeyUntilLast([this](RequestId const& req) { cfgDel(req); });
 }
 
 // ---- The pending jobs
@@ -222,11 +226,16 @@ Vanta::Ptr<PktGenStatus> pktGenStatusFactory() {
     return PktGenStatus::PktGenStatusIs();
 }
 
+// Until the last removal is published, whoever hears of one may ask for the next pending job.
 PktGenStatus::~PktGenStatus() {
+    statusDelAll();
     if (jobs_ != nullptr) {
         jobs_->answersAre(nullptr);
     }
-    statusDelAll();
+    // What was added meanwhile goes without a publication, but may outlive the collection.
+    for (auto const& entry : status_) {
+        entry.value->collection_ = nullptr;
+    }
 }
 
 Vanta::Ptr<PktGenStatusData> PktGenStatus::statusIs(RequestId const& req) {
@@ -273,9 +282,7 @@ Vanta::Ptr<PktGenStatusData> PktGenStatus::PktIdWalk::next() {
 }
 
 void PktGenStatus::statusDelAll() {
-    for (auto const& entry : status_) {
-        statusDel(entry.key);
-    }
+    status_.eachKeyUntilLast([this](RequestId const& req) { statusDel(req); });
 }
 
 }  // namespace VynPacketTracer

@@ -163,7 +163,8 @@ VYN_EXPORT Vanta::Ptr<PktGenStatusData> pktGenStatusDataFactory(PacketTracer::Re
 
 // The work queue: one job a request, in the order in which they came. An entry is never updated in
 // place; its client deletes it and makes it anew. Every addition and removal is published with the
-// request as key; a collection that goes publishes the removal of each of its entries.
+// request as key; a collection that goes publishes the removal of each of its entries, but of those
+// that are added when it does so.
 class VYN_EXPORT PktGenConfig final : public Kel::Object {
   public:
     enum Attribute : Vanta::AttributeNumber { cfgAttribute = Kel::firstAttribute };
@@ -185,7 +186,8 @@ class VYN_EXPORT PktGenConfig final : public Kel::Object {
                                     VynSystem::PortInfo const& ingPortInfo, Plexa::IntfId ingIntf);
     // Removes and returns a job; null, and no publication, if there is none.
     Vanta::Ptr<PktGenCfgData> cfgDel(PacketTracer::RequestId const& req);
-    // Removes every job, each with its own publication.
+    // Removes every job that is there when this begins, each with its own publication. A job that
+    // somebody adds when he hears of one stays.
     void cfgDelAll();
 
     // The first job, in the order of the collection, without an entry in `status`; null if there is
@@ -237,7 +239,8 @@ class VYN_EXPORT PktGenStatus final : public Kel::Object {
     Vanta::Ptr<PktGenStatusData> statusIs(PacketTracer::RequestId const& req);
     // Removes and returns an entry; null, and no publication, if there is none.
     Vanta::Ptr<PktGenStatusData> statusDel(PacketTracer::RequestId const& req);
-    // Removes every entry, each with its own publication.
+    // Removes every entry that is there when this begins, each with its own publication. An entry
+    // that somebody adds when he hears of one stays.
     void statusDelAll();
 
     // A walk over the entries that have a packet id, in the order of the collection. Entries that

@@ -113,6 +113,19 @@ class Collection {
         }
     }
 
+    // Calls `visit` with the key of each entry up to the one that is last when this begins, whoever
+    // adds entries meanwhile. The visit may remove any entry; the key then dangles.
+    template <class Visit>
+    void eachKeyUntilLast(Visit const& visit) const {
+        std::uint64_t const last = insertions_;
+        for (Entry const& entry : *this) {
+            if (entry.order > last) {
+                return;
+            }
+            visit(entry.key);
+        }
+    }
+
     Iterator begin() const { return Iterator(*this); }
     std::default_sentinel_t end() const noexcept { return {}; }
 

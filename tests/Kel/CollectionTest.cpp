@@ -100,6 +100,30 @@ TEST_P(CollectionOf, VisitsAnEntryAddedDuringTheWalk) {
     EXPECT_EQ(visited.back(), -1);
 }
 
+TEST_P(CollectionOf, VisitsEachKeyUntilTheOneThatWasLastHoweverManyAreAdded) {
+    Keys visited;
+    numbers.eachKeyUntilLast([&](int key) {
+        visited.push_back(key);
+        numbers.remove(key);
+        if (visited.size() < 5000) {
+            numbers.insert(1000 + key, "added");
+        }
+    });
+    EXPECT_EQ(visited.size(), static_cast<std::size_t>(GetParam()));
+    EXPECT_EQ(visited.back(), GetParam() - 1);
+    EXPECT_EQ(numbers.size(), visited.size());
+}
+
+TEST_P(CollectionOf, VisitsNoKeyAgainThatWasRemovedAndAddedMeanwhile) {
+    Keys visited;
+    numbers.eachKeyUntilLast([&](int key) {
+        visited.push_back(key);
+        numbers.remove(GetParam() - 1);
+        numbers.insert(GetParam() - 1, "again");
+    });
+    EXPECT_EQ(visited.size(), static_cast<std::size_t>(GetParam()) - 1);
+}
+
 TEST_P(CollectionOf, VisitsAnEntryAddedWhenTheOnlyOthersWereRemoved) {
     Keys visited;
     for (auto const& entry : numbers) {

@@ -5,6 +5,8 @@
 #include <string>
 #include <type_traits>
 
+#include "Vanta/Node.h"
+
 namespace {
 
 constexpr Kel::AttributeInfo attributes[] = {
@@ -13,20 +15,61 @@ constexpr Kel::AttributeInfo attributes[] = {
 };
 constexpr Kel::TypeInfo job{"PktGenCfgData", attributes, {}};
 
-TEST(Error, OfReinstantiationNamesTypeAttributeAndBothValues) {
-    Kel::ReinstantiationError const error(job, "pkt", "00ff", "01ff");
+struct Thing final : Vanta::Node {};
+
+TEST(Error, OfReinstantiationNamesTypeAttributeEntryAndBothValues) {
+    Kel::ReinstantiationError const error(job, "pkt", "request 1 of client noc", "00ff", "01ff");
     EXPECT_EQ(error.typeName(), "PktGenCfgData");
     EXPECT_EQ(error.attribute(), "pkt");
     EXPECT_EQ(error.oldValue(), "00ff");
     EXPECT_EQ(error.newValue(), "01ff");
     EXPECT_EQ(error.attributeNumber(), 131U);
+    EXPECT_EQ(error.entry(), "request 1 of client noc");
+    EXPECT_EQ(error.oldObject(), nullptr);
+    EXPECT_EQ(error.newObject(), nullptr);
     EXPECT_STREQ(error.what(),
-                 "PktGenCfgData::pkt (attribute 131) cannot change from 00ff to 01ff");
+                 "PktGenCfgData::pkt (attribute 131) of request 1 of client noc cannot change from "
+                 "00ff to 01ff");
+}
+
+TEST(Error, OfAnotherObjectHoldsBothAndTellsNoAddress) {
+    auto stored = Vanta::makeNode<Thing>();
+    auto given = Vanta::makeNode<Thing>();
+    Kel::ReinstantiationError const error(job, "pkt", "client noc", stored, given);
+    EXPECT_EQ(error.oldObject(), stored);
+    EXPECT_EQ(error.newObject(), given);
+    EXPECT_EQ(error.oldValue() + error.newValue(), "");
+    EXPECT_STREQ(error.what(),
+                 "PktGenCfgData::pkt (attribute 131) of client noc differs from the object that it "
+                 "was made with");
+}
+
+TEST(Error, OfAnotherObjectKeepsBothAlive) {
+    auto stored = Vanta::makeNode<Thing>();
+    auto given = Vanta::makeNode<Thing>();
+    Kel::ReinstantiationError const error(job, "pkt", "client noc", stored, given);
+    EXPECT_EQ(stored->refCount(), 2U);
+    EXPECT_EQ(given->refCount(), 2U);
+}
+
+TEST(Error, OfAnotherObjectSaysWhichOneIsNull) {
+    auto const thing = Vanta::makeNode<Thing>();
+    EXPECT_STREQ(Kel::ReinstantiationError(job, "pkt", "client noc", thing,
+                                           Kel::ReinstantiationError::Object())
+                     .what(),
+                 "PktGenCfgData::pkt (attribute 131) of client noc is null, which differs from the "
+                 "object that it was made with");
+    EXPECT_STREQ(Kel::ReinstantiationError(job, "pkt", "client noc",
+                                           Kel::ReinstantiationError::Object(), thing)
+                     .what(),
+                 "PktGenCfgData::pkt (attribute 131) of client noc differs from null, which it was "
+                 "made with");
 }
 
 TEST(Error, OfAReinstantiatedValueIsCaughtAsReinstantiation) {
     try {
-        throw Kel::ReinstantiatingValueError(job, "ingIntf", "Ethernet1", "Ethernet2");
+        throw Kel::ReinstantiatingValueError(job, "ingIntf", "request 1 of client noc", "Ethernet1",
+                                             "Ethernet2");
     } catch (Kel::ReinstantiationError const& error) {
         EXPECT_EQ(error.oldValue(), "Ethernet1");
         EXPECT_EQ(error.newValue(), "Ethernet2");
@@ -34,10 +77,10 @@ TEST(Error, OfAReinstantiatedValueIsCaughtAsReinstantiation) {
 }
 
 TEST(Error, OfReinstantiationHasNumber0ForAnAttributeOutsideTheTable) {
-    Kel::ReinstantiationError const error(job, "colour", "red", "blue");
+    Kel::ReinstantiationError const error(job, "colour", "a car", "red", "blue");
     EXPECT_EQ(error.attributeNumber(), 0U);
     EXPECT_STREQ(error.what(),
-                 "PktGenCfgData::colour (attribute 0) cannot change from red to blue");
+                 "PktGenCfgData::colour (attribute 0) of a car cannot change from red to blue");
 }
 
 TEST(Error, OfANullArgumentNamesTypeAndAttribute) {

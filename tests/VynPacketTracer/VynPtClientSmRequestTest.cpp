@@ -216,7 +216,7 @@ TEST_F(HandleRequestTest, AnotherPacketInsideADispatcherEndsTheProcess) {
     made->frameIs({1, 2, 3});
     made->validIs(false);
     expectEnd([&] { made->validIs(true); }, acceptedAgain(1), "ReinstantiationError",
-              "PktGenCfgData::pkt (attribute 131) cannot change from " +
+              "PktGenCfgData::pkt (attribute 131) of request 1 of client noc cannot change from " +
                   std::string(requestPacket) + " to 010203");
 }
 

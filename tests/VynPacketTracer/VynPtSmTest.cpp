@@ -314,15 +314,15 @@ TEST_F(ClientsTest, AnEntityThatIsTakenOutOfItsEntryDeletesTheStateMachine) {
 TEST_F(ClientsTest, ReplacingAConfigurationUnderAStateMachineEndsTheProcess) {
     client("noc");
     expectEnd([&] { clientConfig("noc"); }, {handled("noc")}, "ReinstantiationError",
-              "PacketTracerClientSm::clientConfig (attribute 131) cannot change from one object to "
-              "another object");
+              "PacketTracerClientSm::clientConfig (attribute 131) of client noc differs from the "
+              "object that it was made with");
 }
 
 TEST_F(ClientsTest, ReplacingAStatusUnderAStateMachineEndsTheProcess) {
     client("noc");
     expectEnd([&] { clientStatus("noc"); }, {handled("noc")}, "ReinstantiationError",
-              "PacketTracerClientSm::clientStatus (attribute 132) cannot change from one object to "
-              "another object");
+              "PacketTracerClientSm::clientStatus (attribute 132) of client noc differs from the "
+              "object that it was made with");
 }
 
 TEST_F(ClientsTest, AClientThatIsRemovedBeforeItIsReplacedIsMadeAnew) {
@@ -390,7 +390,8 @@ class ClientSmIsTest : public ClientsTest {
         }
         return "nothing";
     }
-    // What the error says when this argument alone is null.
+    // The attribute that the error names when this argument alone is null, if the error holds the
+    // argument and null.
     template <class Argument>
     std::string raisedWithout(Argument Given::*argument) {
         auto const kept = std::exchange(given.*argument, nullptr);
@@ -398,7 +399,8 @@ class ClientSmIsTest : public ClientsTest {
         try {
             asGiven();
         } catch (Kel::ReinstantiationError const& error) {
-            said = error.attribute() + ": " + error.oldValue() + ", then " + error.newValue();
+            bool const holdsBoth = error.oldObject() == kept && !error.newObject();
+            said = holdsBoth ? error.attribute() : "another object";
         }
         given.*argument = kept;
         return said;
@@ -480,13 +482,13 @@ TEST_F(ClientSmIsTest, ThenTheChipStatus) {
 }
 
 TEST_F(ClientSmIsTest, SaysOfEachArgumentThatItBecameNull) {
-    EXPECT_EQ(raisedWithout(&Given::clientConfig), "clientConfig: one object, then null");
-    EXPECT_EQ(raisedWithout(&Given::clientStatus), "clientStatus: one object, then null");
-    EXPECT_EQ(raisedWithout(&Given::pktGenConfig), "pktGenConfig: one object, then null");
-    EXPECT_EQ(raisedWithout(&Given::systemStatus), "systemStatus: one object, then null");
-    EXPECT_EQ(raisedWithout(&Given::fcsd), "fcsd: one object, then null");
-    EXPECT_EQ(raisedWithout(&Given::bridgingConfig), "bridgingConfig: one object, then null");
-    EXPECT_EQ(raisedWithout(&Given::chipStatus), "chipStatus: one object, then null");
+    EXPECT_EQ(raisedWithout(&Given::clientConfig), "clientConfig");
+    EXPECT_EQ(raisedWithout(&Given::clientStatus), "clientStatus");
+    EXPECT_EQ(raisedWithout(&Given::pktGenConfig), "pktGenConfig");
+    EXPECT_EQ(raisedWithout(&Given::systemStatus), "systemStatus");
+    EXPECT_EQ(raisedWithout(&Given::fcsd), "fcsd");
+    EXPECT_EQ(raisedWithout(&Given::bridgingConfig), "bridgingConfig");
+    EXPECT_EQ(raisedWithout(&Given::chipStatus), "chipStatus");
 }
 
 TEST_F(ClientSmIsTest, SaysThatAnObjectWasNull) {
@@ -497,8 +499,24 @@ TEST_F(ClientSmIsTest, SaysThatAnObjectWasNull) {
         asGiven("ops");
         FAIL();
     } catch (Kel::ReinstantiationError const& error) {
-        EXPECT_EQ(error.oldValue(), "null");
-        EXPECT_EQ(error.newValue(), "another object");
+        EXPECT_EQ(error.oldObject(), nullptr);
+        EXPECT_EQ(error.newObject(), notNull);
+        EXPECT_STREQ(error.what(),
+                     "PacketTracerClientSm::chipStatus (attribute 137) of client ops differs from "
+                     "null, which it was made with");
+    }
+}
+
+TEST_F(ClientSmIsTest, RaisesAnErrorThatHoldsBothObjects) {
+    otherClientStatus();
+    try {
+        asGiven();
+        FAIL();
+    } catch (Kel::ReinstantiationError const& error) {
+        EXPECT_EQ(error.oldObject(), statusOf("noc"));
+        EXPECT_EQ(error.newObject(), given.clientStatus);
+        given.clientStatus = nullptr;
+        EXPECT_EQ(error.newObject()->refCount(), 1u);
     }
 }
 
@@ -520,6 +538,29 @@ TEST_F(ClientSmIsTest, ClientSmDelAllRemovesEveryStateMachine) {
     tracer->clientSmDelAll();
     EXPECT_FALSE(clientSm("noc"));
     EXPECT_FALSE(clientSm("ops"));
+}
+
+// Each client made here has jobs of its own, which go with it; whoever hears of that makes another.
+TEST_F(ClientSmIsTest, ClientSmDelAllEndsHoweverManyAreAddedMeanwhile) {
+    unsigned made = 0;
+    std::vector<std::unique_ptr<OnPublication>> observers;
+    std::function<void()> const makeAnother = [&] {
+        if (made == 10) {
+            return;
+        }
+        given.pktGenConfig = pktGenConfigFactory();
+        given.pktGenConfig->cfgIs(id("noc", 1), {1}, {}, intf("Ethernet1"));
+        auto const& publisher = given.pktGenConfig->publisher();
+        observers.push_back(
+            std::make_unique<OnPublication>(publisher, [&](auto, auto) { makeAnother(); }));
+        asGiven("client" + std::to_string(++made));
+        given.pktGenConfig = nullptr;
+    };
+    makeAnother();
+    tracer->clientSmDelAll();
+    EXPECT_EQ(made, 2u);
+    EXPECT_FALSE(clientSm("client1"));
+    EXPECT_TRUE(clientSm("client2"));
 }
 
 }  // namespace

@@ -196,6 +196,7 @@ class PktGenConfigTest : public testing::Test {
         return config->cfgIs(id("noc", number), packet, port, intf("Ethernet1"));
     }
     static std::string named(Kel::ReinstantiationError const& error) {
+        EXPECT_EQ(error.entry(), "request 1 of client noc");
         return error.typeName() + " " + error.attribute() + " " +
                std::to_string(error.attributeNumber()) + " " + error.oldValue() + " " +
                error.newValue();
@@ -339,6 +340,54 @@ TEST_F(PktGenConfigTest, CfgDelAllToleratesAnObserverThatDeletes) {
     EXPECT_EQ(recorder.take(), (Lines{"cfg del noc/1", "cfg del noc/2", "cfg del noc/3"}));
 }
 
+TEST_F(PktGenConfigTest, CfgDelAllEndsHoweverManyJobsAreAddedMeanwhile) {
+    job(1);
+    job(2);
+    std::uint32_t last = 2;
+    OnPublication const observer(config->publisher(), [&](auto, Vanta::ValueRef key) {
+        if (!config->cfgHas(key.get<PacketTracer::RequestId>()) && last < 10) {
+            job(++last);
+        }
+    });
+    recorder.take();
+    config->cfgDelAll();
+    EXPECT_EQ(recorder.take(),
+              (Lines{"cfg del noc/1", "cfg add noc/3", "cfg del noc/2", "cfg add noc/4"}));
+    EXPECT_TRUE(config->cfgHas(id("noc", 3)));
+    EXPECT_TRUE(config->cfgHas(id("noc", 4)));
+}
+
+TEST_F(PktGenConfigTest, CfgDelAllLeavesAJobThatComesBackMeanwhile) {
+    job(1);
+    job(2);
+    unsigned times = 0;
+    OnPublication const observer(config->publisher(), [&](auto, Vanta::ValueRef key) {
+        if (key.get<PacketTracer::RequestId>() == id("noc", 1) && ++times < 10) {
+            job(1);
+        }
+    });
+    recorder.take();
+    config->cfgDelAll();
+    EXPECT_EQ(recorder.take(), (Lines{"cfg del noc/1", "cfg add noc/1", "cfg del noc/2"}));
+    EXPECT_TRUE(config->cfgHas(id("noc", 1)));
+}
+
+TEST_F(PktGenConfigTest, AJobThatIsAddedDuringDestructionGoesWithoutAPublication) {
+    job(1);
+    Vanta::Ptr<PktGenCfgData> added;
+    auto& dying = *config;
+    OnPublication const observer(config->publisher(), [&](auto, Vanta::ValueRef key) {
+        if (!added && !dying.cfgHas(key.get<PacketTracer::RequestId>())) {
+            added = dying.cfgIs(id("noc", 2), packet, port, intf("Ethernet1"));
+        }
+    });
+    recorder.take();
+    config = nullptr;
+    EXPECT_EQ(recorder.take(), (Lines{"cfg del noc/1", "cfg add noc/2"}));
+    ASSERT_TRUE(added);
+    EXPECT_EQ(added->refCount(), 1u);
+}
+
 TEST_F(PktGenConfigTest, DestroyingOneWithThreeJobsPublishesThreeRemovals) {
     job(1);
     job(2);
@@ -448,6 +497,56 @@ TEST_F(PktGenStatusTest, StatusDelAllPublishesEachRemoval) {
     recorder.take();
     status->statusDelAll();
     EXPECT_EQ(recorder.take(), (Lines{"status del noc/2", "status del noc/1"}));
+}
+
+TEST_F(PktGenStatusTest, StatusDelAllEndsHoweverManyEntriesAreAddedMeanwhile) {
+    status->statusIs(id("noc", 1));
+    std::uint32_t last = 1;
+    OnPublication const observer(status->publisher(), [&](auto, Vanta::ValueRef key) {
+        if (!status->statusHas(key.get<PacketTracer::RequestId>()) && last < 10) {
+            status->statusIs(id("noc", ++last));
+        }
+    });
+    recorder.take();
+    status->statusDelAll();
+    EXPECT_EQ(recorder.take(), (Lines{"status del noc/1", "status add noc/2"}));
+    EXPECT_TRUE(status->statusHas(id("noc", 2)));
+}
+
+TEST_F(PktGenStatusTest, AnEntryThatIsAddedDuringDestructionGoesWithoutAPublicationAndLivesOn) {
+    status->statusIs(id("noc", 1));
+    Vanta::Ptr<PktGenStatusData> added;
+    auto& dying = *status;
+    OnPublication const observer(status->publisher(), [&](auto, Vanta::ValueRef key) {
+        if (!added && !dying.statusHas(key.get<PacketTracer::RequestId>())) {
+            added = dying.statusIs(id("noc", 2));
+        }
+    });
+    recorder.take();
+    status = nullptr;
+    EXPECT_EQ(recorder.take(), (Lines{"status del noc/1", "status add noc/2"}));
+    ASSERT_TRUE(added);
+    added->pktIdIs(7);
+    EXPECT_EQ(recorder.take(), (Lines{"status pktId noc/2 7"}));
+}
+
+// Jobs follow the answers for as long as these publish, and no longer.
+TEST_F(PktGenStatusTest, APendingJobMayBeLookedUpWhileTheAnswersGo) {
+    auto const config = pktGenConfigFactory();
+    config->cfgIs(id("noc", 1), packet, port, intf("Ethernet1"));
+    config->cfgIs(id("noc", 2), packet, port, intf("Ethernet1"));
+    status->statusIs(id("noc", 1));
+    status->statusIs(id("noc", 2));
+    auto& dying = *status;
+    std::string found;
+    OnPublication const observer(status->publisher(), [&](auto, auto) {
+        found += keyText(config->firstPending(dying)->req()) + " ";
+    });
+    status = nullptr;
+    EXPECT_EQ(found, "noc/1 noc/1 ");
+    config->cfgIs(id("noc", 3), packet, port, intf("Ethernet1"));
+    status = pktGenStatusFactory();
+    EXPECT_EQ(config->firstPending(*status)->req(), id("noc", 1));
 }
 
 TEST_F(PktGenStatusTest, DestroyingOnePublishesTheRemovalOfEachEntry) {
