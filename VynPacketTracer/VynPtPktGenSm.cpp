@@ -152,14 +152,11 @@ void PktGenSm::disconnectReactors() noexcept {
     socketSubscriber_.unsubscribe();
 }
 
-// Each dispatcher keeps the engine alive while it reacts: whoever hears of an answer may let the
-// tracer go.
-
 void PktGenSm::configDispatch(Vanta::Publisher const&, Vanta::Subscriber&,
                               Vanta::AttributeNumber attribute, Vanta::ValueRef key,
                               Vanta::ValueRef) {
     if (attribute == PktGenConfig::cfgAttribute && !isZombie()) {
-        Vanta::Ptr<PktGenSm> const alive(this);
+        Reaction const alive(*this);
         handleConfig(key.get<RequestId>());
     }
 }
@@ -168,7 +165,7 @@ void PktGenSm::phase0Dispatch(Vanta::Publisher const&, Vanta::Subscriber&,
                               Vanta::AttributeNumber attribute, Vanta::ValueRef key,
                               Vanta::ValueRef) {
     if (attribute == VynSdk::Phase0DataIntf::responseAttribute && !isZombie()) {
-        Vanta::Ptr<PktGenSm> const alive(this);
+        Reaction const alive(*this);
         processPhase0DataResponse(key.get<Plexa::IntfId>());
     }
 }
@@ -176,7 +173,7 @@ void PktGenSm::phase0Dispatch(Vanta::Publisher const&, Vanta::Subscriber&,
 void PktGenSm::taskDispatch(Vanta::Publisher const&, Vanta::Subscriber&,
                             Vanta::AttributeNumber attribute, Vanta::ValueRef, Vanta::ValueRef) {
     if (attribute == Orb::Task::runAttribute && !isZombie()) {
-        Vanta::Ptr<PktGenSm> const alive(this);
+        Reaction const alive(*this);
         doWork();
     }
 }
@@ -184,7 +181,7 @@ void PktGenSm::taskDispatch(Vanta::Publisher const&, Vanta::Subscriber&,
 void PktGenSm::socketDispatch(Vanta::Publisher const&, Vanta::Subscriber&,
                               Vanta::AttributeNumber attribute, Vanta::ValueRef, Vanta::ValueRef) {
     if (attribute == Orb::FileDescriptor::readableAttribute && !isZombie()) {
-        Vanta::Ptr<PktGenSm> const alive(this);
+        Reaction const alive(*this);
         processPktTracerDigest();
     }
 }
@@ -221,10 +218,10 @@ void PktGenSm::doWork() {
     }
     bool done = false;
     if (state_ != PktGenState::init) {
-        while (task_ && !task_->shouldYield() && workOnState(done)) {
+        while (!released() && task_ && !task_->shouldYield() && workOnState(done)) {
         }
     }
-    if (!done) {
+    if (!done && !released()) {
         scheduleTask();
     }
 }
@@ -271,7 +268,9 @@ void PktGenSm::processError() {
     Trace::twinlog(trace, 7, "processError:clientName:%s reqId:%s", curReq().clientName(),
                    curReq().number());
     status_->statusDel(curReq());
-    disablePktGen();
+    if (!released()) {
+        disablePktGen();
+    }
 }
 
 }  // namespace VynPacketTracer

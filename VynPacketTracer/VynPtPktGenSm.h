@@ -15,6 +15,11 @@
 // failed is tried again for as long as it exists. The trace digest is handled whatever the state:
 // it completes the answer that carries its packet id, whenever it comes.
 //
+// An engine that is released inside its own run (nobody but its dispatchers holds it any more) stops
+// there: it calls the chip no more, asks for no phase-0 data, and changes, schedules and traces
+// nothing. What it still does is to withdraw the phase-0 request of a job that it was sending. Its
+// other reactors finish what they do. An engine that somebody else holds goes on.
+//
 // Threads: the event thread, but for rcvPktTracerLearningDigest, which runs on the SDK's thread and
 // reads nothing but what was fixed before it was registered.
 #pragma once
@@ -161,10 +166,28 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
                         Vanta::AttributeNumber attribute, Vanta::ValueRef key,
                         Vanta::ValueRef oldValue);
 
+    // A dispatcher under way: it keeps the engine alive, since whoever hears of an answer may let the
+    // tracer go.
+    class Reaction {
+      public:
+        explicit Reaction(PktGenSm& engine) noexcept : engine_(&engine) { ++engine.reactions_; }
+        Reaction(Reaction const&) = delete;
+        Reaction& operator=(Reaction const&) = delete;
+        ~Reaction() { --engine_->reactions_; }
+
+      private:
+        Vanta::Ptr<PktGenSm> const engine_;
+    };
+    // Whether nobody but the dispatchers under way holds the engine. The task's steps ask after
+    // every call that leaves the engine; outside of a dispatcher its caller holds it.
+    bool released() const noexcept { return refCount() == reactions_; }
+
     void stateIs(PktGenState state) noexcept { state_ = state; }
     void scheduleTask();
     // One step of the state that the engine is in; false when the task is to leave its loop.
     bool workOnState(bool& done);
+    // Reads the counter, injects the packet of the job and makes its answer.
+    void inject(PktGenCfgData const& job);
     // The request of the job in work; before the first one an empty id.
     PacketTracer::RequestId const& curReq() const noexcept;
     std::uint32_t curPipe() const noexcept { return curCfg_->ingPortInfo().pipe(); }
@@ -200,6 +223,7 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
     std::uint32_t digestHandle_ = 0;
     std::uint32_t pktTracerDigestEntrySize_ = 0;
     bool initialized_ = false;
+    std::uint32_t reactions_ = 0;  // dispatchers under way
 
     Vanta::Subscriber configSubscriber_;
     Vanta::Subscriber phase0Subscriber_;

@@ -16,7 +16,9 @@ void PktGenSm::getPhase0Data() {
     stateIs(PktGenState::waitPhase0Data);
     // An outdated request for the interface would answer in this one's place.
     phase0DataIntf_->configDel(curCfg_->ingIntf());
-    phase0DataIntf_->configIs(curCfg_->ingIntf());
+    if (!released()) {
+        phase0DataIntf_->configIs(curCfg_->ingIntf());
+    }
 }
 
 void PktGenSm::processPhase0DataResponse(Plexa::IntfId const& intfId) {
@@ -44,7 +46,7 @@ void PktGenSm::processPhase0DataResponse(Plexa::IntfId const& intfId) {
 p4_pd_status_t PktGenSm::getPktCounters(std::uint64_t& count) {
     p4_pd_status_t const rval =
         VynSdk::getPktCounters(sessionHandle_, deviceId_, curPipe(), appId_, count);
-    if (rval != 0) {
+    if (rval != 0 && !released()) {
         Trace::twinlog(trace, 1, "getPktCounters:error retrieving pktGen counters for pipeId:%s",
                        curPipe());
     }
@@ -52,51 +54,75 @@ p4_pd_status_t PktGenSm::getPktCounters(std::uint64_t& count) {
 }
 
 void PktGenSm::sendPkt() {
-    PktGenCfgData const& cfg = *curCfg_;
-    Trace::twinlog(trace, 7, "sendPkt:clientName:%s reqId:%s", cfg.req().clientName(),
-                   cfg.req().number());
+    auto const job = curCfg_;
+    Trace::twinlog(trace, 7, "sendPkt:clientName:%s reqId:%s", job->req().clientName(),
+                   job->req().number());
+    inject(*job);
+    phase0DataIntf_->configDel(job->ingIntf());
+}
+
+void PktGenSm::inject(PktGenCfgData const& job) {
     std::uint64_t count = 0;
-    if (getPktCounters(count) != 0) {
+    bool const counted = getPktCounters(count) == 0;
+    if (released()) {
+        return;
+    }
+    if (!counted) {
         stateIs(PktGenState::error);
-        phase0DataIntf_->configDel(cfg.ingIntf());
         return;
     }
     ++pktId_;
     curPktCounter_ = count;
     Trace::twinlog(trace, 7, "sendPkt:pktCnt:%s", count);
 
-    auto const* response = phase0DataIntf_->response().find(cfg.ingIntf());
+    auto const* response = phase0DataIntf_->response().find(job.ingIntf());
     Vanta::Bytes const phase0Data = response != nullptr ? response->value.data : Vanta::Bytes();
-    auto const portIndex = static_cast<std::uint8_t>(cfg.ingPortInfo().port().value());
+    auto const portIndex = static_cast<std::uint8_t>(job.ingPortInfo().port().value());
     p4_pd_status_t const rval =
         VynSdk::genOnePkt(sessionHandle_, deviceId_, curPipe(), genPort, portIndex, appId_,
-                          cfg.pkt().view(), phase0Data.view(), pktId_);
+                          job.pkt().view(), phase0Data.view(), pktId_);
+    if (released()) {
+        return;
+    }
     if (rval != 0) {
         stateIs(PktGenState::error);
         Trace::twinlog(trace, 1, "sendPkt:Error sending pkt clientName:%s reqId:%s",
-                       cfg.req().clientName(), cfg.req().number());
-    } else {
-        if (config_->cfgHas(cfg.req())) {
-            status_->statusIs(cfg.req())->pktIdIs(pktId_);
+                       job.req().clientName(), job.req().number());
+        return;
+    }
+    if (config_->cfgHas(job.req())) {
+        auto const answer = status_->statusIs(job.req());
+        if (!released()) {
+            answer->pktIdIs(pktId_);
         }
+    }
+    if (!released()) {
         stateIs(PktGenState::waitPktSent);
     }
-    phase0DataIntf_->configDel(cfg.ingIntf());
 }
 
 void PktGenSm::checkPktCnt() {
-    PacketTracer::RequestId const& req = curReq();
+    auto const job = curCfg_;
+    PacketTracer::RequestId const& req = job->req();
     Trace::twinlog(trace, 7, "checkPktCnt:clientName:%s reqId:%s", req.clientName(), req.number());
     std::uint64_t count = 0;
     bool const counted = getPktCounters(count) == 0;
+    if (released()) {
+        return;
+    }
     if (counted && count != curPktCounter_) {
         Trace::twinlog(trace, 9, "checkPktCnt:Sent pkt for clientName:%s reqId:%s cnt:%s curCnt:%s",
                        req.clientName(), req.number(), count, curPktCounter_);
         if (!pktTracerSupported_ && config_->cfgHas(req)) {
             // No digest will ever come, so this is the answer.
-            status_->statusIs(req)->readyIs(true);
+            auto const answer = status_->statusIs(req);
+            if (!released()) {
+                answer->readyIs(true);
+            }
         }
-        stateIs(PktGenState::reset);
+        if (!released()) {
+            stateIs(PktGenState::reset);
+        }
     } else if (!config_->cfgHas(req)) {
         Trace::twinlog(trace, 9,
                        "checkPktCnt:Client %sdel cfg while waiting for pktCnt reqId:%s cnt:%s",
@@ -110,13 +136,22 @@ void PktGenSm::checkPktCnt() {
 }
 
 void PktGenSm::disablePktGen() {
-    if (VynSdk::disableAppId(sessionHandle_, deviceId_, curPipe(), appId_) != 0) {
+    p4_pd_status_t const app = VynSdk::disableAppId(sessionHandle_, deviceId_, curPipe(), appId_);
+    if (released()) {
+        return;
+    }
+    if (app != 0) {
         Trace::twinlog(trace, 1, "disablePktGen:Error disabling appId for pipe:%s deviceId:%s",
                        curPipe(), deviceId_);
         stateIs(PktGenState::error);
         return;
     }
-    if (VynSdk::disablePktGen(sessionHandle_, deviceId_, curPipe(), genPort) != 0) {
+    p4_pd_status_t const generator =
+        VynSdk::disablePktGen(sessionHandle_, deviceId_, curPipe(), genPort);
+    if (released()) {
+        return;
+    }
+    if (generator != 0) {
         Trace::twinlog(trace, 1, "disablePktGen:Error disabling pktGen for pipe:%s deviceId",
                        curPipe());
         stateIs(PktGenState::error);
