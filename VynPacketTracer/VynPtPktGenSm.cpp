@@ -98,7 +98,7 @@ Vanta::Ptr<Orb::Task> PktGenSm::taskIs(Vanta::Ptr<Orb::TaskSchedulerRoot> const&
     }
     auto const replaced = taskDel();
     task_ = Orb::Task::TaskIs(scheduler, priority, name);
-    taskSubscriber_.subscribe<&PktGenSm::taskDispatch>(task_->publisher(), this);
+    connectTask();
     doWork();
     return task_;
 }
@@ -132,16 +132,26 @@ void PktGenSm::hasNotificationActiveIs(bool on) {
 // Connects what has a source and is not connected.
 void PktGenSm::connectReactors() {
     if (config_ && !configSubscriber_.subscribed()) {
-        configSubscriber_.subscribe<&PktGenSm::configDispatch>(config_->publisher(), this);
+        configSubscriber_.subscribe<&PktGenSm::jobChanged, PktGenConfig::cfgAttribute>(
+            config_->publisher(), this);
     }
     if (phase0DataIntf_ && !phase0Subscriber_.subscribed()) {
-        phase0Subscriber_.subscribe<&PktGenSm::phase0Dispatch>(phase0DataIntf_->publisher(), this);
+        phase0Subscriber_
+            .subscribe<&PktGenSm::phase0Answered, VynSdk::Phase0DataIntf::responseAttribute>(
+                phase0DataIntf_->publisher(), this);
     }
-    if (task_ && !taskSubscriber_.subscribed()) {
-        taskSubscriber_.subscribe<&PktGenSm::taskDispatch>(task_->publisher(), this);
-    }
+    connectTask();
     if (rSocketIn_ && !socketSubscriber_.subscribed()) {
-        socketSubscriber_.subscribe<&PktGenSm::socketDispatch>(rSocketIn_->publisher(), this);
+        socketSubscriber_
+            .subscribe<&PktGenSm::digestReadable, Orb::FileDescriptor::readableAttribute>(
+                rSocketIn_->publisher(), this);
+    }
+}
+
+void PktGenSm::connectTask() {
+    if (task_ && !taskSubscriber_.subscribed()) {
+        taskSubscriber_.subscribe<&PktGenSm::taskRuns, Orb::Task::runAttribute>(task_->publisher(),
+                                                                                this);
     }
 }
 
@@ -152,35 +162,29 @@ void PktGenSm::disconnectReactors() noexcept {
     socketSubscriber_.unsubscribe();
 }
 
-void PktGenSm::configDispatch(Vanta::Publisher const&, Vanta::Subscriber&,
-                              Vanta::AttributeNumber attribute, Vanta::ValueRef key,
-                              Vanta::ValueRef) {
-    if (attribute == PktGenConfig::cfgAttribute && !isZombie()) {
+void PktGenSm::jobChanged(Vanta::Change const& change) {
+    if (!isZombie()) {
         Reaction const alive(*this);
-        handleConfig(key.get<RequestId>());
+        handleConfig(change.key.get<RequestId>());
     }
 }
 
-void PktGenSm::phase0Dispatch(Vanta::Publisher const&, Vanta::Subscriber&,
-                              Vanta::AttributeNumber attribute, Vanta::ValueRef key,
-                              Vanta::ValueRef) {
-    if (attribute == VynSdk::Phase0DataIntf::responseAttribute && !isZombie()) {
+void PktGenSm::phase0Answered(Vanta::Change const& change) {
+    if (!isZombie()) {
         Reaction const alive(*this);
-        processPhase0DataResponse(key.get<Plexa::IntfId>());
+        processPhase0DataResponse(change.key.get<Plexa::IntfId>());
     }
 }
 
-void PktGenSm::taskDispatch(Vanta::Publisher const&, Vanta::Subscriber&,
-                            Vanta::AttributeNumber attribute, Vanta::ValueRef, Vanta::ValueRef) {
-    if (attribute == Orb::Task::runAttribute && !isZombie()) {
+void PktGenSm::taskRuns() {
+    if (!isZombie()) {
         Reaction const alive(*this);
         doWork();
     }
 }
 
-void PktGenSm::socketDispatch(Vanta::Publisher const&, Vanta::Subscriber&,
-                              Vanta::AttributeNumber attribute, Vanta::ValueRef, Vanta::ValueRef) {
-    if (attribute == Orb::FileDescriptor::readableAttribute && !isZombie()) {
+void PktGenSm::digestReadable() {
+    if (!isZombie()) {
         Reaction const alive(*this);
         processPktTracerDigest();
     }

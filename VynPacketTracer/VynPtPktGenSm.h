@@ -152,19 +152,12 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
     void deRegisterPktTracerDigest();
 
     void connectReactors();
+    void connectTask();
     void disconnectReactors() noexcept;
-    void configDispatch(Vanta::Publisher const& publisher, Vanta::Subscriber& subscriber,
-                        Vanta::AttributeNumber attribute, Vanta::ValueRef key,
-                        Vanta::ValueRef oldValue);
-    void phase0Dispatch(Vanta::Publisher const& publisher, Vanta::Subscriber& subscriber,
-                        Vanta::AttributeNumber attribute, Vanta::ValueRef key,
-                        Vanta::ValueRef oldValue);
-    void taskDispatch(Vanta::Publisher const& publisher, Vanta::Subscriber& subscriber,
-                      Vanta::AttributeNumber attribute, Vanta::ValueRef key,
-                      Vanta::ValueRef oldValue);
-    void socketDispatch(Vanta::Publisher const& publisher, Vanta::Subscriber& subscriber,
-                        Vanta::AttributeNumber attribute, Vanta::ValueRef key,
-                        Vanta::ValueRef oldValue);
+    void jobChanged(Vanta::Change const& change);
+    void phase0Answered(Vanta::Change const& change);
+    void taskRuns();
+    void digestReadable();
 
     // A dispatcher under way: it keeps the engine alive, since whoever hears of an answer may let the
     // tracer go.

@@ -16,7 +16,7 @@ Vanta::Ptr<RecordedPhase0> RecordedPhase0::RecordedPhase0Is(Vanta::Ptr<Phase0Dat
 RecordedPhase0::RecordedPhase0(Vanta::Ptr<Phase0DataIntf> chip,
                                Vanta::Ptr<Orb::TaskSchedulerRoot> loop, Listener listener)
     : chip_(std::move(chip)), loop_(std::move(loop)), listener_(std::move(listener)) {
-    chipSubscriber_.subscribe<&RecordedPhase0::chipDispatch>(chip_->publisher(), this);
+    chipSubscriber_.subscribe<&RecordedPhase0::chipAnnounced>(chip_->publisher(), this);
 }
 
 void RecordedPhase0::configDel(Plexa::IntfId const& intf) {
@@ -24,9 +24,8 @@ void RecordedPhase0::configDel(Plexa::IntfId const& intf) {
     responseDel(intf);
 }
 
-void RecordedPhase0::chipDispatch(Vanta::Publisher const&, Vanta::Subscriber&,
-                                  Vanta::AttributeNumber, Vanta::ValueRef key, Vanta::ValueRef) {
-    Announcement announcement{key.get<Plexa::IntfId>(), std::nullopt};
+void RecordedPhase0::chipAnnounced(Vanta::Change const& change) {
+    Announcement announcement{change.key.get<Plexa::IntfId>(), std::nullopt};
     if (auto const* const entry = chip_->response().find(announcement.intf)) {
         announcement.response = entry->value;
     }

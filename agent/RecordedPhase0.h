@@ -55,9 +55,7 @@ class RecordedPhase0 final : public VynSdk::Phase0DataIntf {
                    Listener listener);
     ~RecordedPhase0() override = default;
 
-    void chipDispatch(Vanta::Publisher const& publisher, Vanta::Subscriber& subscriber,
-                      Vanta::AttributeNumber attribute, Vanta::ValueRef key,
-                      Vanta::ValueRef oldValue);
+    void chipAnnounced(Vanta::Change const& change);
     void deliverWaiting();
     void deliver(Announcement const& announcement);
 

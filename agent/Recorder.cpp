@@ -20,16 +20,6 @@ using PacketTracer::RequestId;
 constexpr std::string_view engineTask = "pktGenWorker";
 constexpr std::string_view digestDescriptor = "Packet tracer digest";
 
-// The recorder of this process, for its last step.
-Recorder* recorder = nullptr;
-
-Recorder* onlyRecorder(Recorder* self) {
-    if (recorder != nullptr) {
-        throw std::logic_error("a run of this process is recorded already");
-    }
-    return self;
-}
-
 bool isResultEmpty(PacketTracer::Result const& result) {
     return result.state() == PacketTracer::State{} && !result.valid() &&
            result.egressIntf().empty();
@@ -38,7 +28,7 @@ bool isResultEmpty(PacketTracer::Result const& result) {
 }  // namespace
 
 Recorder::Recorder(Scene const& scene, RecordingFile& file)
-    : scene_((onlyRecorder(this), scene)),
+    : scene_(scene),
       writer_(file),
       chip_(scene.device, writer_),
       phase0_(RecordedPhase0::RecordedPhase0Is(
@@ -48,11 +38,7 @@ Recorder::Recorder(Scene const& scene, RecordingFile& file)
                [this](Plexa::IntfId const& intf, VynSdk::Phase0DataResponse const* response) {
                    event(response != nullptr ? Line::phase0(intf, *response)
                                              : Line::phase0Del(intf));
-               }})),
-      previousTap_(Vanta::installedTap()),
-      previousStep_(Vanta::lastStepIs(lastStep)) {
-    recorder = this;
-    Vanta::tapIs(tap, this);
+               }})) {
     forwardingStateChanged();
     for (auto const& entry : scene_.clientConfigs->entry()) {
         configEntry(Vanta::String(entry.key));
@@ -64,9 +50,6 @@ Recorder::Recorder(Scene const& scene, RecordingFile& file)
 
 Recorder::~Recorder() {
     phase0_->listenerDel();
-    Vanta::tapIs(previousTap_.function, previousTap_.context);
-    Vanta::lastStepIs(previousStep_);
-    recorder = nullptr;
     writer_.use([](ScenarioWriter& writer) { writer.finish(); });
 }
 
@@ -90,29 +73,22 @@ void Recorder::forwardingStateChanged() {
     }
 }
 
-void Recorder::lastStep(std::string_view errorClass, std::string_view text) {
-    recorder->writer_.use([](ScenarioWriter& writer) { writer.finish(); });
-    recorder->previousStep_(errorClass, text);
+void Recorder::processEnds(std::string_view, std::string_view) {
+    writer_.use([](ScenarioWriter& writer) { writer.finish(); });
 }
 
 // ---- What is published
 
-void Recorder::tap(void* context, Vanta::Publisher const& publisher,
-                   Vanta::AttributeNumber attribute, Vanta::ValueRef key,
-                   Vanta::ValueRef oldValue) {
-    auto& self = *static_cast<Recorder*>(context);
+void Recorder::published(Vanta::Change const& change) {
     try {
-        self.published(publisher, attribute, key);
+        record(change.publisher, change.attribute, change.key);
     } catch (std::exception const& error) {
-        self.writer_.use([&](ScenarioWriter&) { throw std::runtime_error(error.what()); });
-    }
-    if (self.previousTap_.function != nullptr) {
-        self.previousTap_.function(self.previousTap_.context, publisher, attribute, key, oldValue);
+        writer_.use([&](ScenarioWriter&) { throw std::runtime_error(error.what()); });
     }
 }
 
-void Recorder::published(Vanta::Publisher const& publisher, Vanta::AttributeNumber attribute,
-                         Vanta::ValueRef key) {
+void Recorder::record(Vanta::Publisher const& publisher, Vanta::AttributeNumber attribute,
+                      Vanta::ValueRef key) {
     Vanta::Node const* const owner = publisher.owner();
     if (owner == scene_.clientConfigs.get()) {
         configEntry(key.get<Vanta::String>());

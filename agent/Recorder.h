@@ -6,8 +6,7 @@
 // a digest (RecordedPhase0.h): it hears every publication, and stands in front of the chip and of
 // the phase-0 data. If the process ends, the event that ended it is written too.
 //
-// It takes the place of the process's tap and last step and goes on telling who was there; who
-// comes later leaves earlier. One recorder at a time. Thread: the event thread.
+// Thread: the event thread.
 #pragma once
 
 #include <cstdint>
@@ -37,7 +36,7 @@ class Recorder {
         VynId::VynDevId device;
     };
 
-    // Begins with what is there. Errors: std::logic_error if there is a recorder or no chip.
+    // Begins with what is there. Errors: std::logic_error if there is no chip.
     // Preconditions: there is no tracer yet; `file` outlives the recorder.
     Recorder(Scene const& scene, RecordingFile& file);
     Recorder(Recorder const&) = delete;
@@ -55,13 +54,11 @@ class Recorder {
     void forwardingStateChanged();
 
   private:
-    static void tap(void* context, Vanta::Publisher const& publisher,
-                    Vanta::AttributeNumber attribute, Vanta::ValueRef key,
-                    Vanta::ValueRef oldValue);
-    static void lastStep(std::string_view errorClass, std::string_view text);
+    void published(Vanta::Change const& change);
+    void processEnds(std::string_view errorClass, std::string_view text);
 
-    void published(Vanta::Publisher const& publisher, Vanta::AttributeNumber attribute,
-                   Vanta::ValueRef key);
+    void record(Vanta::Publisher const& publisher, Vanta::AttributeNumber attribute,
+                Vanta::ValueRef key);
     void configEntry(Vanta::String const& name);
     void statusEntry(Vanta::String const& name);
     void requestEntry(Vanta::Node const& config, PacketTracer::RequestId const& id);
@@ -76,8 +73,8 @@ class Recorder {
     Vanta::Ptr<RecordedPhase0> phase0_;
     std::uint64_t digestTurn_ = 0;  // the latest turn that read a digest
     bool running_ = false;          // there is a tracer
-    Vanta::InstalledTap previousTap_;
-    Vanta::LastStep previousStep_;
+    Vanta::LastStep const lastStep_ = Vanta::LastStep::to<&Recorder::processEnds>(this);
+    Vanta::Tap const tap_ = Vanta::Tap::to<&Recorder::published>(this);
 };
 
 }  // namespace Agent

@@ -13,9 +13,8 @@ struct TraceClient::Waiting {
     Waiting(TraceClient& client, std::uint32_t ownNumber, Clock::time_point ownAdded)
         : owner(client), number(ownNumber), added(ownAdded) {}
 
-    void resultDispatch(Vanta::Publisher const&, Vanta::Subscriber&,
-                        Vanta::AttributeNumber attribute, Vanta::ValueRef, Vanta::ValueRef) {
-        if (attribute == PacketTracer::Result::validAttribute && !answered) {
+    void resultValid() {
+        if (!answered) {
             answered = true;
             owner.lastEvent_ = owner.now_();
             owner.answered_.push_back(number);
@@ -57,7 +56,9 @@ TraceClient::TraceClient(ForwardingAgent& agent, Vanta::String name, Clock::dura
       config_(PacketTracer::ClientConfig::ClientConfigIs()),
       status_(PacketTracer::ClientStatus::ClientStatusIs()),
       lastEvent_(now_()) {
-    statusSubscriber_.subscribe<&TraceClient::statusDispatch>(status_->publisher(), this);
+    statusSubscriber_
+        .subscribe<&TraceClient::resultChanged, PacketTracer::ClientStatus::resultAttribute>(
+            status_->publisher(), this);
     agent_.clientConfigs().entryIs(name_, config_);
     agent_.clientStatuses().entryIs(name_, status_);
 }
@@ -80,17 +81,14 @@ void TraceClient::add(Vanta::Ptr<PacketTracer::Request> const& request) {
     request->validIs(true);
 }
 
-void TraceClient::statusDispatch(Vanta::Publisher const&, Vanta::Subscriber&,
-                                 Vanta::AttributeNumber attribute, Vanta::ValueRef key,
-                                 Vanta::ValueRef) {
-    if (attribute != PacketTracer::ClientStatus::resultAttribute) {
-        return;
-    }
-    auto const& id = key.get<PacketTracer::RequestId>();
+void TraceClient::resultChanged(Vanta::Change const& change) {
+    auto const& id = change.key.get<PacketTracer::RequestId>();
     Waiting* const waiting = find(id.number());
     auto const result = status_->result(id);
     if (waiting != nullptr && result) {
-        waiting->resultSubscriber.subscribe<&Waiting::resultDispatch>(result->publisher(), waiting);
+        waiting->resultSubscriber
+            .subscribe<&Waiting::resultValid, PacketTracer::Result::validAttribute>(
+                result->publisher(), waiting);
     }
 }
 

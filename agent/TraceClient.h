@@ -104,9 +104,7 @@ class TraceClient {
   private:
     struct Waiting;
 
-    void statusDispatch(Vanta::Publisher const& publisher, Vanta::Subscriber& subscriber,
-                        Vanta::AttributeNumber attribute, Vanta::ValueRef key,
-                        Vanta::ValueRef oldValue);
+    void resultChanged(Vanta::Change const& change);
     Waiting* find(std::uint32_t number) noexcept;
     PacketTracer::RequestId idOf(std::uint32_t number) const { return {name_, number}; }
     Clock::duration untilFirstLimit() const;

@@ -85,7 +85,7 @@ void Host::addPort(Plexa::IntfId const& intf, SoftChip::DevicePort port) {
 // ---- Client
 
 Client::Client(Host& host, std::string const& name) : host_(host), name_(name) {
-    subscriber_.subscribe<&Client::statusDispatch>(status_->publisher(), this);
+    subscriber_.subscribe<&Client::resultChanged>(status_->publisher(), this);
     host_.statuses->entryIs(name_, status_);
     host_.configs->entryIs(name_, config_);
 }
@@ -116,9 +116,8 @@ std::optional<std::uint32_t> Client::takeAnswer() {
     return number;
 }
 
-void Client::statusDispatch(Vanta::Publisher const&, Vanta::Subscriber&, Vanta::AttributeNumber,
-                            Vanta::ValueRef key, Vanta::ValueRef) {
-    auto const& id = key.get<PacketTracer::RequestId>();
+void Client::resultChanged(Vanta::Change const& change) {
+    auto const& id = change.key.get<PacketTracer::RequestId>();
     auto const result = status_->result(id);
     if (!result) {
         return;
@@ -129,17 +128,14 @@ void Client::statusDispatch(Vanta::Publisher const&, Vanta::Subscriber&, Vanta::
     Watch& watch = *freeWatches_.back();
     freeWatches_.pop_back();
     watch.number = id.number();
-    watch.subscriber.subscribe<&Watch::resultDispatch>(result->publisher(), &watch);
+    watch.subscriber.subscribe<&Watch::resultValid, PacketTracer::Result::validAttribute>(
+        result->publisher(), &watch);
 }
 
-void Client::Watch::resultDispatch(Vanta::Publisher const&, Vanta::Subscriber& self,
-                                   Vanta::AttributeNumber attribute, Vanta::ValueRef,
-                                   Vanta::ValueRef) {
-    if (attribute == PacketTracer::Result::validAttribute) {
-        self.unsubscribe();
-        client->answered_.push_back(number);
-        client->freeWatches_.push_back(this);
-    }
+void Client::Watch::resultValid() {
+    subscriber.unsubscribe();
+    client->answered_.push_back(number);
+    client->freeWatches_.push_back(this);
 }
 
 // ---- Load

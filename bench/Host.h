@@ -81,14 +81,10 @@ class Client {
         std::uint32_t number = 0;
         Vanta::Subscriber subscriber;
 
-        void resultDispatch(Vanta::Publisher const& publisher, Vanta::Subscriber& self,
-                            Vanta::AttributeNumber attribute, Vanta::ValueRef key,
-                            Vanta::ValueRef oldValue);
+        void resultValid();
     };
 
-    void statusDispatch(Vanta::Publisher const& publisher, Vanta::Subscriber& self,
-                        Vanta::AttributeNumber attribute, Vanta::ValueRef key,
-                        Vanta::ValueRef oldValue);
+    void resultChanged(Vanta::Change const& change);
 
     Host& host_;
     Vanta::String name_;

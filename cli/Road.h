@@ -1,7 +1,6 @@
 // A request's road through the tracer, taken from what the tracer's modules trace on the way.
 //
-// It is the process's trace tap, so there is one Road at a time, and what it hears belongs to one
-// request only if no other one is under way. Threads: it hears statements of any thread; it is made
+// What it hears belongs to one request only if no other one is under way. Threads: it hears statements of any thread; it is made
 // before other threads trace and destroyed after them; start() and take() are the event thread's.
 #pragma once
 
@@ -11,6 +10,8 @@
 #include <string>
 #include <string_view>
 #include <vector>
+
+#include "Trace/Tap.h"
 
 namespace Cli {
 
@@ -32,7 +33,6 @@ class Road {
     explicit Road(Now now = Clock::now);
     Road(Road const&) = delete;
     Road& operator=(Road const&) = delete;
-    ~Road();
 
     // Forgets everything; times count from here.
     void start();
@@ -42,12 +42,13 @@ class Road {
     std::vector<Passage> take();
 
   private:
-    static void heard(void* road, std::string_view handle, unsigned level, std::string_view text);
+    void heard(std::string_view handle, unsigned level, std::string_view text);
 
     Now const now_;
     std::mutex mutex_;  // guards what follows
     Clock::time_point start_;
     std::vector<Passage> passages_;
+    Trace::Tap const tap_ = Trace::Tap::to<&Road::heard>(this);
 };
 
 }  // namespace Cli

@@ -132,15 +132,6 @@ void writeArguments(JsonWriter& json, ScriptChip::SdkCall const& call) {
     }
 }
 
-// The printer of the run under way, for the process's last step.
-Printer* observer = nullptr;
-
-void lastStep(std::string_view type, std::string_view text) {
-    observer->fatal(type, text);
-    observer->flush();
-    ::_exit(fatalStatus);
-}
-
 }  // namespace
 
 template <class Write>
@@ -191,22 +182,27 @@ void Printer::trace(std::string_view handle, unsigned level, std::string_view te
     });
 }
 
-void Printer::published(Vanta::Publisher const& publisher, Vanta::AttributeNumber attribute,
-                        Vanta::ValueRef key) {
-    Vanta::Node const* const owner = publisher.owner();
+void Printer::exitFatal(std::string_view type, std::string_view text) {
+    fatal(type, text);
+    flush();
+    ::_exit(fatalStatus);
+}
+
+void Printer::published(Vanta::Change const& change) {
+    Vanta::Node const* const owner = change.publisher.owner();
     if (auto const* status = dynamic_cast<PktGenStatusData const*>(owner)) {
-        print([&](JsonWriter& json) { writeStatus(json, *status, attribute); });
+        print([&](JsonWriter& json) { writeStatus(json, *status, change.attribute); });
     } else if (auto const* result = dynamic_cast<PacketTracer::Result const*>(owner)) {
-        print([&](JsonWriter& json) { writeResult(json, *result, attribute, key); });
+        print([&](JsonWriter& json) { writeResult(json, *result, change.attribute, change.key); });
     } else if (auto const* statuses = dynamic_cast<PktGenStatus const*>(owner)) {
-        auto const& id = key.get<RequestId>();
+        auto const& id = change.key.get<RequestId>();
         print(
             [&](JsonWriter& json) { writePresence(json, "status", statuses->statusHas(id), id); });
     } else if (auto const* configs = dynamic_cast<PktGenConfig const*>(owner)) {
-        auto const& id = key.get<RequestId>();
+        auto const& id = change.key.get<RequestId>();
         print([&](JsonWriter& json) { writePresence(json, "cfg", configs->cfgHas(id), id); });
     } else if (auto const* client = dynamic_cast<PacketTracer::ClientStatus const*>(owner)) {
-        auto const& id = key.get<RequestId>();
+        auto const& id = change.key.get<RequestId>();
         print(
             [&](JsonWriter& json) { writePresence(json, "result", client->result().has(id), id); });
     }
@@ -243,27 +239,9 @@ bool Printer::flush() {
     return out_.good();
 }
 
-Observation::Observation(Printer& printer) {
-    observer = &printer;
-    previous_ = Vanta::lastStepIs(lastStep);
-    Vanta::tapIs(
-        [](void* context, Vanta::Publisher const& publisher, Vanta::AttributeNumber attribute,
-           Vanta::ValueRef key, Vanta::ValueRef) {
-            static_cast<Printer*>(context)->published(publisher, attribute, key);
-        },
-        &printer);
-    Trace::tapIs(
-        [](void* context, std::string_view handle, unsigned level, std::string_view text) {
-            static_cast<Printer*>(context)->trace(handle, level, text);
-        },
-        &printer);
-}
-
-Observation::~Observation() {
-    Trace::tapIs(nullptr, nullptr);
-    Vanta::tapIs(nullptr, nullptr);
-    Vanta::lastStepIs(previous_);
-    observer = nullptr;
-}
+Observation::Observation(Printer& printer)
+    : lastStep_(Vanta::LastStep::to<&Printer::exitFatal>(&printer)),
+      publications_(Vanta::Tap::to<&Printer::published>(&printer)),
+      traces_(Trace::Tap::to<&Printer::trace>(&printer)) {}
 
 }  // namespace Replay

@@ -13,9 +13,9 @@
 #include <string>
 #include <string_view>
 
+#include "Trace/Tap.h"
 #include "Vanta/Assert.h"
-#include "Vanta/Node.h"
-#include "Vanta/Publisher.h"
+#include "Vanta/Tap.h"
 #include "VynPacketTracer/VynPtTypes.h"
 #include "replay/JsonText.h"
 #include "scriptchip/Listener.h"
@@ -40,12 +40,13 @@ class Printer final : public ScriptChip::Listener {
     void error(std::exception const& error);
     // The end of the process.
     void fatal(std::string_view type, std::string_view text);
+    // The same, and the process ends with it: what was printed is flushed, the status is fatalStatus.
+    void exitFatal(std::string_view type, std::string_view text);
     // Lines that stand for themselves.
     void lines(std::string_view text);
 
     void trace(std::string_view handle, unsigned level, std::string_view text);
-    void published(Vanta::Publisher const& publisher, Vanta::AttributeNumber attribute,
-                   Vanta::ValueRef key);
+    void published(Vanta::Change const& change);
     void sdkCalled(ScriptChip::SdkCall const& call) override;
     void phase0ConfigIs(Plexa::IntfId const& intf) override;
     void phase0ConfigDel(Plexa::IntfId const& intf) override;
@@ -67,17 +68,16 @@ class Printer final : public ScriptChip::Listener {
     bool closed_ = false;
 };
 
-// Connects a printer to the process's taps and makes it the process's last step, which exits with
-// fatalStatus. One at a time.
+// Connects a printer to the process's taps and to its last step, which exits with fatalStatus.
 class Observation {
   public:
+    // `printer` outlives it.
     explicit Observation(Printer& printer);
-    Observation(Observation const&) = delete;
-    Observation& operator=(Observation const&) = delete;
-    ~Observation();
 
   private:
-    Vanta::LastStep previous_;
+    Vanta::LastStep const lastStep_;
+    Vanta::Tap const publications_;
+    Trace::Tap const traces_;
 };
 
 }  // namespace Replay

@@ -122,9 +122,8 @@ void Phase0Desk::dropElsewhere(Plexa::IntfId const& intf) {
     static_cast<void>(responseDel(intf));
 }
 
-void Phase0Desk::announced(Vanta::Publisher const&, Vanta::Subscriber&, Vanta::AttributeNumber,
-                           Vanta::ValueRef key, Vanta::ValueRef) {
-    auto const intf = key.get<Plexa::IntfId>();
+void Phase0Desk::announced(Vanta::Change const& change) {
+    auto const intf = change.key.get<Plexa::IntfId>();
     auto const* const response = chip_->response().find(intf);
     Wire::Announcement announcement{intf, response != nullptr, 0, {}};
     if (response != nullptr) {

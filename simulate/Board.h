@@ -80,8 +80,7 @@ class Phase0Desk final : public VynSdk::Phase0DataIntf {
     Phase0Desk(Vanta::Ptr<SoftChip::Phase0Data> chip, Recorder& recorder, Packets& packets);
     ~Phase0Desk() override = default;
 
-    void announced(Vanta::Publisher const& publisher, Vanta::Subscriber& subscriber,
-                   Vanta::AttributeNumber attribute, Vanta::ValueRef key, Vanta::ValueRef oldValue);
+    void announced(Vanta::Change const& change);
 
     Vanta::Ptr<SoftChip::Phase0Data> chip_;
     Recorder& recorder_;

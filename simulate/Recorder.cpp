@@ -75,28 +75,11 @@ std::string line(RequestId const& id) {
     return joined(id.clientName().view(), "/", id.number());
 }
 
-Recorder::Recorder() {
-    Vanta::tapIs(
-        [](void* context, Vanta::Publisher const& publisher, Vanta::AttributeNumber attribute,
-           Vanta::ValueRef key, Vanta::ValueRef) {
-            static_cast<Recorder*>(context)->published(publisher, attribute, key);
-        },
-        this);
-    Trace::tapIs(
-        [](void* context, std::string_view handle, unsigned level, std::string_view text) {
-            auto& self = *static_cast<Recorder*>(context);
-            self.note("trace ", handle, " ", level, " ", text);
-            if (self.silence_) {
-                self.breachIs(
-                    {"silence", joined("there is no tracer, but ", handle, " was called: ", text)});
-            }
-        },
-        this);
-}
-
-Recorder::~Recorder() {
-    Trace::tapIs(nullptr, nullptr);
-    Vanta::tapIs(nullptr, nullptr);
+void Recorder::traced(std::string_view handle, unsigned level, std::string_view text) {
+    note("trace ", handle, " ", level, " ", text);
+    if (silence_) {
+        breachIs({"silence", joined("there is no tracer, but ", handle, " was called: ", text)});
+    }
 }
 
 void Recorder::breachIs(Breach breach) {
@@ -105,21 +88,20 @@ void Recorder::breachIs(Breach breach) {
     }
 }
 
-void Recorder::published(Vanta::Publisher const& publisher, Vanta::AttributeNumber attribute,
-                         Vanta::ValueRef key) {
-    Node const* const owner = publisher.owner();
+void Recorder::published(Vanta::Change const& change) {
+    Node const* const owner = change.publisher.owner();
     if (auto const* status = dynamic_cast<PktGenStatusData const*>(owner)) {
-        statusPublished(*status, attribute);
+        statusPublished(*status, change.attribute);
     } else if (auto const* result = dynamic_cast<Result const*>(owner)) {
-        resultPublished(*result, attribute, key);
+        resultPublished(*result, change.attribute, change.key);
     } else if (auto const* answers = dynamic_cast<PktGenStatus const*>(owner)) {
-        auto const& id = key.get<RequestId>();
+        auto const& id = change.key.get<RequestId>();
         presence(owner, "status", id, answers->status(id).get());
     } else if (auto const* jobs = dynamic_cast<PktGenConfig const*>(owner)) {
-        auto const& id = key.get<RequestId>();
+        auto const& id = change.key.get<RequestId>();
         presence(owner, "cfg", id, jobs->cfg(id).get());
     } else if (auto const* client = dynamic_cast<ClientStatus const*>(owner)) {
-        auto const& id = key.get<RequestId>();
+        auto const& id = change.key.get<RequestId>();
         presence(owner, "result", id, client->result(id).get());
     }
 }

@@ -4,7 +4,7 @@
 // It also keeps a copy of jobs, answers and results that it makes from publications alone. So it
 // knows of a publication that changed nothing, and what() tells of a change that nobody published.
 //
-// While it lives it is the process's tap of publications and of traces. Thread: one only.
+// While it lives it hears every publication and every trace statement. Thread: one only.
 #pragma once
 
 #include <map>
@@ -15,7 +15,8 @@
 #include <vector>
 
 #include "PacketTracer/ClientStatus.h"
-#include "Vanta/Publisher.h"
+#include "Trace/Tap.h"
+#include "Vanta/Tap.h"
 #include "VynPacketTracer/VynPtTypes.h"
 #include "simulate/Text.h"
 #include "simulate/Wire.h"
@@ -30,10 +31,7 @@ struct Breach {
 
 class Recorder {
   public:
-    Recorder();
-    Recorder(Recorder const&) = delete;
-    Recorder& operator=(Recorder const&) = delete;
-    ~Recorder();
+    Recorder() = default;
 
     template <class... Parts>
     void note(Parts const&... parts) {
@@ -69,8 +67,8 @@ class Recorder {
     using Node = Vanta::Node;
     using Values = std::map<Vanta::AttributeNumber, std::string>;
 
-    void published(Vanta::Publisher const& publisher, Vanta::AttributeNumber attribute,
-                   Vanta::ValueRef key);
+    void traced(std::string_view handle, unsigned level, std::string_view text);
+    void published(Vanta::Change const& change);
     void presence(Node const* collection, std::string_view what, PacketTracer::RequestId const& id,
                   Node const* entry);
     void value(Node const* record, Vanta::AttributeNumber attribute, std::string value,
@@ -86,6 +84,8 @@ class Recorder {
     std::optional<Breach> breach_;
     std::map<Node const*, std::set<PacketTracer::RequestId>> present_;  // by collection
     std::map<Node const*, Values> values_;                              // by answer or result
+    Vanta::Tap const publications_ = Vanta::Tap::to<&Recorder::published>(this);
+    Trace::Tap const traces_ = Trace::Tap::to<&Recorder::traced>(this);
 };
 
 // A request's id as the lines have it: "A/3".

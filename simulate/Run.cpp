@@ -9,8 +9,6 @@
 namespace Simulate {
 namespace {
 
-Run* current = nullptr;  // the run under way, for the process's last step
-
 std::size_t openDescriptors() {
     std::filesystem::directory_iterator const open("/proc/self/fd");
     return static_cast<std::size_t>(std::distance(begin(open), end(open)));
@@ -22,16 +20,8 @@ Run::Run(Program const& program, std::function<void(Report const&)> finish)
     : program_(program),
       finish_(std::move(finish)),
       nodesBefore_(Vanta::Node::liveCount()),
-      descriptorsBefore_(openDescriptors()),
-      previous_(Vanta::lastStepIs(&Run::lastStep)) {
-    current = this;
+      descriptorsBefore_(openDescriptors()) {
     world_.emplace(program.drawn);
-}
-
-Run::~Run() {
-    world_.reset();
-    current = nullptr;
-    Vanta::lastStepIs(previous_);
 }
 
 Report Run::go() {
@@ -157,10 +147,6 @@ bool Run::fail(Breach const& breach) {
 }
 
 // ---- The end of the process
-
-void Run::lastStep(std::string_view type, std::string_view text) {
-    current->ended(type, text);
-}
 
 // The event is not over, and never will be: what was seen of it must be a beginning that the model
 // ends in the same way. It is given nothing that the tracer did not get as far as asking for.

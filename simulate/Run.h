@@ -47,7 +47,6 @@ class Run {
     Run(Program const& program, std::function<void(Report const&)> finish);
     Run(Run const&) = delete;
     Run& operator=(Run const&) = delete;
-    ~Run();
 
     // For tests of the invariants: is called after each event, before what happened is judged.
     void interfereIs(std::function<void(World&, Event const&)> interfere) {
@@ -62,7 +61,6 @@ class Run {
     Report const& report() const { return report_; }
 
   private:
-    static void lastStep(std::string_view type, std::string_view text);
     void ended(std::string_view type, std::string_view text);
 
     void carryOut(Event const& event);
@@ -85,6 +83,7 @@ class Run {
     std::function<void(Report const&)> const finish_;
     std::function<void(World&, Event const&)> interfere_;
     Report report_;
+    Vanta::LastStep const lastStep_ = Vanta::LastStep::to<&Run::ended>(this);
     std::optional<World> world_;
     Model model_;
     Event const* event_ = nullptr;
@@ -92,7 +91,6 @@ class Run {
     bool wasOrderly_ = true;  // every phase-0 answer of this tracer's life was awaited
     std::uint64_t nodesBefore_;
     std::size_t descriptorsBefore_;
-    Vanta::LastStep previous_;
 };
 
 }  // namespace Simulate

@@ -52,8 +52,7 @@ void Phase0Data::queue(Event const& event) {
 
 // What is caused meanwhile is of this turn, so it waits for the next. An announcement may let the
 // last reference go.
-void Phase0Data::announceDue(Vanta::Publisher const&, Vanta::Subscriber&, Vanta::AttributeNumber,
-                             Vanta::ValueRef, Vanta::ValueRef) {
+void Phase0Data::announceDue() {
     Vanta::Ptr<Phase0Data> const alive(this);
     while (!events_.empty() && refCount() > 1) {
         auto const event = events_.front();

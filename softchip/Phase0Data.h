@@ -77,9 +77,7 @@ class Phase0Data final : public VynSdk::Phase0DataIntf {
     ~Phase0Data() override = default;
 
     void queue(Event const& event);
-    void announceDue(Vanta::Publisher const& publisher, Vanta::Subscriber& subscriber,
-                     Vanta::AttributeNumber attribute, Vanta::ValueRef key,
-                     Vanta::ValueRef oldValue);
+    void announceDue();
     bool isVoid(Event const& event) const;
     void announce(Event const& event);
     VynSdk::Phase0DataResponse answer(Event const& event) const;

@@ -75,10 +75,7 @@ class NotifieeConst : public Object {
             subscriber_.unsubscribe();
         }
     }
-    void dispatch(Vanta::Publisher const&, Vanta::Subscriber&, Vanta::AttributeNumber attribute,
-                  Vanta::ValueRef, Vanta::ValueRef oldValue) {
-        onAttribute(attribute, oldValue);
-    }
+    void dispatch(Vanta::Change const& change) { onAttribute(change.attribute, change.oldValue); }
 
     // The flag comes first, into the room that the base's flags leave. The subscriber is declared
     // last: it goes before the notifier whose publisher it is on.

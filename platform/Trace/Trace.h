@@ -1,10 +1,10 @@
 // Tracing: what a module's statements say goes to a ring in a file (Ringlog.h), to the text trace
-// (Text.h) and to a tap, each of which may be there or not.
+// (Text.h) and to taps (Tap.h), each of which may be there or not.
 //
 //     Trace::Handle& trace = Trace::handle("VynPtSm");
 //     Trace::twinlog(trace, 7, "handleClient:client %s", name);
 //
-// Which levels appear as text is a matter of the handle (Handle.h); the ring and the tap get every
+// Which levels appear as text is a matter of the handle (Handle.h); the ring and the taps get every
 // statement of every level. A statement that nobody reads costs one relaxed load and a branch;
 // whatever is read, a value is formatted for a text only.
 //
@@ -25,13 +25,13 @@
 
 namespace Trace {
 
-// Hands one statement to its readers: the tap, then the ring, then the text trace.
+// Hands one statement to its readers: the taps, then the ring, then the text trace.
 VYN_EXPORT void emit(Handle const& handle, unsigned level, char const* format,
                      std::span<Value const> values);
 
 // One trace statement. `level` is a constant from 0 to 9; `format` is a literal with one "%s" for
 // each of `values`, checked when the statement is compiled; see Value.h for what a value can be.
-// Errors: what a value's writer or the tap throws, and std::bad_alloc where a text is made.
+// Errors: what a value's writer or a tap throws, and std::bad_alloc where a text is made.
 template <class... Values>
 inline void twinlog(Handle const& handle, Level level,
                     std::type_identity_t<Format<sizeof...(Values)>> format,
@@ -42,14 +42,5 @@ inline void twinlog(Handle const& handle, Level level,
     std::array<Value, sizeof...(Values)> const list{traceValue(values)...};
     emit(handle, level.number(), format.text(), list);
 }
-
-// Is told of every statement, of all levels, before any other reader, on the statement's thread.
-// `text` is the whole message without time, handle and level; it ends with the call.
-using TapFunction = void (*)(void* context, std::string_view handle, unsigned level,
-                             std::string_view text);
-
-// Sets the process's one tap, or takes it away (null). The caller sees to it that no other thread
-// traces meanwhile. A statement inside the tap reaches the other readers only.
-VYN_EXPORT void tapIs(TapFunction function, void* context);
 
 }  // namespace Trace

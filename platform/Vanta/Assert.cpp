@@ -9,6 +9,8 @@
 #include <string>
 #include <typeinfo>
 
+#include "Vanta/HookChain.h"
+
 namespace Vanta {
 namespace {
 
@@ -24,14 +26,7 @@ void writeLine(std::initializer_list<std::string_view> parts) noexcept {
     [[maybe_unused]] ssize_t const written = ::write(STDERR_FILENO, line, size);
 }
 
-void abortProcess(std::string_view errorClass, std::string_view text) {
-    if (errorClass != "assert") {
-        writeLine({"uncaught ", errorClass, ": ", text});
-    }
-    std::abort();
-}
-
-LastStep lastStep = abortProcess;
+constinit HookChain<LastStep> lastSteps;
 
 std::string classNameOf(std::exception const& error) {
     int status = 0;
@@ -44,14 +39,22 @@ std::string classNameOf(std::exception const& error) {
 
 }  // namespace
 
-LastStep lastStepIs(LastStep step) noexcept {
-    LastStep const previous = lastStep;
-    lastStep = step != nullptr ? step : abortProcess;
-    return previous;
+LastStep::LastStep(Function function, void* context) noexcept
+    : function_(function), context_(context) {
+    lastSteps.add(*this);
+}
+
+LastStep::~LastStep() {
+    lastSteps.remove(*this);
 }
 
 void endProcess(std::string_view errorClass, std::string_view text) noexcept {
-    lastStep(errorClass, text);
+    for (LastStep const* step = lastSteps.first(); step != nullptr; step = step->older_) {
+        step->function_(step->context_, errorClass, text);
+    }
+    if (errorClass != "assert") {
+        writeLine({"uncaught ", errorClass, ": ", text});
+    }
     std::abort();
 }
 

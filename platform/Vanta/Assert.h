@@ -1,8 +1,8 @@
 // The one way in which the process ends on purpose.
 //
 // A failed assertion and an exception that reaches a dispatcher (notification, task, descriptor)
-// both come to endProcess(). Its last step can be replaced: tests and the replay driver do so, to
-// report the end instead of dumping core. Assertions are on in every build.
+// both come to endProcess(). What it does can be replaced or preceded (LastStep): tests and the
+// replay driver report the end instead of dumping core. Assertions are on in every build.
 #pragma once
 
 #include <string_view>
@@ -11,17 +11,46 @@
 
 namespace Vanta {
 
-// What is done last. It is given the error's class name without namespace ("assert" for a failed
-// assertion) and its text. It must not return; the process is aborted if it does.
-using LastStep = void (*)(std::string_view errorClass, std::string_view text);
-
-// Replaces the last step and returns the one it replaces. Null restores the default: one line on
-// standard error, then abort(). Thread: before other threads run.
-VYN_EXPORT LastStep lastStepIs(LastStep step) noexcept;
-
-// Ends the process through the last step. Thread: any.
+// Ends the process through its last steps. Thread: any.
 [[noreturn]] VYN_EXPORT void endProcess(std::string_view errorClass,
                                         std::string_view text) noexcept;
+
+template <class Hook>
+class HookChain;
+
+// What is done when the process ends, for as long as it lives. Several may live at a time, and they
+// may go in any order. The newest runs first; when it returns, the next one runs, and after the
+// last of them the process writes one line to standard error (none for a failed assertion, which
+// wrote its own) and aborts. Thread: made and gone before other threads run, or after; run on the
+// thread that ends.
+class VYN_EXPORT LastStep {
+  public:
+    // Is given the error's class name without namespace ("assert" for a failed assertion) and its
+    // text.
+    using Function = void (*)(void* context, std::string_view errorClass, std::string_view text);
+
+    [[nodiscard]] explicit LastStep(Function function, void* context = nullptr) noexcept;
+    // Has a member function run: LastStep const lastStep_ = LastStep::to<&Run::ended>(this);
+    template <auto member, class T>
+    [[nodiscard]] static LastStep to(T* object) noexcept {
+        return LastStep(
+            [](void* context, std::string_view errorClass, std::string_view text) {
+                (static_cast<T*>(context)->*member)(errorClass, text);
+            },
+            object);
+    }
+    LastStep(LastStep const&) = delete;
+    LastStep& operator=(LastStep const&) = delete;
+    ~LastStep();
+
+  private:
+    friend class HookChain<LastStep>;
+    friend void endProcess(std::string_view errorClass, std::string_view text) noexcept;
+
+    Function const function_;
+    void* const context_;
+    LastStep* older_ = nullptr;
+};
 
 // Ends the process with the exception that is being handled. Call it only in a catch clause of a
 // dispatcher: nothing above a dispatcher can know what the exception left undone.

@@ -5,12 +5,6 @@
 #include "Vanta/Tap.h"
 
 namespace Vanta {
-namespace {
-
-Tap tap = nullptr;
-void* tapContext = nullptr;
-
-}  // namespace
 
 // A delivery under way, on the stack of publish(). Unsubscribing moves `next` past the subscriber
 // that goes, so that none is left when the publisher has gone.
@@ -19,15 +13,6 @@ struct Publisher::Delivery {
     Delivery* outer;
     bool publisherGone = false;
 };
-
-void tapIs(Tap newTap, void* context) noexcept {
-    tap = newTap;
-    tapContext = context;
-}
-
-InstalledTap installedTap() noexcept {
-    return {tap, tapContext};
-}
 
 Publisher::~Publisher() {
     for (Delivery* delivery = deliveries_; delivery != nullptr; delivery = delivery->outer) {
@@ -39,8 +24,9 @@ Publisher::~Publisher() {
 }
 
 void Publisher::publish(AttributeNumber attribute, ValueRef key, ValueRef oldValue) const {
-    if (tap != nullptr) [[unlikely]] {
-        tap(tapContext, *this, attribute, key, oldValue);
+    Change const change{*this, attribute, key, oldValue};
+    if (Tap::chain_.first() != nullptr) [[unlikely]] {
+        Tap::tell(change);
     }
     if (first_ == nullptr) {
         return;
@@ -52,7 +38,7 @@ void Publisher::publish(AttributeNumber attribute, ValueRef key, ValueRef oldVal
         while (delivery.next != nullptr && delivery.next->number_ <= newest) {
             Subscriber& subscriber = *delivery.next;
             delivery.next = subscriber.next_;
-            subscriber.dispatch_(subscriber.context_, *this, subscriber, attribute, key, oldValue);
+            subscriber.dispatch_(subscriber.context_, subscriber, change);
         }
     } catch (...) {
         endProcessWithCurrentException();

@@ -7,7 +7,7 @@
 //   4. The publisher may go during delivery; the rest of the subscribers are then not called.
 //   5. A subscriber may publish again through the same publisher; the inner publication is
 //      delivered whole before the outer one goes on.
-//   6. The tap, if there is one, is told before any subscriber.
+//   6. The taps (Vanta/Tap.h), if there are any, are told before any subscriber.
 //   7. An exception that leaves a subscriber ends the process (Vanta/Assert.h).
 //
 // Neither publishing nor subscribing nor unsubscribing allocates or counts a reference. No
@@ -16,6 +16,7 @@
 #pragma once
 
 #include <cstdint>
+#include <type_traits>
 
 #include "Vanta/ValueRef.h"
 #include "VynExport.h"
@@ -28,29 +29,30 @@ class Subscriber;
 
 using AttributeNumber = unsigned;
 
-// One change: which attribute, for a collection which key, and the value before, where there was
-// one. The references are valid during the call only.
-using Dispatch = void (*)(void* context, Publisher const& publisher, Subscriber& subscriber,
-                          AttributeNumber attribute, ValueRef key, ValueRef oldValue);
+// No attribute has this number.
+inline constexpr AttributeNumber everyAttribute = 0;
 
-// The process-wide listener that is told of every publication before any subscriber.
-using Tap = void (*)(void* context, Publisher const& publisher, AttributeNumber attribute,
-                     ValueRef key, ValueRef oldValue);
+// What is published: one change of one object. The references are valid during the call only.
+struct Change {
+    Publisher const& publisher;
+    AttributeNumber attribute;
+    ValueRef key;       // of the entry concerned, where the attribute is a collection
+    ValueRef oldValue;  // the value before, where there was one
+};
 
-// Sets the tap, or removes it (null). It must not throw. Without one a publication costs a branch.
-VYN_EXPORT void tapIs(Tap tap, void* context) noexcept;
+using Dispatch = void (*)(void* context, Subscriber& subscriber, Change const& change);
 
 // The source of changes of one object. It is a member of the object that it speaks for.
 class VYN_EXPORT Publisher {
   public:
-    // `owner` is the object that the publications are about, for the tap.
+    // `owner` is the object that the publications are about, for the taps.
     explicit Publisher(Node const* owner) noexcept : owner_(owner) {}
     Publisher(Publisher const&) = delete;
     Publisher& operator=(Publisher const&) = delete;
     // Releases every subscription and stops the deliveries under way.
     ~Publisher();
 
-    // Tells the tap, then every subscriber, of a change that has been stored already.
+    // Tells the taps, then every subscriber, of a change that has been stored already.
     void publish(AttributeNumber attribute, ValueRef key = {}, ValueRef oldValue = {}) const;
 
     Node const* owner() const noexcept { return owner_; }
@@ -77,15 +79,19 @@ class VYN_EXPORT Subscriber {
     // Subscribes `dispatch` to the publisher. A subscription that exists is given up first.
     void subscribe(Publisher const& publisher, Dispatch dispatch, void* context) noexcept;
 
-    // The same with a member function:
-    //     configSubscriber_.subscribe<&PacketTracerSm::configDispatch>(dir->publisher(), this);
-    template <auto member, class T>
+    // The same with a member function, called for changes of one attribute or of all:
+    //     jobs_.subscribe<&PktGenSm::jobChanged, PktGenConfig::cfgAttribute>(
+    //         config_->publisher(), this);
+    // The function takes the change, or nothing, or, in the long form, what a change consists of:
+    // (Publisher const&, Subscriber&, AttributeNumber, ValueRef key, ValueRef oldValue).
+    template <auto member, AttributeNumber attribute = everyAttribute, class T>
     void subscribe(Publisher const& publisher, T* object) noexcept {
         subscribe(
             publisher,
-            [](void* context, Publisher const& source, Subscriber& self, AttributeNumber attribute,
-               ValueRef key, ValueRef oldValue) {
-                (static_cast<T*>(context)->*member)(source, self, attribute, key, oldValue);
+            [](void* context, Subscriber& self, Change const& change) {
+                if (attribute == everyAttribute || attribute == change.attribute) {
+                    call<member>(*static_cast<T*>(context), self, change);
+                }
             },
             object);
     }
@@ -98,6 +104,18 @@ class VYN_EXPORT Subscriber {
 
   private:
     friend class Publisher;
+
+    template <auto member, class T>
+    static void call(T& object, Subscriber& self, Change const& change) {
+        using Member = decltype(member);
+        if constexpr (std::is_invocable_v<Member, T&>) {
+            (object.*member)();
+        } else if constexpr (std::is_invocable_v<Member, T&, Change const&>) {
+            (object.*member)(change);
+        } else {
+            (object.*member)(change.publisher, self, change.attribute, change.key, change.oldValue);
+        }
+    }
 
     Publisher const* publisher_ = nullptr;
     Subscriber* previous_ = nullptr;

@@ -379,13 +379,12 @@ TEST_F(TurnDeathTest, EndsTheProcessOnAnExceptionOfAPostedCall) {
 }
 
 TEST_F(TurnDeathTest, EndsTheProcessThroughTheLastStep) {
-    Vanta::lastStepIs([](std::string_view errorClass, std::string_view) {
+    Vanta::LastStep const step([](void*, std::string_view errorClass, std::string_view) {
         std::_Exit(errorClass == "runtime_error" ? 7 : 8);
     });
     thrower->work = [] { throw std::runtime_error("no way on"); };
     thrower->task->schedule();
     EXPECT_EXIT(loop->turn(), testing::ExitedWithCode(7), "");
-    Vanta::lastStepIs(nullptr);
 }
 
 TEST_F(TurnDeathTest, EndsTheProcessWhenATurnIsStartedInsideATurn) {

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "Trace/Captured.h"
+#include "Trace/Tap.h"
 
 namespace Trace {
 namespace {
@@ -37,10 +38,7 @@ void keep(void* context, std::string_view handle, unsigned level, std::string_vi
 
 class Twinlog : public ::testing::Test {
   protected:
-    ~Twinlog() override {
-        tapIs(nullptr, nullptr);
-        handle_.textLevelsIs(LevelSet());
-    }
+    ~Twinlog() override { handle_.textLevelsIs(LevelSet()); }
 
     Handle& handle_ = handle("TraceTest");
     std::vector<Told> told_;
@@ -58,7 +56,7 @@ static_assert(!Callable<1>);
 static_assert(!Callable<1, int, int>);
 
 TEST_F(Twinlog, TellsTheTapOfEveryLevelWhateverIsEnabled) {
-    tapIs(keep, &told_);
+    Tap const tap(keep, &told_);
     twinlog(handle_, 0, "first:");
     twinlog(handle_, 9, "second:%s %s", 5, false);
     EXPECT_EQ((std::vector<Told>{{"TraceTest", 0, "first:"}, {"TraceTest", 9, "second:5 false"}}),
@@ -66,7 +64,7 @@ TEST_F(Twinlog, TellsTheTapOfEveryLevelWhateverIsEnabled) {
 }
 
 TEST_F(Twinlog, TellsTheTapOfHandlesMadeAfterIt) {
-    tapIs(keep, &told_);
+    Tap const tap(keep, &told_);
     twinlog(handle("TraceTest.later"), 9, "a");
     EXPECT_EQ(1u, told_.size());
 }
@@ -77,24 +75,51 @@ TEST_F(Twinlog, TellsTheTapBeforeTheTextTrace) {
     Captured here;
     captured = &here;
     handle_.textLevelsIs(LevelSet::all());
-    tapIs([](void*, std::string_view, unsigned,
-             std::string_view) { writesBefore = captured->writes().size(); },
-          nullptr);
+    Tap const tap([](void*, std::string_view, unsigned,
+                     std::string_view) { writesBefore = captured->writes().size(); },
+                  nullptr);
     twinlog(handle_, 1, "a");
     EXPECT_EQ(0u, writesBefore);
     EXPECT_EQ(1u, here.writes().size());
 }
 
 TEST_F(Twinlog, TellsATapThatWasTakenAwayNothing) {
-    tapIs(keep, &told_);
-    tapIs(nullptr, nullptr);
+    { Tap const tap(keep, &told_); }
     twinlog(handle_, 1, "a");
     EXPECT_TRUE(told_.empty());
 }
 
+TEST_F(Twinlog, TellsEveryTapTheNewestFirst) {
+    Tap const older(keep, &told_);
+    Tap const newer([](void* told, std::string_view, unsigned,
+                       std::string_view text) { keep(told, "newer", 0, text); },
+                    &told_);
+    twinlog(handle_, 1, "a");
+    EXPECT_EQ((std::vector<Told>{{"newer", 0, "a"}, {"TraceTest", 1, "a"}}), told_);
+}
+
+TEST_F(Twinlog, GoesOnTellingTheTapThatWasThereBefore) {
+    Tap const older(keep, &told_);
+    {
+        std::vector<Told> others;
+        Tap const newer(keep, &others);
+    }
+    twinlog(handle_, 1, "a");
+    EXPECT_EQ(1u, told_.size());
+}
+
+TEST_F(Twinlog, DoesNotTellATapOfWhatAnotherTapTraces) {
+    Tap const older(keep, &told_);
+    Tap const newer([](void* context, std::string_view, unsigned,
+                       std::string_view) { twinlog(*static_cast<Handle*>(context), 1, "inside"); },
+                    &handle_);
+    twinlog(handle_, 1, "outside");
+    EXPECT_EQ((std::vector<Told>{{"TraceTest", 1, "outside"}}), told_);
+}
+
 TEST_F(Twinlog, DoesNotTellTheTapOfItsOwnStatements) {
     static int calls = 0;
-    tapIs(
+    Tap const tap(
         [](void* context, std::string_view, unsigned, std::string_view) {
             ++calls;
             twinlog(*static_cast<Handle*>(context), 1, "inside");
@@ -114,21 +139,21 @@ TEST_F(Twinlog, FormatsNothingWhenNobodyReads) {
 TEST_F(Twinlog, FormatsOnceForTapAndTextTogether) {
     Captured captured;
     Counted counted;
-    tapIs(keep, &told_);
+    Tap const tap(keep, &told_);
     handle_.textLevelsIs(LevelSet::all());
     twinlog(handle_, 7, "%s", counted);
     EXPECT_EQ(1, counted.timesWritten);
 }
 
 TEST_F(Twinlog, TakesTwelveValues) {
-    tapIs(keep, &told_);
+    Tap const tap(keep, &told_);
     twinlog(handle_, 7, "%s%s%s%s%s%s%s%s%s%s%s%s", 1, 2, 3, 4, 5, 6, 7, 8, 9, "a", true, 'A');
     ASSERT_EQ(1u, told_.size());
     EXPECT_EQ("123456789atrue65", told_[0].text);
 }
 
 TEST_F(Twinlog, PassesLongTextsWhole) {
-    tapIs(keep, &told_);
+    Tap const tap(keep, &told_);
     std::string const name(100'000, 'n');
     twinlog(handle_, 7, "%s", name);
     ASSERT_EQ(1u, told_.size());

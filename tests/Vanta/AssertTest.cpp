@@ -4,12 +4,13 @@
 
 #include <cstdio>
 #include <cstdlib>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
 namespace {
 
-void report(std::string_view errorClass, std::string_view text) {
+void report(void*, std::string_view errorClass, std::string_view text) {
     std::fprintf(stderr, "<%.*s|%.*s>", static_cast<int>(errorClass.size()), errorClass.data(),
                  static_cast<int>(text.size()), text.data());
     std::_Exit(9);
@@ -25,13 +26,12 @@ TEST(AssertDeathTest, PassesWhatHolds) {
 }
 
 TEST(AssertDeathTest, GivesClassAndTextToTheLastStep) {
-    Vanta::lastStepIs(report);
+    Vanta::LastStep const step(report);
     EXPECT_EXIT(Vanta::assertThat(false, "index"), testing::ExitedWithCode(9), "<assert.index>");
-    Vanta::lastStepIs(nullptr);
 }
 
 TEST(AssertDeathTest, NamesTheClassOfAnExceptionWithoutItsNamespace) {
-    Vanta::lastStepIs(report);
+    Vanta::LastStep const step(report);
     auto const dispatcher = [] {
         try {
             throw std::out_of_range("far");
@@ -40,7 +40,6 @@ TEST(AssertDeathTest, NamesTheClassOfAnExceptionWithoutItsNamespace) {
         }
     };
     EXPECT_EXIT(dispatcher(), testing::ExitedWithCode(9), "<out_of_range.far>");
-    Vanta::lastStepIs(nullptr);
 }
 
 TEST(AssertDeathTest, NamesWhatIsNoStandardExceptionAsUnknown) {
@@ -59,17 +58,44 @@ TEST(AssertDeathTest, CutsALongTextShortAndEndsTheLine) {
     EXPECT_DEATH(Vanta::endProcess("Error", std::string(2000, 'x')), "^" + all512 + "$");
 }
 
-TEST(AssertDeathTest, HandsOutTheDefaultLastStepWhichWritesALineAndAborts) {
-    Vanta::LastStep const byDefault = Vanta::lastStepIs(report);
-    EXPECT_EQ(Vanta::lastStepIs(nullptr), report);
-    EXPECT_EXIT(byDefault("Error", "no way on"), testing::KilledBySignal(SIGABRT),
+// A step that only says that it ran.
+void say(void* what, std::string_view, std::string_view) {
+    std::fprintf(stderr, "%s ", static_cast<char const*>(what));
+}
+char first[] = "first";
+char second[] = "second";
+char third[] = "third";
+
+TEST(AssertDeathTest, WithoutALastStepWritesALineAndAborts) {
+    EXPECT_EXIT(Vanta::endProcess("Error", "no way on"), testing::KilledBySignal(SIGABRT),
                 "^uncaught Error: no way on\n$");
 }
 
-TEST(AssertDeathTest, AbortsWhenTheLastStepReturns) {
-    Vanta::lastStepIs([](std::string_view, std::string_view) {});
-    EXPECT_EXIT(Vanta::assertThat(false, "x"), testing::KilledBySignal(SIGABRT), "");
-    Vanta::lastStepIs(nullptr);
+TEST(AssertDeathTest, WritesItsLineAndAbortsWhenTheLastStepReturns) {
+    Vanta::LastStep const step(say, first);
+    EXPECT_EXIT(Vanta::endProcess("Error", "x"), testing::KilledBySignal(SIGABRT),
+                "^first uncaught Error: x\n$");
+}
+
+TEST(AssertDeathTest, RunsTheNewestLastStepFirstAndThenTheOlderOnes) {
+    Vanta::LastStep const older(say, first);
+    Vanta::LastStep const newer(say, second);
+    EXPECT_EXIT(Vanta::endProcess("Error", "x"), testing::KilledBySignal(SIGABRT),
+                "^second first uncaught Error: x\n$");
+}
+
+TEST(AssertDeathTest, RunsNoLastStepThatHasGoneInWhateverOrderTheyGo) {
+    auto oldest = std::make_unique<Vanta::LastStep>(say, first);
+    auto middle = std::make_unique<Vanta::LastStep>(say, second);
+    auto newest = std::make_unique<Vanta::LastStep>(say, third);
+    middle.reset();
+    EXPECT_EXIT(Vanta::endProcess("Error", "x"), testing::KilledBySignal(SIGABRT),
+                "^third first uncaught");
+    newest.reset();
+    EXPECT_EXIT(Vanta::endProcess("Error", "x"), testing::KilledBySignal(SIGABRT),
+                "^first uncaught");
+    oldest.reset();
+    EXPECT_EXIT(Vanta::endProcess("Error", "x"), testing::KilledBySignal(SIGABRT), "^uncaught");
 }
 
 }  // namespace

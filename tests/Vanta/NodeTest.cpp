@@ -78,7 +78,7 @@ TEST(NodeDeathTest, EndsTheProcessWhenADestructorPlainAReference) {
 
 TEST(NodeDeathTest, StillCountsANodeWhoseDestructorLeftAReference) {
     auto const body = [] {
-        Vanta::lastStepIs([](std::string_view, std::string_view) {
+        Vanta::LastStep const step([](void*, std::string_view, std::string_view) {
             std::fprintf(stderr, "%d alive", static_cast<int>(Node::liveCount()));
             std::_Exit(9);
         });

@@ -7,6 +7,8 @@
 #include <string>
 #include <vector>
 
+#include "Vanta/Tap.h"
+
 #include "Mortal.h"
 #include "Vanta/Node.h"
 
@@ -166,38 +168,59 @@ TEST_F(Delivery, KeepsItsPlaceWhenAnInnerDeliveryRemovesTheNextSubscriber) {
 }
 
 TEST_F(Delivery, TellsTheTapBeforeAnySubscriber) {
-    Vanta::tapIs(
-        [](void* context, Publisher const&, AttributeNumber attribute, ValueRef, ValueRef) {
-            static_cast<Log*>(context)->push_back("tap" + std::to_string(attribute));
+    Vanta::Tap const tap(
+        [](void* context, Vanta::Change const& change) {
+            static_cast<Log*>(context)->push_back("tap" + std::to_string(change.attribute));
         },
         &log);
     publisher->publish(7);
-    Vanta::tapIs(nullptr, nullptr);
     EXPECT_EQ(log, (Log{"tap7", "a7", "b7", "c7"}));
 }
 
 TEST_F(Delivery, TellsTheTapAlsoWithoutSubscribers) {
     Publisher lonely(nullptr);
-    Vanta::tapIs([](void* context, Publisher const&, AttributeNumber, ValueRef,
-                    ValueRef) { static_cast<Log*>(context)->push_back("tap"); },
-                 &log);
+    Vanta::Tap const tap(
+        [](void* context, Vanta::Change const&) { static_cast<Log*>(context)->push_back("tap"); },
+        &log);
     lonely.publish(7);
-    Vanta::tapIs(nullptr, nullptr);
     EXPECT_EQ(log, (Log{"tap"}));
 }
 
-TEST(Publisher, HandsKeyAndOldValueToTheTap) {
-    Publisher const publisher(nullptr);
-    std::string text;
-    Vanta::tapIs(
-        [](void* context, Publisher const&, AttributeNumber, ValueRef key, ValueRef old) {
-            *static_cast<std::string*>(context) =
-                key.get<std::string>() + ":" + std::to_string(old.get<int>());
-        },
-        &text);
-    publisher.publish(1, ValueRef::to(std::string("key")), ValueRef::to(7));
-    Vanta::tapIs(nullptr, nullptr);
-    EXPECT_EQ(text, "key:7");
+// What a member function may take.
+struct Reactor {
+    void bare() { log.push_back("bare"); }
+    void withChange(Vanta::Change const& change) {
+        log.push_back(std::to_string(change.attribute) + change.key.get<std::string>());
+    }
+
+    Log log;
+    Vanta::Subscriber subscriber;
+};
+
+TEST(Subscriber, HandsTheChangeToAReactorThatTakesIt) {
+    Publisher publisher(nullptr);
+    Reactor reactor;
+    reactor.subscriber.subscribe<&Reactor::withChange>(publisher, &reactor);
+    publisher.publish(7, ValueRef::to(std::string("key")));
+    EXPECT_EQ(reactor.log, Log{"7key"});
+}
+
+TEST(Subscriber, CallsAReactorThatTakesNothing) {
+    Publisher publisher(nullptr);
+    Reactor reactor;
+    reactor.subscriber.subscribe<&Reactor::bare>(publisher, &reactor);
+    publisher.publish(7);
+    EXPECT_EQ(reactor.log, Log{"bare"});
+}
+
+TEST(Subscriber, OfOneAttributeIsNotCalledForTheOthers) {
+    Publisher publisher(nullptr);
+    Reactor reactor;
+    reactor.subscriber.subscribe<&Reactor::bare, 7>(publisher, &reactor);
+    publisher.publish(6);
+    publisher.publish(7);
+    publisher.publish(8);
+    EXPECT_EQ(reactor.log, Log{"bare"});
 }
 
 TEST(Subscriber, UnsubscribesWhenItIsDestroyed) {

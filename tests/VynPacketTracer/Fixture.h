@@ -126,9 +126,8 @@ class Switch : public testing::Test {
         expected += "end: " + errorClass + ": " + text + "\n";
         EXPECT_EXIT(
             {
-                dying = &recorder;
                 recorder.take();
-                Vanta::lastStepIs(lastStep);
+                Vanta::LastStep const step(lastStep, &recorder);
                 event();
             },
             testing::ExitedWithCode(endStatus), "^" + literally(expected) + "$");
@@ -145,9 +144,9 @@ class Switch : public testing::Test {
   private:
     static constexpr int endStatus = 3;
 
-    static void lastStep(std::string_view errorClass, std::string_view text) {
+    static void lastStep(void* recorder, std::string_view errorClass, std::string_view text) {
         std::string all;
-        for (auto const& line : dying->lines()) {
+        for (auto const& line : static_cast<Recorder const*>(recorder)->lines()) {
             all += line + "\n";
         }
         all.append("end: ").append(errorClass).append(": ").append(text).append("\n");
@@ -166,8 +165,6 @@ class Switch : public testing::Test {
         }
         return pattern;
     }
-
-    inline static Recorder const* dying = nullptr;
 };
 
 // A subscription that calls back, for tests that act from inside a notification.

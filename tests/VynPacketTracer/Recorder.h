@@ -11,13 +11,14 @@
 #pragma once
 
 #include <functional>
+#include <optional>
 #include <string>
 #include <utility>
 #include <vector>
 
 #include "PacketTracer/ClientStatus.h"
-#include "Trace/Trace.h"
-#include "Vanta/Publisher.h"
+#include "Trace/Tap.h"
+#include "Vanta/Tap.h"
 #include "VynPacketTracer/VynPtTypes.h"
 #include "scriptchip/Listener.h"
 
@@ -51,11 +52,10 @@ inline std::string keyText(PacketTracer::RequestId const& id) {
     return std::string(id.clientName().view()) + "/" + std::to_string(id.number());
 }
 
-// Hears everything while it lives; there is one at a time.
+// Hears everything while it lives.
 class Recorder final : public ScriptChip::Listener {
   public:
     Recorder() { hearsIs(true); }
-    ~Recorder() { hearsIs(false); }
     Recorder(Recorder const&) = delete;
     Recorder& operator=(Recorder const&) = delete;
 
@@ -71,8 +71,12 @@ class Recorder final : public ScriptChip::Listener {
     // Deaf, nothing is put into lines: for tests that repeat something very often.
     void hearsIs(bool on) {
         hears_ = on;
-        Vanta::tapIs(on ? published : nullptr, this);
-        Trace::tapIs(on ? traced : nullptr, this);
+        publications_.reset();
+        traces_.reset();
+        if (on) {
+            publications_.emplace(published, this);
+            traces_.emplace(traced, this);
+        }
     }
 
     // What is put in front of every line, as it is at that moment.
@@ -109,10 +113,11 @@ class Recorder final : public ScriptChip::Listener {
         }
     }
 
-    static void published(void* self, Vanta::Publisher const& publisher,
-                          Vanta::AttributeNumber attribute, Vanta::ValueRef key, Vanta::ValueRef) {
+    static void published(void* self, Vanta::Change const& published) {
         auto& recorder = *static_cast<Recorder*>(self);
-        Vanta::Node const* const owner = publisher.owner();
+        auto const attribute = published.attribute;
+        auto const key = published.key;
+        Vanta::Node const* const owner = published.publisher.owner();
         if (auto const* config = dynamic_cast<Config const*>(owner)) {
             recorder.noteEntry("cfg", config->cfg(), key);
         } else if (auto const* status = dynamic_cast<Status const*>(owner)) {
@@ -214,4 +219,6 @@ class Recorder final : public ScriptChip::Listener {
 
     bool hears_ = false;
     Lines lines_;
+    std::optional<Vanta::Tap> publications_;
+    std::optional<Trace::Tap> traces_;
 };

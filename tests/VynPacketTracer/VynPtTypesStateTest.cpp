@@ -3,6 +3,7 @@
 #include <type_traits>
 
 #include "Kel/Error.h"
+#include "Trace/Trace.h"
 #include "VynPacketTracer/Fixture.h"
 #include "VynPacketTracer/VynPtTypes.h"
 

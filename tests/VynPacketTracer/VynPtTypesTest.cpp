@@ -109,10 +109,9 @@ TEST_F(PktGenStatusDataTest, EgrPortInfoIsNumber133) {
     Vanta::Subscriber subscriber;
     subscriber.subscribe(
         data->publisher(),
-        [](void* context, Vanta::Publisher const&, Vanta::Subscriber&,
-           Vanta::AttributeNumber attribute, Vanta::ValueRef, Vanta::ValueRef old) {
-            static_cast<decltype(told)*>(context)->emplace_back(attribute,
-                                                                old.get<PortInfo>().port().value());
+        [](void* context, Vanta::Subscriber&, Vanta::Change const& change) {
+            static_cast<decltype(told)*>(context)->emplace_back(
+                change.attribute, change.oldValue.get<PortInfo>().port().value());
         },
         &told);
     data->egrPortInfoIs(PortInfo(1, PortIndex(132)));

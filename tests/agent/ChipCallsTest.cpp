@@ -6,7 +6,7 @@
 #include <string>
 #include <vector>
 
-#include "Trace/Trace.h"
+#include "Trace/Tap.h"
 #include "Vanta/Assert.h"
 #include "agent/ForwardingAgent.h"
 
@@ -57,17 +57,9 @@ class Road {
         agent.clientStatuses().entryIs("noc", status);
         agent.chip().drain();
         callsBefore_ = calls().size();
-        Trace::tapIs(
-            [](void* self, std::string_view, unsigned level, std::string_view text) {
-                if (level == 1 || text.find("deregistered") != text.npos) {
-                    static_cast<Road*>(self)->told.emplace_back(text);
-                }
-            },
-            this);
     }
     Road(Road const&) = delete;
     Road& operator=(Road const&) = delete;
-    ~Road() { Trace::tapIs(nullptr, nullptr); }
 
     // A request is answered and withdrawn; then the tracer is loaded anew.
     void fullTrace() {
@@ -126,7 +118,14 @@ class Road {
         EXPECT_EQ(engine.state(), VynPacketTracer::PktGenState::idle);
     }
 
+    void traced(std::string_view, unsigned level, std::string_view text) {
+        if (level == 1 || text.find("deregistered") != text.npos) {
+            told.emplace_back(text);
+        }
+    }
+
     std::size_t callsBefore_ = 0;
+    Trace::Tap const traces_ = Trace::Tap::to<&Road::traced>(this);
 };
 
 Lines const takenLeave{"deRegisterPktTracerDigest:pktTracerDigest deregistered:0"};
@@ -199,9 +198,10 @@ TEST(ChipCall, ARegistrationThatFailsEndsTheProcess) {
     road.agent.chip().faults().failIs(Call::digestRegister, failure);
     EXPECT_EXIT(
         {
-            Vanta::lastStepIs([](std::string_view errorClass, std::string_view text) {
-                ::_exit(errorClass == "assert" && text == "false" ? 3 : 4);
-            });
+            Vanta::LastStep const step(
+                [](void*, std::string_view errorClass, std::string_view text) {
+                    ::_exit(errorClass == "assert" && text == "false" ? 3 : 4);
+                });
             road.fullTrace();
         },
         testing::ExitedWithCode(3), "assertion failed: false");

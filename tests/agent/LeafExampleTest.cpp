@@ -13,11 +13,12 @@
 #include "agent/DeriveTables.h"
 #include "softchip/Phase0.h"
 #include "softchip/Pipeline.h"
+#include "tests/SourceDir.h"
 
 namespace Agent {
 namespace {
 
-std::filesystem::path const examples = std::filesystem::path(VYN_SOURCE_DIR) / "examples";
+std::filesystem::path const examples = sourcePath("examples");
 
 using Frame = std::vector<std::uint8_t>;
 
@@ -183,7 +184,7 @@ TEST(Examples, EverySwitchFileIsRead) {
 
 // The page opens with a whole file.
 TEST(Examples, TheFirstTextOfTheFormatsPageIsRead) {
-    std::string const page = SwitchFile::readWholeFile(VYN_SOURCE_DIR "/docs/switch-file.md");
+    std::string const page = SwitchFile::readWholeFile(sourcePath("docs/switch-file.md"));
     std::size_t const start = page.find("```json\n") + 8;
     std::string const text = page.substr(start, page.find("```", start) - start);
     EXPECT_NO_THROW(SwitchFile::parseSwitchFile(text, "docs/switch-file.md"));

@@ -11,8 +11,8 @@
 #include <string>
 
 #include "ScratchPath.h"
-#include "Trace/Trace.h"
-#include "Vanta/Publisher.h"
+#include "Trace/Tap.h"
+#include "Vanta/Tap.h"
 #include "agent/ForwardingAgent.h"
 #include "replay/Printer.h"
 #include "replay/Replay.h"
@@ -62,26 +62,7 @@ inline void dropEnds(std::string& eventThread) {
 // Prints a live run as a replay prints its own: taps and, in front of the chip, its calls.
 class LiveObservation final : public SdkSeam::Chip {
   public:
-    LiveObservation() {
-        Vanta::tapIs(
-            [](void* context, Vanta::Publisher const& publisher, Vanta::AttributeNumber attribute,
-               Vanta::ValueRef key, Vanta::ValueRef) {
-                static_cast<LiveObservation*>(context)->print([&](Replay::Printer& printer) {
-                    printer.published(publisher, attribute, key);
-                });
-            },
-            this);
-        Trace::tapIs(
-            [](void* context, std::string_view handle, unsigned level, std::string_view text) {
-                static_cast<LiveObservation*>(context)->print(
-                    [&](Replay::Printer& printer) { printer.trace(handle, level, text); });
-            },
-            this);
-    }
-    ~LiveObservation() {
-        Trace::tapIs(nullptr, nullptr);
-        Vanta::tapIs(nullptr, nullptr);
-    }
+    LiveObservation() = default;
     LiveObservation(LiveObservation const&) = delete;
     LiveObservation& operator=(LiveObservation const&) = delete;
 
@@ -168,6 +149,12 @@ class LiveObservation final : public SdkSeam::Chip {
     }
 
   private:
+    void published(Vanta::Change const& change) {
+        print([&](Replay::Printer& printer) { printer.published(change); });
+    }
+    void traced(std::string_view handle, unsigned level, std::string_view text) {
+        print([&](Replay::Printer& printer) { printer.trace(handle, level, text); });
+    }
     template <class Print>
     void print(Print const& print) {
         std::scoped_lock const lock(mutex_);
@@ -184,6 +171,8 @@ class LiveObservation final : public SdkSeam::Chip {
     Replay::Printer printer_{out_};
     VynId::VynDevId device_ = 0;
     std::optional<SdkSeam::Interposition> front_;
+    Vanta::Tap const publications_ = Vanta::Tap::to<&LiveObservation::published>(this);
+    Trace::Tap const traces_ = Trace::Tap::to<&LiveObservation::traced>(this);
 };
 
 // Runs `live` with an agent that is recorded; then replays the recording and compares what both

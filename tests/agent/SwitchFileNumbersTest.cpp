@@ -7,6 +7,7 @@
 #include "agent/DeriveState.h"
 #include "agent/DeriveTables.h"
 #include "switchfile/SwitchFile.h"
+#include "tests/SourceDir.h"
 
 namespace Agent {
 namespace {
@@ -31,7 +32,7 @@ bool isTaken(std::string const& text) {
 }
 
 TEST(SwitchFileNumbers, AreTakenOrRefusedWithAPlaceWhateverTheyAre) {
-    std::string const whole = SwitchFile::readWholeFile(VYN_SOURCE_DIR "/examples/border.json");
+    std::string const whole = SwitchFile::readWholeFile(sourcePath("examples/border.json"));
     std::size_t taken = 0;
     std::size_t refused = 0;
     std::regex const number("[0-9]+");

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "ScratchPath.h"
+#include "tests/SourceDir.h"
 
 namespace Cli {
 
@@ -24,7 +25,7 @@ class ScratchFile {
 };
 
 inline std::string example(std::string const& name) {
-    return std::string(VYN_SOURCE_DIR) + "/examples/" + name;
+    return sourcePath("examples/" + name);
 }
 
 inline std::string contentOf(std::string const& path) {

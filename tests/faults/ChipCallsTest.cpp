@@ -92,9 +92,10 @@ TEST_F(ChipCallTest, ARegistrationThatFailsEndsTheProcess) {
     fails(SdkFunction::digestRegister, failure);
     EXPECT_EXIT(
         {
-            Vanta::lastStepIs([](std::string_view errorClass, std::string_view text) {
-                ::_exit(errorClass == "assert" && text == "false" ? 3 : 4);
-            });
+            Vanta::LastStep const step(
+                [](void*, std::string_view errorClass, std::string_view text) {
+                    ::_exit(errorClass == "assert" && text == "false" ? 3 : 4);
+                });
             static_cast<void>(made());
         },
         testing::ExitedWithCode(3), "assertion failed: false");

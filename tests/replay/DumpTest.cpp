@@ -8,12 +8,13 @@
 #include <regex>
 #include <set>
 
+#include "tests/SourceDir.h"
 #include "tests/replay/Replayed.h"
 
 namespace Replay {
 namespace {
 
-std::string const folder = VYN_SOURCE_DIR "/tests/replay/dump/";
+std::string const folder = sourcePath("tests/replay/dump/");
 
 std::string fileText(std::string const& path) {
     std::ifstream file(path, std::ios::binary);

@@ -174,8 +174,9 @@ TEST_F(PrinterTest, TellsOfAPublicationBeforeAnyObserverIsCalled) {
     Vanta::Subscriber subscriber;
     subscriber.subscribe(
         statuses->publisher(),
-        [](void* context, Vanta::Publisher const&, Vanta::Subscriber&, Vanta::AttributeNumber,
-           Vanta::ValueRef, Vanta::ValueRef) { static_cast<Printer*>(context)->event(9); },
+        [](void* context, Vanta::Subscriber&, Vanta::Change const&) {
+            static_cast<Printer*>(context)->event(9);
+        },
         &printer);
     statuses->statusIs(id);
     EXPECT_EQ(joined({R"({"status":"add","client":"noc","req":7})", R"({"event":9})"}), printed());

@@ -8,6 +8,7 @@
 
 #include "Vanta/Node.h"
 #include "replay/Printer.h"
+#include "tests/SourceDir.h"
 #include "tests/replay/Replayed.h"
 
 namespace Replay {
@@ -29,7 +30,7 @@ std::string lastLine(std::string const& out) {
 }
 
 TEST(Replay, PrintsARequestFromArrivalToWithdrawalToTheByte) {
-    std::string const folder = VYN_SOURCE_DIR "/examples/scenarios/";
+    std::string const folder = sourcePath("examples/scenarios/");
     auto const ran = replayText(fileText(folder + "first.jsonl"));
     EXPECT_EQ(0, ran.status);
     EXPECT_EQ(fileText(folder + "first.out"), ran.out);
@@ -188,7 +189,7 @@ TEST(Replay, EndsWithoutShowingWhatItTakesDown) {
 
 TEST(Replay, LeavesNothingBehind) {
     auto const nodes = Vanta::Node::liveCount();
-    replayText(fileText(VYN_SOURCE_DIR "/examples/scenarios/first.jsonl"));
+    replayText(fileText(sourcePath("examples/scenarios/first.jsonl")));
     replayLines({R"({"do":"start"})", R"({"do":"clientConfig","client":"noc"})", "x"});
     EXPECT_EQ(nodes, Vanta::Node::liveCount());
 }
@@ -262,9 +263,9 @@ TEST(Replay, SaysSoWhenItsOutputIsNotTaken) {
 TEST(Replay, OfAFileThatIsNotThereIsBadInput) {
     std::ostringstream out;
     std::ostringstream err;
-    EXPECT_EQ(badInput, runFile(VYN_SOURCE_DIR "/examples/scenarios/none.jsonl", out, err));
+    EXPECT_EQ(badInput, runFile(sourcePath("examples/scenarios/none.jsonl"), out, err));
     EXPECT_NE(std::string::npos, err.str().find("none.jsonl"));
-    EXPECT_EQ(badInput, runFile(VYN_SOURCE_DIR "/examples", out, err));
+    EXPECT_EQ(badInput, runFile(sourcePath("examples"), out, err));
     EXPECT_EQ("", out.str());
 }
 
