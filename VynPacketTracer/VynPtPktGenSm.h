@@ -76,6 +76,9 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
 
     // Reactors.
     void handleConfig(PacketTracer::RequestId const& requestId);
+    // Reads one message of the digest socket and completes the answers of its entries. Ends the
+    // process at a field that has another width than it must have, or that does not lie inside its
+    // entry. Entries of no bytes are passed over.
     void processPktTracerDigest();
     void processPhase0DataResponse(Plexa::IntfId const& intfId);
     void doWork();
@@ -185,12 +188,13 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
     PacketTracer::RequestId const& curReq() const noexcept;
     std::uint32_t curPipe() const noexcept { return curCfg_->ingPortInfo().pipe(); }
 
+    struct DigestBytes;
     struct DigestEntry;
-    void processDigestEntry(std::uint8_t const* entry);
-    DigestEntry readDigestEntry(std::uint8_t const* entry) const;
+    void processDigestEntry(DigestBytes const& bytes);
+    DigestEntry readDigestEntry(DigestBytes const& bytes) const;
     void completeStatus(PktGenStatusData& status, DigestEntry const& digest);
     template <class Unsigned>
-    Unsigned digestField(std::uint8_t const* entry, std::string_view field,
+    Unsigned digestField(DigestBytes const& bytes, std::string_view field,
                          std::string_view shortName) const;
 
     Vanta::Ptr<PktGenConfig> const config_;

@@ -7,8 +7,11 @@
 #include <sys/uio.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <optional>
+#include <span>
 
 #include "Trace/Trace.h"
 #include "Vanta/Assert.h"
@@ -143,6 +146,14 @@ p4_pd_status_t rcvPktTracerLearningDigest(p4_pd_sess_hdl_t session, pipe_flow_lr
 
 // ---- The event thread
 
+// One entry, and the buffer of digestBufferSize bytes that its message was read into.
+struct PktGenSm::DigestBytes {
+    std::uint8_t const* buffer;
+    std::span<std::uint8_t const> entry;
+
+    std::uint32_t ofField(std::uint8_t const* field, std::uint32_t size) const;
+};
+
 // The fields of one digest entry, beside the packet id.
 struct PktGenSm::DigestEntry {
     std::uint8_t copyToCpu;
@@ -163,7 +174,7 @@ void PktGenSm::processPktTracerDigest() {
         return;
     }
     std::uint16_t const entries = header.entries;
-    std::size_t const len = std::size_t{entries} * pktTracerDigestEntrySize_;
+    std::uint64_t const len = std::uint64_t{entries} * pktTracerDigestEntrySize_;
     if (len > digestBufferSize) {
         // The entries stay in the stream: the reader is out of step from here on.
         Trace::twinlog(trace, 1, "processPktTracerDigest:Too many entries:%s bufSize:%s", entries,
@@ -182,18 +193,43 @@ void PktGenSm::processPktTracerDigest() {
     Trace::twinlog(trace, 7,
                    "processPktTracerDigest:Processing pktTracer learning digest with %s entries",
                    entries);
-    for (std::size_t i = 0; i < entries; ++i) {
-        processDigestEntry(buffer + i * pktTracerDigestEntrySize_);
+    if (pktTracerDigestEntrySize_ == 0) {
+        return;  // such entries have no fields
+    }
+    std::span<std::uint8_t const> rest(buffer, len);
+    while (rest.size() >= pktTracerDigestEntrySize_) {
+        processDigestEntry({buffer, rest.first(pktTracerDigestEntrySize_)});
+        rest = rest.subspan(pktTracerDigestEntrySize_);
     }
 }
 
-// One field of an entry. A data-plane program with a field of another width is the wrong program;
-// its short name begins the message: "pktId wrong size.  Expected:2 got:4".
+// How many bytes of a field belong to its entry: those that lie inside it. A field outside the
+// buffer, which a layout may have decoded on its own, is taken as it is.
+std::uint32_t PktGenSm::DigestBytes::ofField(std::uint8_t const* field, std::uint32_t size) const {
+    auto const address = [](std::uint8_t const* byte) {
+        return reinterpret_cast<std::uintptr_t>(byte);
+    };
+    auto const begin = address(field);
+    if (begin < address(buffer) || begin >= address(buffer) + digestBufferSize) {
+        return size;
+    }
+    auto const first = std::max(begin, address(entry.data()));
+    auto const last = std::min(begin + size, address(entry.data()) + entry.size());
+    return first < last ? static_cast<std::uint32_t>(last - first) : 0;
+}
+
+// One field of an entry. A data-plane program with a field of another width is the wrong program,
+// and so is one with a field that does not lie inside its entry, of which there is too little then;
+// the field's short name begins the message: "pktId wrong size.  Expected:2 got:4".
 template <class Unsigned>
-Unsigned PktGenSm::digestField(std::uint8_t const* entry, std::string_view field,
+Unsigned PktGenSm::digestField(DigestBytes const& bytes, std::string_view field,
                                std::string_view shortName) const {
     std::uint32_t size = 0;
-    std::uint8_t const* const bytes = vyPdIntf_->digestEntryField(entry, digestName, field, size);
+    std::uint8_t const* const found =
+        vyPdIntf_->digestEntryField(bytes.entry.data(), digestName, field, size);
+    if (size == sizeof(Unsigned)) {
+        size = bytes.ofField(found, size);
+    }
     if (size != sizeof(Unsigned)) {
         Trace::twinlog(trace, 1, "processPktTracerDigest:%s wrong size.  Expected:%s got:%s",
                        shortName, sizeof(Unsigned), size);
@@ -201,30 +237,34 @@ Unsigned PktGenSm::digestField(std::uint8_t const* entry, std::string_view field
                                                      : "size == sizeof( U8 )");
     }
     Unsigned value;
-    std::memcpy(&value, bytes, sizeof value);
+    std::memcpy(&value, found, sizeof value);
     return value;
 }
 
-void PktGenSm::processDigestEntry(std::uint8_t const* entry) {
-    auto const pktId = digestField<std::uint16_t>(entry, "pktGen_pktId", "pktId");
+void PktGenSm::processDigestEntry(DigestBytes const& bytes) {
+    auto const pktId = digestField<std::uint16_t>(bytes, "pktGen_pktId", "pktId");
     Trace::twinlog(trace, 7, "processPktTracerDigest:PktId:%s", pktId);
+    std::optional<DigestEntry> digest;  // read when there is somebody to tell
     PktGenStatus::PktIdWalk walk(*status_, pktId);
     while (auto const matching = walk.next()) {
-        completeStatus(*matching, readDigestEntry(entry));
+        if (!digest) {
+            digest = readDigestEntry(bytes);
+        }
+        completeStatus(*matching, *digest);
     }
 }
 
-PktGenSm::DigestEntry PktGenSm::readDigestEntry(std::uint8_t const* entry) const {
+PktGenSm::DigestEntry PktGenSm::readDigestEntry(DigestBytes const& bytes) const {
     using U8 = std::uint8_t;
     using U16 = std::uint16_t;
     DigestEntry digest;
-    digest.copyToCpu = digestField<U8>(entry, "pktTracerMd_copy_to_cpu", "copyToCpu");
-    digest.egrL2Domain = digestField<U16>(entry, "egrMd_egrL2Domain", "egrL2Domain");
+    digest.copyToCpu = digestField<U8>(bytes, "pktTracerMd_copy_to_cpu", "copyToCpu");
+    digest.egrL2Domain = digestField<U16>(bytes, "egrMd_egrL2Domain", "egrL2Domain");
     digest.ucastEgressPort =
-        digestField<U16>(entry, "pktTracerMd_ucast_egress_port", "ucast_egress_port");
-    digest.routed = digestField<U8>(entry, "egrMd_routed", "egrMd_routed");
+        digestField<U16>(bytes, "pktTracerMd_ucast_egress_port", "ucast_egress_port");
+    digest.routed = digestField<U8>(bytes, "egrMd_routed", "egrMd_routed");
     digest.dropCtl =
-        digestField<U8>(entry, "ig_intr_md_for_dprsr_drop_ctl", "ig_intr_md_for_dprsr_drop_ctl");
+        digestField<U8>(bytes, "ig_intr_md_for_dprsr_drop_ctl", "ig_intr_md_for_dprsr_drop_ctl");
     return digest;
 }
 
