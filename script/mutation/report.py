@@ -21,9 +21,9 @@ def totals(found, names, mutants, killed, listed):
             yield " ".join(f"{number:8}" for number in row) + f"  {name}"
 
 
-def report(found, names, mutants, killed, page, again, say):
-    """Says it; returns the exit status. `page` is the text of docs/mutants.md."""
-    listed = survivors.Listed(page)
+def report(found, names, mutants, killed, unseen, again, say):
+    """Says it; returns the exit status. `unseen` is the text of the list of survivors."""
+    listed = survivors.Listed(unseen)
     alive = [mutant for mutant in mutants if mutant not in killed]
     known = [mutant for mutant in alive if listed.take(mutant)]
     unknown = [mutant for mutant in alive if mutant not in known]
@@ -31,11 +31,11 @@ def report(found, names, mutants, killed, page, again, say):
     for line in totals(found, names, mutants, killed, known):
         say(line)
     if unknown:
-        say("\nsurvivors that docs/mutants.md does not list:")
+        say(f"\nsurvivors that {survivors.NAME} does not list:")
         for mutant in unknown:
-            say(f"{mutant.place()}\n{survivors.entryOf(mutant)}")
-    for file, text, change in [] if again else listed.rest(names):
-        say(f"\nlisted, but no survivor: {file}\n- `{text}`: {change}")
+            say(f"{mutant.place()}\n{survivors.entryOf(mutant.text, mutant.change)}")
+    for file, line, change in [] if again else listed.rest(names):
+        say(f"\nlisted, but no survivor: {file}\n{survivors.entryOf(line, change)}")
     share = shareKilled(mutants, killed, say)
     return 1 if unknown or (share < FLOOR and not again) else 0
 

@@ -1,32 +1,23 @@
-"""The list of mutants that nobody can see, docs/mutants.md.
-
-Under a heading with the file's name stand reasons, each a paragraph or more followed by the mutants
-that it is about:
-
-    - `the line as it stands in the file`: what the mutant changes
-"""
+"""The mutants that nobody can see, and why: unseen.toml beside this file, whose top says what stands there."""
 
 import collections
-import re
+import json
+import tomllib
 
-HEADING = re.compile(r"^## (?P<file>\S+)$")
-ENTRY = re.compile(r"^- `(?P<text>.*?)`: (?P<change>.*)$")
+NAME = "script/mutation/unseen.toml"
 
 
 class Listed:
     def __init__(self, text):
+        """Errors: SystemExit, with the number of the table that is wrong and what it must have."""
+        try:
+            tables = tomllib.loads(text).get("unseen", [])
+        except tomllib.TOMLDecodeError as error:
+            raise SystemExit(f"{NAME}: {error}") from error
         self.entries = collections.Counter()
-        file, reason = None, False
-        for number, line in enumerate(text.split("\n"), start=1):
-            heading, entry = HEADING.match(line), ENTRY.match(line)
-            if heading:
-                file, reason = heading["file"], False
-            elif entry and file:
-                if not reason:
-                    raise SystemExit(f"docs/mutants.md:{number}: expected a reason before the mutant")
-                self.entries[(file, entry["text"], entry["change"])] += 1
-            elif line.strip():
-                reason = True
+        for number, table in enumerate(tables, start=1):
+            for line, change in mutantsOf(number, table):
+                self.entries[(table["file"], line, change)] += 1
 
     def take(self, mutant):
         """Whether the mutant is listed; an entry counts for one mutant."""
@@ -40,5 +31,21 @@ class Listed:
         return [key for key, count in self.entries.items() for _ in range(count) if key[0] in files]
 
 
-def entryOf(mutant):
-    return f"- `{mutant.text}`: {mutant.change}"
+def mutantsOf(number, table):
+    for member in ("file", "why"):
+        if not isinstance(table.get(member), str) or not table[member].strip():
+            raise SystemExit(f"{NAME}: [[unseen]] {number}: expected a text \"{member}\"")
+    pairs = table.get("mutants")
+    isList = isinstance(pairs, list) and pairs
+    if not isList or any([type(word) for word in pair] != [str, str] for pair in pairs):
+        raise SystemExit(f"{NAME}: [[unseen]] {number}: expected \"mutants\", a list of [line, change]")
+    return pairs
+
+
+def quoted(text):
+    return f"'{text}'" if "'" not in text else json.dumps(text, ensure_ascii=False)
+
+
+def entryOf(line, change):
+    """A mutant as it stands in a list."""
+    return f"    [{quoted(line)}, {quoted(change)}],"

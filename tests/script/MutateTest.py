@@ -190,38 +190,62 @@ class Reporting(unittest.TestCase):
         self.found = {"VynPacketTracer/A.cpp": tree.Found("", self.mutants, [], 0, None)}
         self.said = []
 
-    def status(self, survivors_, page=""):
+    def status(self, survivors_, unseen=""):
         killed = {mutant: "a test" for mutant in self.mutants[survivors_:]}
         names = [*self.found]
-        return report.report(self.found, names, self.mutants, killed, page, False, self.said.append)
+        return report.report(self.found, names, self.mutants, killed, unseen, False, self.said.append)
 
-    LISTED = "## VynPacketTracer/A.cpp\n\nNobody reads it.\n\n- `x = y;`: dropped\n"
+    @staticmethod
+    def listed(count, why="Nobody reads it."):
+        entries = "['x = y;', 'dropped'], " * count
+        return f'[[unseen]]\nfile = "VynPacketTracer/A.cpp"\nwhy = "{why}"\nmutants = [{entries}]\n'
 
     def testAllKilledIsASuccess(self):
         self.assertEqual(self.status(0), 0)
 
     def testASurvivorThatIsNotListedIsAFailure(self):
         self.assertEqual(self.status(1), 1)
-        self.assertIn("VynPacketTracer/A.cpp:1\n- `x = y;`: dropped", "\n".join(self.said))
+        self.assertIn("VynPacketTracer/A.cpp:1\n    ['x = y;', 'dropped'],", "\n".join(self.said))
 
     def testAListedSurvivorIsASuccess(self):
-        self.assertEqual(self.status(1, self.LISTED), 0)
+        self.assertEqual(self.status(1, self.listed(1)), 0)
 
     def testAnEntryCountsForOneSurvivor(self):
-        self.assertEqual(self.status(2, self.LISTED), 1)
+        self.assertEqual(self.status(2, self.listed(1)), 1)
 
     def testTooManySurvivorsAreAFailureEvenWhenListed(self):
-        page = self.LISTED + "- `x = y;`: dropped\n" * 5
-        self.assertEqual(self.status(5, page), 0)
-        self.assertEqual(self.status(6, page), 1)
+        self.assertEqual(self.status(5, self.listed(6)), 0)
+        self.assertEqual(self.status(6, self.listed(6)), 1)
 
     def testAnEntryWithoutASurvivorIsNamed(self):
-        self.assertEqual(self.status(0, self.LISTED), 0)
+        self.assertEqual(self.status(0, self.listed(1)), 0)
         self.assertIn("listed, but no survivor", "\n".join(self.said))
 
     def testAnEntryNeedsAReason(self):
-        with self.assertRaises(SystemExit):
-            survivors.Listed("## a.cpp\n\n- `x = y;`: dropped\n")
+        with self.assertRaisesRegex(SystemExit, 'unseen]] 1: expected a text "why"'):
+            survivors.Listed(self.listed(1, why=" "))
+
+    def testATableNeedsMutants(self):
+        with self.assertRaisesRegex(SystemExit, 'unseen]] 1: expected "mutants"'):
+            survivors.Listed(self.listed(0))
+
+    def testAnEntryIsALineAndAChange(self):
+        with self.assertRaisesRegex(SystemExit, 'unseen]] 1: expected "mutants"'):
+            survivors.Listed(self.listed(1).replace("'dropped'", "1"))
+
+    def testAListThatIsNoTomlNamesLineAndColumn(self):
+        with self.assertRaisesRegex(SystemExit, "unseen.toml: .*line 1, column"):
+            survivors.Listed("[[unseen]")
+
+    def testAnEntryIsPrintedAsItIsRead(self):
+        for line, change in (("x = y;", "dropped"), ("char c = '\"';", "`'\"'` becomes `'\\0'`")):
+            text = self.listed(1).replace("['x = y;', 'dropped'], ", survivors.entryOf(line, change))
+            self.assertEqual([*survivors.Listed(text).entries], [("VynPacketTracer/A.cpp", line, change)])
+
+    def testTheListOfThisTreeNamesFilesThatAreThere(self):
+        text = (ROOT / survivors.NAME).read_text(encoding="utf-8")
+        files = {file for file, _, _ in survivors.Listed(text).entries}
+        self.assertEqual([name for name in files if not (ROOT / name).is_file()], [])
 
 
 if __name__ == "__main__":
