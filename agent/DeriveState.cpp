@@ -68,9 +68,7 @@ void deriveMembers(SwitchModel const& model, Interface const& intf, Bridging::Co
 }  // namespace
 
 ForwardingState deriveForwardingState(SwitchModel const& model) {
-    ForwardingState state{VynSystem::SystemStatus::SystemStatusIs(),
-                          Fen::FenCommonSmData::FenCommonSmDataIs(), Bridging::Config::ConfigIs(),
-                          VynSlice::ChipStatus::ChipStatusIs()};
+    ForwardingState state;
     derivePorts(model, state);
     deriveLags(model, state);
     for (Vlan const& vlan : model.vlans) {

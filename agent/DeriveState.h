@@ -11,21 +11,12 @@
 //   - A routed port, routed LAG or routing sub-interface is the one member of its internal VLAN.
 #pragma once
 
-#include "Bridging/Config.h"
-#include "Fen/FenCommonSmData.h"
-#include "Vanta/Node.h"
-#include "VynSlice/ChipStatus.h"
-#include "VynSystem/SystemStatus.h"
+#include "scenario/ForwardingState.h"
 #include "switchfile/SwitchFile.h"
 
 namespace Agent {
 
-struct ForwardingState {
-    Vanta::Ptr<VynSystem::SystemStatus> systemStatus;
-    Vanta::Ptr<Fen::FenCommonSmData> fcsd;
-    Vanta::Ptr<Bridging::Config> bridgingConfig;
-    Vanta::Ptr<VynSlice::ChipStatus> chipStatus;
-};
+using Scenario::ForwardingState;
 
 // New state objects, in the order of the model throughout. Never fails but for want of memory.
 // Thread: the event thread.

@@ -25,8 +25,8 @@ ForwardingAgent::ForwardingAgent(SwitchFile::SwitchModel const& model, AgentOpti
     loadChip(model);
     if (options_.recording != nullptr) {
         recorder_ =
-            std::make_unique<Recorder>(Recorder::Scene{loop_, clientConfigs_, clientStatuses_,
-                                                       state_, phase0Data_, options_.device},
+            std::make_unique<Recorder>(Recorder::Subject{loop_, clientConfigs_, clientStatuses_,
+                                                         state_, phase0Data_, options_.device},
                                        *options_.recording);
     }
     loadTracer();

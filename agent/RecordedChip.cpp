@@ -4,10 +4,10 @@
 
 namespace Agent {
 
-using SoftChip::Call;
+using ScriptChip::SdkFunction;
 
-p4_pd_status_t RecordedChip::noted(Call call, p4_pd_status_t rc) {
-    writer_.use([&](ScenarioWriter& writer) { writer.called(SoftChip::text(call), rc); });
+p4_pd_status_t RecordedChip::noted(SdkFunction call, p4_pd_status_t rc) {
+    writer_.use([&](ScenarioWriter& writer) { writer.called(call, rc); });
     return rc;
 }
 
@@ -15,37 +15,38 @@ p4_pd_status_t RecordedChip::getPktCounters(p4_pd_sess_hdl_t session, std::uint3
                                             std::uint32_t appId, std::uint64_t& count) {
     auto const rc = front_.behind().getPktCounters(session, pipe, appId, count);
     writer_.use([&](ScenarioWriter& writer) { writer.counterRead(pipe, count); });
-    return noted(Call::getPktCounters, rc);
+    return noted(SdkFunction::getPktCounters, rc);
 }
 
 p4_pd_status_t RecordedChip::genOnePkt(p4_pd_sess_hdl_t session, std::uint32_t pipe,
                                        std::uint32_t genPort, std::uint8_t portIndex,
                                        std::uint32_t appId, std::span<std::uint8_t const> pkt,
                                        std::span<std::uint8_t const> phase0, std::uint16_t pktId) {
-    return noted(Call::genOnePkt, front_.behind().genOnePkt(session, pipe, genPort, portIndex,
-                                                            appId, pkt, phase0, pktId));
+    return noted(
+        SdkFunction::genOnePkt,
+        front_.behind().genOnePkt(session, pipe, genPort, portIndex, appId, pkt, phase0, pktId));
 }
 
 p4_pd_status_t RecordedChip::disableAppId(p4_pd_sess_hdl_t session, std::uint32_t pipe,
                                           std::uint32_t appId) {
-    return noted(Call::disableAppId, front_.behind().disableAppId(session, pipe, appId));
+    return noted(SdkFunction::disableAppId, front_.behind().disableAppId(session, pipe, appId));
 }
 
 p4_pd_status_t RecordedChip::disablePktGen(p4_pd_sess_hdl_t session, std::uint32_t pipe,
                                            std::uint32_t genPort) {
-    return noted(Call::disablePktGen, front_.behind().disablePktGen(session, pipe, genPort));
+    return noted(SdkFunction::disablePktGen, front_.behind().disablePktGen(session, pipe, genPort));
 }
 
 p4_pd_status_t RecordedChip::digestRegister(p4_pd_sess_hdl_t session, std::uint32_t handle,
                                             pipe_flow_lrn_notify_cb callback, void* cookie) {
     callback_ = callback;
     cookie_ = cookie;
-    return noted(Call::digestRegister,
+    return noted(SdkFunction::digestRegister,
                  front_.behind().digestRegister(session, handle, digest, this));
 }
 
 p4_pd_status_t RecordedChip::digestDeregister(p4_pd_sess_hdl_t session, std::uint32_t handle) {
-    return noted(Call::digestDeregister, front_.behind().digestDeregister(session, handle));
+    return noted(SdkFunction::digestDeregister, front_.behind().digestDeregister(session, handle));
 }
 
 p4_pd_status_t RecordedChip::notifyAck(p4_pd_sess_hdl_t session, std::uint32_t handle,

@@ -41,7 +41,7 @@ class RecordedChip final : public SdkSeam::Chip {
   private:
     static p4_pd_status_t digest(p4_pd_sess_hdl_t session, pipe_flow_lrn_msg_t* message,
                                  void* cookie);
-    p4_pd_status_t noted(SoftChip::Call call, p4_pd_status_t rc);
+    p4_pd_status_t noted(ScriptChip::SdkFunction call, p4_pd_status_t rc);
 
     LockedWriter& writer_;
     // The tracer's registration. Written while no digest is registered below.

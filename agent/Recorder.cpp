@@ -7,6 +7,7 @@
 #include "Orb/Task.h"
 #include "PacketTracer/ClientConfig.h"
 #include "PacketTracer/ClientStatus.h"
+#include "agent/RequestEvents.h"
 
 namespace Agent {
 namespace {
@@ -15,6 +16,7 @@ using PacketTracer::ClientConfig;
 using PacketTracer::ClientStatus;
 using PacketTracer::Request;
 using PacketTracer::RequestId;
+namespace Do = Scenario::Do;
 
 // What the engine calls its task and the descriptor from which it reads digests.
 constexpr std::string_view engineTask = "pktGenWorker";
@@ -25,25 +27,33 @@ bool isResultEmpty(PacketTracer::Result const& result) {
            result.egressIntf().empty();
 }
 
+// What stands in a directory, seen as itself and as the directory's own type.
+Do::Entity entityOf(Vanta::Ptr<Vanta::Node> const& any, Vanta::Ptr<Vanta::Node> const& own) {
+    return own ? Do::Entity::own : any ? Do::Entity::other : Do::Entity::none;
+}
+
 }  // namespace
 
-Recorder::Recorder(Scene const& scene, RecordingFile& file)
-    : scene_(scene),
+Recorder::Recorder(Subject const& subject, RecordingFile& file)
+    : subject_(subject),
       writer_(file),
-      chip_(scene.device, writer_),
+      chip_(subject.device, writer_),
       phase0_(RecordedPhase0::RecordedPhase0Is(
-          scene.phase0Data, scene.loop,
-          {.isLate = [this] { return digestTurn_ == scene_.loop->turns(); },
+          subject.phase0Data, subject.loop,
+          {.isLate = [this] { return digestTurn_ == subject_.loop->turns(); },
            .announced =
                [this](Plexa::IntfId const& intf, VynSdk::Phase0DataResponse const* response) {
-                   event(response != nullptr ? Line::phase0(intf, *response)
-                                             : Line::phase0Del(intf));
+                   if (response != nullptr) {
+                       event(Do::Phase0{intf, response->status, response->data});
+                   } else {
+                       event(Do::Phase0Del{intf});
+                   }
                }})) {
     forwardingStateChanged();
-    for (auto const& entry : scene_.clientConfigs->entry()) {
+    for (auto const& entry : subject_.clientConfigs->entry()) {
         configEntry(Vanta::String(entry.key));
     }
-    for (auto const& entry : scene_.clientStatuses->entry()) {
+    for (auto const& entry : subject_.clientStatuses->entry()) {
         statusEntry(Vanta::String(entry.key));
     }
 }
@@ -53,23 +63,23 @@ Recorder::~Recorder() {
     writer_.use([](ScenarioWriter& writer) { writer.finish(); });
 }
 
-void Recorder::event(std::string line) {
-    writer_.use([&](ScenarioWriter& writer) { writer.event(std::move(line)); });
+void Recorder::event(Scenario::Event event) {
+    writer_.use([&](ScenarioWriter& writer) { writer.event(std::move(event)); });
 }
 
 void Recorder::starting(bool pktTracerSupported, bool pktGenSupported, std::uint32_t session) {
-    event(Line::start(pktTracerSupported, pktGenSupported, session, scene_.device));
+    event(Do::Start{pktTracerSupported, pktGenSupported, session, subject_.device});
     running_ = true;
 }
 
 void Recorder::stopping() {
-    writer_.use([](ScenarioWriter& writer) { writer.stop(Line::stop()); });
+    event(Do::Stop());
     running_ = false;
 }
 
 void Recorder::forwardingStateChanged() {
-    for (std::string& line : state_.becomes(scene_.forwardingState)) {
-        event(std::move(line));
+    for (Scenario::Event& change : state_.becomes(subject_.forwardingState)) {
+        event(std::move(change));
     }
 }
 
@@ -90,20 +100,20 @@ void Recorder::published(Vanta::Change const& change) {
 void Recorder::record(Vanta::Publisher const& publisher, Vanta::AttributeNumber attribute,
                       Vanta::ValueRef key) {
     Vanta::Node const* const owner = publisher.owner();
-    if (owner == scene_.clientConfigs.get()) {
+    if (owner == subject_.clientConfigs.get()) {
         configEntry(key.get<Vanta::String>());
-    } else if (owner == scene_.clientStatuses.get()) {
+    } else if (owner == subject_.clientStatuses.get()) {
         statusEntry(key.get<Vanta::String>());
     } else if (auto const* task = dynamic_cast<Orb::Task const*>(owner)) {
         if (attribute == Orb::Task::runAttribute && task->name() == engineTask) {
             writer_.use([&](ScenarioWriter& writer) {
-                writer.taskRuns(scene_.loop->turns(), scene_.loop->yieldAfter());
+                writer.taskRuns(subject_.loop->turns(), subject_.loop->yieldAfter());
             });
         }
     } else if (auto const* descriptor = dynamic_cast<Orb::FileDescriptor const*>(owner)) {
         if (attribute == Orb::FileDescriptor::readableAttribute &&
             descriptor->name() == digestDescriptor) {
-            digestTurn_ = scene_.loop->turns();
+            digestTurn_ = subject_.loop->turns();
             writer_.use([&](ScenarioWriter& writer) { writer.digestAnnounced(digestTurn_); });
         }
     } else if (auto const* request = dynamic_cast<Request const*>(owner)) {
@@ -118,36 +128,36 @@ void Recorder::record(Vanta::Publisher const& publisher, Vanta::AttributeNumber 
 // ---- Clients
 
 void Recorder::configEntry(Vanta::String const& name) {
-    auto const* const entry = scene_.clientConfigs->entry().find(name);
+    auto const* const entry = subject_.clientConfigs->entry().find(name);
     if (entry == nullptr) {
-        event(Line::clientConfigDel(name.view()));
+        event(Do::ClientConfigDel{name});
         return;
     }
     auto const config = Vanta::dynamicCast<ClientConfig>(entry->value);
-    event(Line::clientConfig(name.view(), config ? "config" : entry->value ? "other" : "none"));
+    event(Do::ClientConfig{name, entityOf(entry->value, config)});
     if (!config) {
         return;
     }
     content("requests", name, config->request().size());
     for (auto const& request : config->request()) {
-        event(Line::request(*request.value));
+        event(requestEvent(*request.value));
     }
 }
 
 void Recorder::statusEntry(Vanta::String const& name) {
-    auto const* const entry = scene_.clientStatuses->entry().find(name);
+    auto const* const entry = subject_.clientStatuses->entry().find(name);
     if (entry == nullptr) {
-        event(Line::clientStatusDel(name.view()));
+        event(Do::ClientStatusDel{name});
         return;
     }
     auto const status = Vanta::dynamicCast<ClientStatus>(entry->value);
-    event(Line::clientStatus(name.view(), status ? "status" : entry->value ? "other" : "none"));
+    event(Do::ClientStatus{name, entityOf(entry->value, status)});
     if (!status) {
         return;
     }
     content("results", name, status->result().size());
     for (auto const& result : status->result()) {
-        event(Line::result(result.key));
+        event(Do::Result{result.key});
         if (!isResultEmpty(*result.value)) {
             writer_.use([](ScenarioWriter& writer) {
                 writer.remark("this result had a content from before the recording");
@@ -167,21 +177,25 @@ void Recorder::content(std::string_view what, Vanta::String const& client, std::
 }
 
 void Recorder::requestEntry(Vanta::Node const& config, RequestId const& id) {
-    auto const there = scene_.clientConfigs->entity<ClientConfig>(id.clientName());
+    auto const there = subject_.clientConfigs->entity<ClientConfig>(id.clientName());
     if (there.get() != &config) {
         return;
     }
     auto const request = there->request(id);
-    event(request ? Line::request(*request) : Line::requestDel(id));
+    if (request) {
+        event(requestEvent(*request));
+    } else {
+        event(Do::RequestDel{id});
+    }
 }
 
 void Recorder::requestAttribute(Request const& request, Vanta::AttributeNumber attribute) {
-    auto const config = scene_.clientConfigs->entity<ClientConfig>(request.id().clientName());
+    auto const config = subject_.clientConfigs->entity<ClientConfig>(request.id().clientName());
     if (!config || config->request(request.id()).get() != &request) {
         return;
     }
-    for (std::string& line : Line::requestSet(request, attribute)) {
-        event(std::move(line));
+    for (Do::RequestSet& set : requestSetEvents(request, attribute)) {
+        event(std::move(set));
     }
 }
 

@@ -14,20 +14,21 @@
 
 #include "Kel/Dir.h"
 #include "Orb/TaskSchedulerRoot.h"
+#include "PacketTracer/Request.h"
 #include "Vanta/Assert.h"
 #include "Vanta/Tap.h"
 #include "agent/DeriveState.h"
 #include "agent/LockedWriter.h"
 #include "agent/RecordedChip.h"
 #include "agent/RecordedPhase0.h"
-#include "agent/ScenarioLines.h"
+#include "scenario/ForwardingState.h"
 
 namespace Agent {
 
 class Recorder {
   public:
     // What is recorded. It outlives the recorder.
-    struct Scene {
+    struct Subject {
         Vanta::Ptr<Orb::TaskSchedulerRoot> loop;
         Vanta::Ptr<Kel::Dir> clientConfigs;
         Vanta::Ptr<Kel::Dir> clientStatuses;
@@ -38,7 +39,7 @@ class Recorder {
 
     // Begins with what is there. Errors: std::logic_error if there is no chip.
     // Preconditions: there is no tracer yet; `file` outlives the recorder.
-    Recorder(Scene const& scene, RecordingFile& file);
+    Recorder(Subject const& subject, RecordingFile& file);
     Recorder(Recorder const&) = delete;
     Recorder& operator=(Recorder const&) = delete;
     // Precondition: there is no tracer any more.
@@ -63,12 +64,12 @@ class Recorder {
     void statusEntry(Vanta::String const& name);
     void requestEntry(Vanta::Node const& config, PacketTracer::RequestId const& id);
     void requestAttribute(PacketTracer::Request const& request, Vanta::AttributeNumber attribute);
-    void event(std::string line);
+    void event(Scenario::Event event);
     void content(std::string_view what, Vanta::String const& client, std::size_t count);
 
-    Scene const scene_;
+    Subject const subject_;
     LockedWriter writer_;
-    RecordedState state_;
+    Scenario::ToldState state_;
     RecordedChip chip_;
     Vanta::Ptr<RecordedPhase0> phase0_;
     std::uint64_t digestTurn_ = 0;  // the latest turn that read a digest

@@ -1,40 +1,70 @@
 #include "agent/ScenarioWriter.h"
 
 #include <algorithm>
+#include <cstring>
 #include <utility>
 
-#include "agent/ScenarioLines.h"
+#include "scenario/Writer.h"
+#include "softchip/DigestLayout.h"
 
 namespace Agent {
+namespace {
+
+namespace Do = Scenario::Do;
+using Scenario::line;
+using ScriptChip::SdkFunction;
+
+std::string comment(std::string_view text) {
+    return "# " + std::string(text);
+}
+
+template <class Unsigned>
+void take(std::uint8_t const*& from, Unsigned& to) {
+    std::memcpy(&to, from, sizeof to);
+    from += sizeof to;
+}
+
+// A learn message's entries as the chips of this tree lay them out.
+Do::Digest digestOf(std::span<std::uint8_t const> bytes) {
+    Do::Digest digest;
+    digest.entries.resize(bytes.size() / SoftChip::digestEntryBytes);
+    std::uint8_t const* from = bytes.data();
+    for (auto& entry : digest.entries) {
+        take(from, entry.pktId);
+        take(from, entry.copyToCpu);
+        take(from, entry.l2Domain);
+        take(from, entry.egrPort);
+        take(from, entry.routed);
+        take(from, entry.dropCtl);
+    }
+    return digest;
+}
+
+}  // namespace
 
 ScenarioWriter::Under::Under() = default;
 
-void ScenarioWriter::event(std::string line) {
+void ScenarioWriter::event(Scenario::Event event) {
     close();
-    under_.emplace().line = std::move(line);
-}
-
-void ScenarioWriter::stop(std::string line) {
-    event(std::move(line));
-    under_->isStop = true;
+    under_.emplace().event = std::move(event);
 }
 
 void ScenarioWriter::remark(std::string_view text) {
     if (!under_) {
-        add(Line::comment(text));
+        add(comment(text));
         return;
     }
-    under_->remarks.push_back(Line::comment(text));
+    under_->remarks.push_back(comment(text));
 }
 
 // The turn as the event under way, which it may be already.
 ScenarioWriter::Under& ScenarioWriter::turnUnder(TurnNumber turn) {
-    if (!under_ || !under_->line.empty() || under_->turn != turn) {
+    if (!under_ || under_->event || under_->turn != turn) {
         close();
         under_.emplace().turn = turn;
         if (closedTurn_ == turn) {
-            under_->ahead.push_back(Line::comment(
-                "one turn of the run: something came between its digest and its task"));
+            under_->ahead.push_back(
+                comment("one turn of the run: something came between its digest and its task"));
         }
     }
     return *under_;
@@ -51,29 +81,24 @@ void ScenarioWriter::taskRuns(TurnNumber turn, std::uint32_t yieldAfter) {
     Under& under = turnUnder(turn);
     under.taskRan = true;
     if (std::exchange(yieldAfter_, yieldAfter) != yieldAfter) {
-        under.ahead.push_back(Line::yieldAfter(yieldAfter));
+        under.ahead.push_back(line(Do::YieldAfter{yieldAfter}));
     }
 }
 
-void ScenarioWriter::called(std::string_view call, std::int32_t rc) {
-    if (!under_) {
-        return;
+void ScenarioWriter::called(SdkFunction call, std::int32_t rc) {
+    if (under_) {
+        under_->answers.called(call, rc);
     }
-    auto found = std::ranges::find(under_->calls, call, &Calls::name);
-    if (found == under_->calls.end()) {
-        found = under_->calls.insert(found, {call, {}});
-    }
-    found->results.push_back(rc);
 }
 
 void ScenarioWriter::counterRead(std::uint32_t pipe, std::uint64_t count) {
     if (under_) {
-        under_->counters[pipe].push_back(count);
+        under_->answers.counterRead(pipe, count);
     }
 }
 
 ScenarioWriter::Reception ScenarioWriter::received(std::span<std::uint8_t const> entries) {
-    unread_.push_back({.number = ++receptions_, .line = Line::digest(entries)});
+    unread_.push_back({.number = ++receptions_, .line = line(digestOf(entries))});
     return receptions_;
 }
 
@@ -123,68 +148,56 @@ void ScenarioWriter::close() {
         return;
     }
     Under under = *std::exchange(under_, std::nullopt);
-    bool const isTurn = under.line.empty();
-    if (under.isStop) {
+    bool const isTurn = !under.event;
+    if (under.event && std::holds_alternative<Do::Stop>(*under.event)) {
         under.messages.splice(under.messages.end(), unread_);
     }
-    addCounters(under);
-    addCalls(under);
+    addAnswers(under);
     if (!under.ahead.empty() || !under.messages.empty() || !isTurn) {
         addTurns();
     }
-    for (std::string const& line : under.ahead) {
-        add(line);
+    for (std::string const& ahead : under.ahead) {
+        add(ahead);
     }
     addMessages(std::move(under.messages));
     if (isTurn) {
         ++turns_;
         closedTurn_ = under.taskRan ? std::nullopt : std::optional(under.turn);
     } else {
-        add(under.line);
+        add(line(*under.event));
     }
     if (!under.remarks.empty()) {
         addTurns();
     }
-    for (std::string const& line : under.remarks) {
-        add(line);
+    for (std::string const& remark : under.remarks) {
+        add(remark);
     }
     write(false);
 }
 
-void ScenarioWriter::addCounters(Under& under) {
-    for (auto const& [pipe, values] : under.counters) {
-        std::uint64_t& standing = counters_[pipe];
-        if (std::ranges::any_of(values, [&](std::uint64_t v) { return v != standing; })) {
-            under.ahead.push_back(Line::counter(pipe, values));
+void ScenarioWriter::addAnswers(Under& under) {
+    for (Do::Counter const& counter : under.answers.counters()) {
+        std::uint64_t& standing = counters_[counter.pipe];
+        if (std::ranges::any_of(counter.values, [&](std::uint64_t v) { return v != standing; })) {
+            under.ahead.push_back(line(counter));
         }
-        standing = values.back();
+        standing = counter.values.back();
+    }
+    for (auto const& [told, isAll] : under.answers.failures()) {
+        if (!isAll) {
+            under.ahead.push_back(comment("a later call of " +
+                                          std::string(sdkFunctionName(told.call)) +
+                                          " in this event failed in another way"));
+        }
+        under.ahead.push_back(line(told));
     }
 }
 
-// One instruction a function: so many calls that succeed, so many that fail alike, and no more.
-void ScenarioWriter::addCalls(Under& under) {
-    for (auto const& [name, results] : under.calls) {
-        auto const first = std::ranges::find_if(results, [](std::int32_t rc) { return rc != 0; });
-        if (first == results.end()) {
-            continue;
-        }
-        auto const last =
-            std::find_if(first, results.end(), [&](std::int32_t rc) { return rc != *first; });
-        if (std::any_of(last, results.end(), [](std::int32_t rc) { return rc != 0; })) {
-            under.ahead.push_back(Line::comment("a later call of " + std::string(name) +
-                                                " in this event failed in another way"));
-        }
-        under.ahead.push_back(Line::sdkReturn(name, *first,
-                                              static_cast<std::uint64_t>(last - first),
-                                              static_cast<std::uint64_t>(first - results.begin())));
-    }
-}
-
-void ScenarioWriter::add(std::string const& line) {
+void ScenarioWriter::add(std::string const& text) {
     if (items_.empty() || !items_.back().message.empty()) {
         items_.emplace_back();
     }
-    items_.back().lines.append(line).push_back('\n');
+    items_.back().lines.append(text).push_back('\n');
 }
 
 void ScenarioWriter::addMessages(Messages&& messages) {
@@ -196,8 +209,8 @@ void ScenarioWriter::addMessages(Messages&& messages) {
 
 void ScenarioWriter::addTurns() {
     while (turns_ > 0) {
-        auto const times = std::min(turns_, mostTurns_);
-        add(Line::turn(times));
+        auto const times = static_cast<std::uint32_t>(std::min(turns_, mostTurns_));
+        add(line(Do::Turn{times}));
         turns_ -= times;
     }
 }
@@ -215,7 +228,7 @@ void ScenarioWriter::write(bool all) {
             break;
         }
         if (message.rc != 0) {
-            lines += Line::sdkReturn("pipe_mgr_flow_lrn_notify_ack", message.rc, 1, 0) + '\n';
+            lines += line(Do::SdkReturn{.call = SdkFunction::notifyAck, .rc = message.rc}) + '\n';
         }
         lines += message.line + '\n';
     }

@@ -35,6 +35,8 @@
 #include <vector>
 
 #include "agent/RecordingFile.h"
+#include "scenario/ChipAnswers.h"
+#include "scenario/Event.h"
 
 namespace Agent {
 
@@ -48,10 +50,8 @@ class ScenarioWriter {
     explicit ScenarioWriter(RecordingFile& file, std::uint64_t mostTurns = defaultMostTurns)
         : file_(file), mostTurns_(mostTurns) {}
 
-    // Something from outside begins. `line` is its event.
-    void event(std::string line);
-    // The same for the release of the tracer, which loses the digests that were not read.
-    void stop(std::string line);
+    // Something from outside begins. The release of the tracer loses the digests that were not read.
+    void event(Scenario::Event event);
     // A remark for people, behind what has begun.
     void remark(std::string_view text);
 
@@ -60,8 +60,8 @@ class ScenarioWriter {
     void digestAnnounced(TurnNumber turn);
     void taskRuns(TurnNumber turn, std::uint32_t yieldAfter);
 
-    // What the event under way meets. `call` is the function's name.
-    void called(std::string_view call, std::int32_t rc);
+    // What the event under way meets.
+    void called(ScriptChip::SdkFunction call, std::int32_t rc);
     void counterRead(std::uint32_t pipe, std::uint64_t count);
 
     // A learn message: received with these entries; acknowledged; the callback has returned.
@@ -82,21 +82,15 @@ class ScenarioWriter {
         bool done = false;
     };
     using Messages = std::list<Message>;
-    struct Calls {
-        std::string_view name;
-        std::vector<std::int32_t> results;
-    };
     struct Under {  // the event under way
         Under();    // defined where the class is complete, which std::optional asks for
 
-        std::string line;  // empty for a turn
-        bool isStop = false;
+        std::optional<Scenario::Event> event;  // none for a turn
         TurnNumber turn = 0;
         bool taskRan = false;
         std::vector<std::string> ahead;
-        Messages messages;                                             // to be taken in it
-        std::vector<Calls> calls;                                      // by function
-        std::map<std::uint32_t, std::vector<std::uint64_t>> counters;  // by pipe
+        Messages messages;  // to be taken in it
+        Scenario::ChipAnswers answers;
         std::vector<std::string> remarks;
     };
     // A line, or a message that becomes one or two when it is done.
@@ -107,8 +101,7 @@ class ScenarioWriter {
 
     Under& turnUnder(TurnNumber turn);
     void close();
-    void addCalls(Under& under);
-    void addCounters(Under& under);
+    void addAnswers(Under& under);
     void add(std::string const& line);
     void addMessages(Messages&& messages);
     void addTurns();

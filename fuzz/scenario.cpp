@@ -10,25 +10,24 @@
 #include <vector>
 
 #include "Target.h"
-#include "replay/Event.h"
-#include "replay/JsonLine.h"
 #include "replay/Replay.h"
+#include "scenario/Reader.h"
 
 namespace {
 
-namespace Do = Replay::Do;
+namespace Do = Scenario::Do;
 
 // The events of a whole input; none if a line is refused, behind which none is read either.
-std::optional<std::vector<Replay::Event>> readAll(std::string const& text) {
+std::optional<std::vector<Scenario::Event>> readAll(std::string const& text) {
     std::istringstream in(text);
-    std::vector<Replay::Event> events;
+    std::vector<Scenario::Event> events;
     for (std::string line; std::getline(in, line);) {
         if (line.empty() || line.front() == '#') {
             continue;
         }
         try {
-            events.push_back(Replay::readEvent(line));
-        } catch (Replay::Refusal const& refusal) {
+            events.push_back(Scenario::readEvent(line));
+        } catch (Scenario::Refusal const& refusal) {
             Fuzz::check(*refusal.what() != '\0', "a refusal has a reason");
             return std::nullopt;
         }
@@ -96,7 +95,7 @@ class Harmless {
     std::uint64_t turns_ = 0;
 };
 
-bool isHarmless(std::vector<Replay::Event> const& events) {
+bool isHarmless(std::vector<Scenario::Event> const& events) {
     Harmless harmless;
     for (auto const& event : events) {
         if (!std::visit(harmless, event)) {

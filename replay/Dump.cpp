@@ -5,10 +5,12 @@
 
 #include "Kel/Object.h"
 #include "replay/ClassName.h"
-#include "replay/JsonText.h"
+#include "scenario/JsonText.h"
 
 namespace Replay {
 namespace {
+
+using Scenario::JsonWriter;
 
 // The objects met so far, by number.
 class Numbering {
@@ -54,9 +56,10 @@ class ValueWriter final : public Kel::AttributeSink {
     Numbering& numbering_;
 };
 
-void writeRoots(JsonWriter& json, std::span<Scene::Root const> roots, Numbering& numbering) {
+void writeRoots(JsonWriter& json, std::span<Scenario::Player::Root const> roots,
+                Numbering& numbering) {
     json.beginObject().name("roots").beginObject();
-    for (Scene::Root const& root : roots) {
+    for (Scenario::Player::Root const& root : roots) {
         json.name(root.name);
         if (root.node != nullptr) {
             json.number(numbering.numberOf(root.node));
@@ -94,7 +97,7 @@ void writeObject(JsonWriter& json, std::size_t number, Vanta::Node const& node,
 
 }  // namespace
 
-std::string dump(std::span<Scene::Root const> roots) {
+std::string dump(std::span<Scenario::Player::Root const> roots) {
     std::string lines;
     Numbering numbering;
     JsonWriter rootsLine(lines);

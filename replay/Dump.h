@@ -11,11 +11,11 @@
 #include <span>
 #include <string>
 
-#include "replay/Scene.h"
+#include "scenario/Player.h"
 
 namespace Replay {
 
 // The lines. Objects are numbered from 1 in the order in which they are first mentioned.
-std::string dump(std::span<Scene::Root const> roots);
+std::string dump(std::span<Scenario::Player::Root const> roots);
 
 }  // namespace Replay

@@ -5,11 +5,13 @@
 #include "PacketTracer/ClientStatus.h"
 #include "Trace/Trace.h"
 #include "replay/ClassName.h"
+#include "scenario/JsonText.h"
 
 namespace Replay {
 namespace {
 
 using PacketTracer::RequestId;
+using Scenario::JsonWriter;
 using VynPacketTracer::PktGenConfig;
 using VynPacketTracer::PktGenStatus;
 using VynPacketTracer::PktGenStatusData;

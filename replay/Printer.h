@@ -17,7 +17,6 @@
 #include "Vanta/Assert.h"
 #include "Vanta/Tap.h"
 #include "VynPacketTracer/VynPtTypes.h"
-#include "replay/JsonText.h"
 #include "scriptchip/Listener.h"
 
 namespace Replay {

@@ -7,13 +7,15 @@
 #include <iostream>
 
 #include "replay/Dump.h"
-#include "replay/Event.h"
-#include "replay/JsonLine.h"
 #include "replay/Printer.h"
-#include "replay/Scene.h"
+#include "scenario/Player.h"
+#include "scenario/Reader.h"
 
 namespace Replay {
 namespace {
+
+using Scenario::Event;
+using Scenario::Refusal;
 
 bool isSkipped(std::string_view line) noexcept {
     return line.empty() || line.front() == '#';
@@ -22,7 +24,12 @@ bool isSkipped(std::string_view line) noexcept {
 class Run {
   public:
     Run(std::ostream& out, std::ostream& err, Options const& options)
-        : err_(err), options_(options), printer_(out), scene_(printer_), observation_(printer_) {}
+        : err_(err),
+          options_(options),
+          printer_(out),
+          chip_(&printer_),
+          player_(chip_),
+          observation_(printer_) {}
     Run(Run const&) = delete;
     Run& operator=(Run const&) = delete;
     // What the end of the run takes down is no part of it.
@@ -43,7 +50,7 @@ class Run {
             return badInput;
         }
         if (options_.dump) {
-            printer_.lines(dump(scene_.roots()));
+            printer_.lines(dump(player_.roots()));
         }
         return flush();
     }
@@ -51,8 +58,8 @@ class Run {
   private:
     int carryOut(std::uint64_t number, std::string_view line) {
         try {
-            Event const event = readEvent(line);
-            scene_.check(event);
+            Event const event = Scenario::readEvent(line);
+            player_.check(event);
             printer_.event(number);
             play(event);
         } catch (Refusal const& refusal) {
@@ -63,11 +70,11 @@ class Run {
     }
     void play(Event const& event) {
         try {
-            scene_.carryOut(event);
+            player_.carryOut(event);
         } catch (std::exception const& error) {
             printer_.error(error);
         }
-        if (auto const state = scene_.engineState()) {
+        if (auto const state = player_.engineState()) {
             printer_.engine(*state);
         }
     }
@@ -82,7 +89,8 @@ class Run {
     std::ostream& err_;
     Options const& options_;
     Printer printer_;
-    Scene scene_;
+    ScriptChip::ScriptChip chip_;
+    Scenario::Player player_;
     Observation observation_;
 };
 

@@ -11,6 +11,8 @@
 namespace Agent {
 namespace {
 
+namespace Do = Scenario::Do;
+
 constexpr std::uint32_t never = std::numeric_limits<std::uint32_t>::max();
 
 class ScenarioWriterTest : public testing::Test {
@@ -38,6 +40,10 @@ class ScenarioWriterTest : public testing::Test {
                R"(,"l2Domain":)" + u16 + R"(,"egrPort":)" + u16 + R"(,"routed":)" + u8 +
                R"(,"dropCtl":)" + u8 + "}]}\n";
     }
+    // What the events of the tests are written as.
+    static inline std::string const one = "{\"do\":\"clientConfigDel\",\"client\":\"one\"}\n";
+    static inline std::string const two = "{\"do\":\"clientConfigDel\",\"client\":\"two\"}\n";
+    static inline std::string const stop = "{\"do\":\"stop\"}\n";
     static inline std::string const digest1 = digest("1", "257");
     static inline std::string const digest2 = digest("2", "514");
 
@@ -51,20 +57,20 @@ class ScenarioWriterTest : public testing::Test {
 };
 
 TEST_F(ScenarioWriterTest, WritesAnEventWhenTheNextOneBegins) {
-    writer.event("one");
+    writer.event(Do::ClientConfigDel{"one"});
     EXPECT_EQ(written(), "");
-    writer.event("two");
-    EXPECT_EQ(written(), "one\n");
-    EXPECT_EQ(finished(), "one\ntwo\n");
+    writer.event(Do::ClientConfigDel{"two"});
+    EXPECT_EQ(written(), one);
+    EXPECT_EQ(finished(), one + two);
 }
 
 TEST_F(ScenarioWriterTest, CountsTurnsThatMeetNothingTogether) {
     turn(1);
     turn(2);
     turn(5);
-    writer.event("one");
+    writer.event(Do::ClientConfigDel{"one"});
     turn(6);
-    EXPECT_EQ(finished(), "{\"do\":\"turn\",\"times\":3}\none\n{\"do\":\"turn\"}\n");
+    EXPECT_EQ(finished(), "{\"do\":\"turn\",\"times\":3}\n" + one + "{\"do\":\"turn\"}\n");
 }
 
 TEST_F(ScenarioWriterTest, DigestAndTaskOfATurnAreOneTurn) {
@@ -76,16 +82,16 @@ TEST_F(ScenarioWriterTest, DigestAndTaskOfATurnAreOneTurn) {
 
 TEST_F(ScenarioWriterTest, WhatComesBehindTheTaskStandsBehindTheTurn) {
     turn(1);
-    writer.event("one");
-    EXPECT_EQ(finished(), "{\"do\":\"turn\"}\none\n");
+    writer.event(Do::ClientConfigDel{"one"});
+    EXPECT_EQ(finished(), "{\"do\":\"turn\"}\n" + one);
 }
 
 TEST_F(ScenarioWriterTest, RemarksOnWhatComesBetweenDigestAndTask) {
     receiveWhole(1);
     writer.digestAnnounced(7);
-    writer.event("one");
+    writer.event(Do::ClientConfigDel{"one"});
     turn(7);
-    EXPECT_EQ(finished(), digest1 + "{\"do\":\"turn\"}\none\n" +
+    EXPECT_EQ(finished(), digest1 + "{\"do\":\"turn\"}\n" + one +
                               "# one turn of the run: something came between its digest and its "
                               "task\n{\"do\":\"turn\"}\n");
 }
@@ -101,18 +107,18 @@ TEST_F(ScenarioWriterTest, DigestsStandAheadOfTheTurnsThatReadThem) {
 }
 
 TEST_F(ScenarioWriterTest, DigestsThatNobodyReadsStandAheadOfTheStop) {
-    writer.stop("stop");
+    writer.event(Do::Stop());
     receiveWhole(1);
-    writer.event("one");
+    writer.event(Do::ClientConfigDel{"one"});
     receiveWhole(2);
-    EXPECT_EQ(finished(), digest1 + "stop\none\n" + digest2);
+    EXPECT_EQ(finished(), digest1 + stop + one + digest2);
 }
 
 TEST_F(ScenarioWriterTest, ADigestsLineWaitsForItsAcknowledgement) {
     auto const reception = receive(1);
     writer.digestAnnounced(1);
-    writer.event("one");
-    writer.event("two");
+    writer.event(Do::ClientConfigDel{"one"});
+    writer.event(Do::ClientConfigDel{"two"});
     EXPECT_EQ(written(), "");
     writer.acknowledged(-4);
     writer.done(reception);
@@ -120,7 +126,7 @@ TEST_F(ScenarioWriterTest, ADigestsLineWaitsForItsAcknowledgement) {
         finished(),
         R"({"do":"sdkReturn","call":"pipe_mgr_flow_lrn_notify_ack","rc":-4,"times":1,"after":0})"
         "\n" +
-            digest1 + "{\"do\":\"turn\"}\none\ntwo\n");
+            digest1 + "{\"do\":\"turn\"}\n" + one + two);
 }
 
 TEST_F(ScenarioWriterTest, AtTheEndADigestNeedNotBeAcknowledged) {
@@ -148,11 +154,11 @@ TEST_F(ScenarioWriterTest, CountersStandAheadOfTheEventThatReadsOthers) {
 
 TEST_F(ScenarioWriterTest, CallsThatFailStandAheadOfTheirEvent) {
     turn(1);
-    writer.called("genOnePkt", 0);
-    writer.called("disableAppId", 0);
-    writer.called("disableAppId", 5);
-    writer.called("disableAppId", 5);
-    writer.called("disableAppId", 0);
+    writer.called(ScriptChip::SdkFunction::genOnePkt, 0);
+    writer.called(ScriptChip::SdkFunction::disableAppId, 0);
+    writer.called(ScriptChip::SdkFunction::disableAppId, 5);
+    writer.called(ScriptChip::SdkFunction::disableAppId, 5);
+    writer.called(ScriptChip::SdkFunction::disableAppId, 0);
     EXPECT_EQ(finished(),
               "{\"do\":\"sdkReturn\",\"call\":\"disableAppId\",\"rc\":5,\"times\":2,\"after\":1}\n"
               "{\"do\":\"turn\"}\n");
@@ -160,8 +166,8 @@ TEST_F(ScenarioWriterTest, CallsThatFailStandAheadOfTheirEvent) {
 
 TEST_F(ScenarioWriterTest, RemarksOnCallsThatFailInTwoWays) {
     turn(1);
-    writer.called("disableAppId", 5);
-    writer.called("disableAppId", 6);
+    writer.called(ScriptChip::SdkFunction::disableAppId, 5);
+    writer.called(ScriptChip::SdkFunction::disableAppId, 6);
     EXPECT_EQ(finished(),
               "# a later call of disableAppId in this event failed in another way\n"
               "{\"do\":\"sdkReturn\",\"call\":\"disableAppId\",\"rc\":5,\"times\":1,\"after\":0}\n"
@@ -186,9 +192,9 @@ TEST_F(ScenarioWriterTest, OneEventTakesNoMoreTurnsThanItMay) {
 
 TEST_F(ScenarioWriterTest, RemarksStandBehindTheirEvent) {
     writer.remark("early");
-    writer.event("one");
+    writer.event(Do::ClientConfigDel{"one"});
     writer.remark("late");
-    EXPECT_EQ(finished(), "# early\none\n# late\n");
+    EXPECT_EQ(finished(), "# early\n" + one + "# late\n");
 }
 
 }  // namespace

@@ -1,9 +1,12 @@
-// The events of a scenario, as its lines say them, types and ranges checked.
+// The events of a scenario, one type each. docs/scenario.md describes their lines; a member that a
+// line may leave out has its default here.
+//
+// Values: they copy freely, and what is large in them is shared. Thread: that of the objects that
+// they are about.
 #pragma once
 
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -14,25 +17,28 @@
 #include "scriptchip/Digest.h"
 #include "scriptchip/SdkCall.h"
 
-namespace Replay {
+namespace Scenario {
+
+// The most that one event says of turns, or of calls that return something.
+inline constexpr std::uint32_t mostTimes = 1'000'000;
 
 namespace Do {
 
 // Forwarding state.
 struct Port {
     Plexa::IntfId intf;
-    std::uint8_t pipe;
-    std::uint16_t port;
+    std::uint8_t pipe = 0;
+    std::uint16_t port = 0;
 };
 struct PortDel {
     Plexa::IntfId intf;
 };
 struct PortToIntfId {
-    std::uint16_t port;
+    std::uint16_t port = 0;
     Plexa::IntfId intf;
 };
 struct PortToIntfIdDel {
-    std::uint16_t port;
+    std::uint16_t port = 0;
 };
 struct LagToPort {
     Plexa::IntfId lag;
@@ -48,12 +54,12 @@ struct PortToLagDel {
     Plexa::IntfId intf;
 };
 struct Vlan {
-    Bridging::VlanId id;
+    Bridging::VlanId id{Bridging::VlanId::min};
     std::vector<Plexa::IntfId> intf;
-    bool internal;
+    bool internal = false;
 };
 struct VlanDel {
-    Bridging::VlanId id;
+    Bridging::VlanId id{Bridging::VlanId::min};
 };
 struct CpuPort {
     Plexa::IntfId intf;
@@ -64,32 +70,33 @@ struct CpuPortDel {
 
 // Life of the tracer.
 struct Start {
-    bool pktTracerSupported;
-    bool pktGenSupported;
-    std::uint32_t session;
-    std::uint8_t device;
+    bool pktTracerSupported = true;
+    bool pktGenSupported = true;
+    std::uint32_t session = 1;
+    std::uint8_t device = 0;
 };
 struct Stop {};
 struct Turn {
-    std::uint32_t times;
+    std::uint32_t times = 1;
 };
 struct YieldAfter {
-    std::uint32_t checks;
+    std::uint32_t checks = 0;
 };
 
-// Clients and requests.
+// Clients and requests. What stands in a directory is an object of the directory's own type,
+// nothing, or an object of another type.
 enum class Entity : std::uint8_t { own, none, other };
 
 struct ClientConfig {
     Vanta::String client;
-    Entity entity;
+    Entity entity = Entity::own;
 };
 struct ClientConfigDel {
     Vanta::String client;
 };
 struct ClientStatus {
     Vanta::String client;
-    Entity entity;
+    Entity entity = Entity::own;
 };
 struct ClientStatusDel {
     Vanta::String client;
@@ -97,16 +104,18 @@ struct ClientStatusDel {
 struct Request {
     PacketTracer::RequestId id;
     Plexa::IntfId intf;
-    std::uint16_t etherType;
-    bool mpls;
-    bool gre;
-    bool valid;
-    Vanta::Bytes raw;
+    std::uint16_t etherType = 0x0800;
+    bool mpls = false;
+    bool gre = false;
+    bool valid = true;
+    Vanta::Bytes raw = std::vector<std::uint8_t>(64);
 };
+// The value's type follows from the attribute: `intf` an interface, `etherType` a number, `raw`
+// bytes, the others a truth value.
 enum class RequestAttribute : std::uint8_t { valid, etherType, mpls, gre, intf, raw };
 struct RequestSet {
     PacketTracer::RequestId id;
-    RequestAttribute attribute;
+    RequestAttribute attribute = RequestAttribute::valid;
     std::variant<bool, std::uint16_t, Plexa::IntfId, Vanta::Bytes> value;
 };
 struct RequestDel {
@@ -119,28 +128,28 @@ struct Result {
 // The scripted chip.
 struct Phase0 {
     Plexa::IntfId intf;
-    std::uint32_t status;
+    std::uint32_t status = 0;
     Vanta::Bytes data;
 };
 struct Phase0Del {
     Plexa::IntfId intf;
 };
 struct Counter {
-    std::uint8_t pipe;
-    std::vector<std::uint64_t> values;
+    std::uint8_t pipe = 0;
+    std::vector<std::uint64_t> values;  // one or more
 };
 struct SdkReturn {
-    ScriptChip::SdkFunction call;
-    std::int32_t rc;
-    std::uint32_t times;
-    std::uint32_t after;
+    ScriptChip::SdkFunction call{};
+    std::int32_t rc = 0;
+    std::uint32_t times = 1;
+    std::uint32_t after = 0;
 };
 struct Digest {
     std::vector<ScriptChip::DigestEntry> entries;
 };
 struct DigestField {
-    std::string field;
-    std::uint32_t size;
+    std::string field{ScriptChip::DigestLayout::fieldNames().front()};
+    std::uint32_t size = 0;
 };
 
 }  // namespace Do
@@ -153,7 +162,4 @@ using Event =
                  Do::Request, Do::RequestSet, Do::RequestDel, Do::Result, Do::Phase0, Do::Phase0Del,
                  Do::Counter, Do::SdkReturn, Do::Digest, Do::DigestField>;
 
-// The event of a line that is neither empty nor a comment. Errors: Refusal.
-Event readEvent(std::string_view line);
-
-}  // namespace Replay
+}  // namespace Scenario

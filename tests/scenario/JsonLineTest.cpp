@@ -1,8 +1,8 @@
-#include "replay/JsonLine.h"
+#include "scenario/JsonLine.h"
 
 #include <gtest/gtest.h>
 
-namespace Replay {
+namespace Scenario {
 namespace {
 
 using namespace std::string_literals;
@@ -18,7 +18,7 @@ std::string refusal(std::string_view line) {
     }
 }
 
-JsonValue valueOf(std::string const& text) {
+LineValue valueOf(std::string const& text) {
     return parseJsonLine(R"({"a":)" + text + "}").at(0).value;
 }
 
@@ -126,7 +126,7 @@ TEST(JsonLine, KeepsWholeNumbersExactly) {
 TEST(JsonLine, TellsOtherNumbersFromWholeOnes) {
     for (auto const* number : {"1.0", "1e2", "1E2", "-0.0", "18446744073709551616",
                                "-9223372036854775809", "100000000000000000000000000"}) {
-        EXPECT_EQ(number, std::get<JsonValue::OtherNumber>(valueOf(number).value).text);
+        EXPECT_EQ(number, std::get<LineValue::OtherNumber>(valueOf(number).value).text);
     }
 }
 
@@ -135,9 +135,9 @@ TEST(JsonLine, RefusesANumberBeyondEveryRange) {
 }
 
 TEST(JsonLine, ReadsObjectsInAList) {
-    auto const list = std::get<JsonValue::List>(valueOf(R"([{"b":1},{},2])").value);
+    auto const list = std::get<LineValue::List>(valueOf(R"([{"b":1},{},2])").value);
     ASSERT_EQ(3U, list.size());
-    EXPECT_EQ(1U, std::get<JsonValue::Members>(list[0].value).size());
+    EXPECT_EQ(1U, std::get<LineValue::Members>(list[0].value).size());
     EXPECT_EQ(2U, std::get<std::uint64_t>(list[2].value));
 }
 
@@ -152,4 +152,4 @@ TEST(JsonLine, NamesTheColumnOfASyntaxError) {
 }
 
 }  // namespace
-}  // namespace Replay
+}  // namespace Scenario

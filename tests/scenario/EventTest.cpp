@@ -1,10 +1,8 @@
-#include "replay/Event.h"
+#include "scenario/Reader.h"
 
 #include <gtest/gtest.h>
 
-#include "replay/JsonLine.h"
-
-namespace Replay {
+namespace Scenario {
 namespace {
 
 // The event of a line, as the type that it must be.
@@ -433,4 +431,4 @@ TEST(DigestFieldEvent, TakesTheSixFields) {
 }
 
 }  // namespace
-}  // namespace Replay
+}  // namespace Scenario

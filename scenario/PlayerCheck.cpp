@@ -1,9 +1,9 @@
 // Which events make no sense at a given moment.
-#include "replay/JsonLine.h"
-#include "replay/JsonText.h"
-#include "replay/Scene.h"
+#include "scenario/JsonLine.h"
+#include "scenario/JsonText.h"
+#include "scenario/Player.h"
 
-namespace Replay {
+namespace Scenario {
 namespace {
 
 void require(bool holds, std::string const& otherwise) {
@@ -23,66 +23,66 @@ std::string named(PacketTracer::RequestId const& id) {
 }  // namespace
 
 // One operator an event; most events always make sense.
-struct Scene::Checker {
-    Scene const& scene;
+struct Player::Checking {
+    Player const& player;
 
     template <class AnyOther>
     void operator()(AnyOther const&) const {}
 
     void operator()(Do::PortDel const& e) const {
-        require(scene.systemStatus_->portInfo().has(e.intf),
+        require(player.stage_.systemStatus->portInfo().has(e.intf),
                 "there is no port information of " + named(e.intf));
     }
     void operator()(Do::PortToIntfIdDel const& e) const {
-        require(scene.systemStatus_->portToIntfId().has(VynPortTypes::PortIndex(e.port)),
+        require(player.stage_.systemStatus->portToIntfId().has(VynPortTypes::PortIndex(e.port)),
                 "there is no interface of the port " + std::to_string(e.port));
     }
     void operator()(Do::LagToPortDel const& e) const {
-        require(scene.fcsd_->lagToPort().has(e.lag), named(e.lag) + " is no LAG");
+        require(player.stage_.fcsd->lagToPort().has(e.lag), named(e.lag) + " is no LAG");
     }
     void operator()(Do::PortToLagDel const& e) const {
-        require(scene.fcsd_->portToLag().has(e.intf), named(e.intf) + " is in no LAG");
+        require(player.stage_.fcsd->portToLag().has(e.intf), named(e.intf) + " is in no LAG");
     }
     void operator()(Do::VlanDel const& e) const {
-        require(scene.bridgingConfig_->vlanConfig().has(e.id),
+        require(player.stage_.bridgingConfig->vlanConfig().has(e.id),
                 "there is no VLAN " + std::to_string(e.id.value()));
     }
     void operator()(Do::CpuPortDel const& e) const {
-        require(scene.chipStatus_->isCpuIntf(e.intf), named(e.intf) + " is no CPU port");
+        require(player.stage_.chipStatus->isCpuIntf(e.intf), named(e.intf) + " is no CPU port");
     }
 
     void operator()(Do::Start const&) const {
-        require(!scene.tracer_, "the tracer is started already");
+        require(!player.tracer_, "the tracer is started already");
     }
     void operator()(Do::Stop const&) const {
-        require(scene.tracer_ != nullptr, "the tracer is not started");
+        require(player.tracer_ != nullptr, "the tracer is not started");
     }
 
     void operator()(Do::ClientConfigDel const& e) const {
-        require(scene.config_->entryHas(e.client),
+        require(player.stage_.config->entryHas(e.client),
                 "there is no configuration entry " + jsonText(e.client.view()));
     }
     void operator()(Do::ClientStatusDel const& e) const {
-        require(scene.status_->entryHas(e.client),
+        require(player.stage_.status->entryHas(e.client),
                 "there is no status entry " + jsonText(e.client.view()));
     }
     void operator()(Do::Request const& e) const { requireConfig(e.id); }
     void operator()(Do::RequestSet const& e) const { requireRequest(e.id); }
     void operator()(Do::RequestDel const& e) const { requireRequest(e.id); }
     void operator()(Do::Result const& e) const {
-        auto const status = scene.status(e.id.clientName());
+        auto const status = player.status(e.id.clientName());
         require(status != nullptr,
                 "the client " + jsonText(e.id.clientName().view()) + " has no status");
         require(!status->result(e.id), "there is a result of request " + named(e.id) + " already");
     }
 
     void operator()(Do::Phase0Del const& e) const {
-        require(scene.chip_.phase0Data()->response().has(e.intf),
+        require(player.stage_.phase0Data->response().has(e.intf),
                 "there is no phase-0 response of " + named(e.intf));
     }
 
     Vanta::Ptr<PacketTracer::ClientConfig> requireConfig(PacketTracer::RequestId const& id) const {
-        auto config = scene.config(id.clientName());
+        auto config = player.config(id.clientName());
         require(config != nullptr,
                 "the client " + jsonText(id.clientName().view()) + " has no configuration");
         return config;
@@ -92,8 +92,8 @@ struct Scene::Checker {
     }
 };
 
-void Scene::check(Event const& event) const {
-    std::visit(Checker{*this}, event);
+void Player::check(Event const& event) const {
+    std::visit(Checking{*this}, event);
 }
 
-}  // namespace Replay
+}  // namespace Scenario

@@ -1,13 +1,13 @@
-#include "replay/JsonLine.h"
+#include "scenario/JsonLine.h"
 
 #include <algorithm>
 #include <array>
 #include <nlohmann/json.hpp>
 #include <utility>
 
-#include "replay/JsonText.h"
+#include "scenario/JsonText.h"
 
-namespace Replay {
+namespace Scenario {
 namespace {
 
 constexpr std::string_view byteOrderMark = "\xef\xbb\xbf";
@@ -22,19 +22,19 @@ class Builder final : public nlohmann::json_sax<nlohmann::json> {
     bool number_integer(number_integer_t value) override { return put({value}); }
     bool number_unsigned(number_unsigned_t value) override { return put({value}); }
     bool number_float(number_float_t, string_t const& text) override {
-        return put({JsonValue::OtherNumber{text}});
+        return put({LineValue::OtherNumber{text}});
     }
     bool string(string_t& text) override { return put({std::move(text)}); }
     bool binary(binary_t&) override { return false; }
 
-    bool start_object(std::size_t) override { return start({JsonValue::Members()}); }
-    bool start_array(std::size_t) override { return start({JsonValue::List()}); }
+    bool start_object(std::size_t) override { return start({LineValue::Members()}); }
+    bool start_array(std::size_t) override { return start({LineValue::List()}); }
     bool end_object() override { return end(); }
     bool end_array() override { return end(); }
 
     bool key(string_t& name) override {
-        auto& members = std::get<JsonValue::Members>(open_.back()->value);
-        if (std::ranges::find(members, name, &JsonValue::Member::name) != members.end()) {
+        auto& members = std::get<LineValue::Members>(open_.back()->value);
+        if (std::ranges::find(members, name, &LineValue::Member::name) != members.end()) {
             throw Refusal("the member " + jsonText(name) + " is there twice");
         }
         members.push_back({std::move(name), {}});
@@ -52,28 +52,28 @@ class Builder final : public nlohmann::json_sax<nlohmann::json> {
         throw Refusal("column " + std::to_string(column) + ": " + std::string(text));
     }
 
-    JsonValue& root() noexcept { return root_; }
+    LineValue& root() noexcept { return root_; }
 
   private:
     // The place where the next value belongs.
-    JsonValue& place() {
+    LineValue& place() {
         if (open_.empty()) {
             return root_;
         }
-        if (auto* const members = std::get_if<JsonValue::Members>(&open_.back()->value)) {
+        if (auto* const members = std::get_if<LineValue::Members>(&open_.back()->value)) {
             return members->back().value;
         }
-        return std::get<JsonValue::List>(open_.back()->value).emplace_back();
+        return std::get<LineValue::List>(open_.back()->value).emplace_back();
     }
-    bool put(JsonValue value) {
+    bool put(LineValue value) {
         place() = std::move(value);
         return true;
     }
-    bool start(JsonValue value) {
+    bool start(LineValue value) {
         if (open_.size() == deepest) {
             throw Refusal("nothing is nested as deeply as this");
         }
-        JsonValue& started = place();
+        LineValue& started = place();
         started = std::move(value);
         open_.push_back(&started);
         return true;
@@ -83,22 +83,22 @@ class Builder final : public nlohmann::json_sax<nlohmann::json> {
         return true;
     }
 
-    JsonValue root_;
+    LineValue root_;
     // The objects and lists around the next value. A list only grows while its last value is not
     // open, so these stay where they are.
-    std::vector<JsonValue*> open_;
+    std::vector<LineValue*> open_;
 };
 
 }  // namespace
 
-std::string_view kindOf(JsonValue const& value) noexcept {
+std::string_view kindOf(LineValue const& value) noexcept {
     static constexpr std::array<std::string_view, 8> kinds{
         "null",   "a truth value", "a negative number", "a number", "a number that is not whole",
         "a text", "a list",        "an object"};
     return kinds[value.value.index()];
 }
 
-JsonValue::Members parseJsonLine(std::string_view line) {
+LineValue::Members parseJsonLine(std::string_view line) {
     if (line.starts_with(byteOrderMark)) {
         throw Refusal("the line starts with a byte-order mark");
     }
@@ -107,11 +107,11 @@ JsonValue::Members parseJsonLine(std::string_view line) {
     }
     Builder builder;
     static_cast<void>(nlohmann::json::sax_parse(line.begin(), line.end(), &builder));
-    auto* const members = std::get_if<JsonValue::Members>(&builder.root().value);
+    auto* const members = std::get_if<LineValue::Members>(&builder.root().value);
     if (members == nullptr) {
         throw Refusal("an object is expected, not " + std::string(kindOf(builder.root())));
     }
     return std::move(*members);
 }
 
-}  // namespace Replay
+}  // namespace Scenario

@@ -1,10 +1,10 @@
-#include "replay/JsonText.h"
+#include "scenario/JsonText.h"
 
 #include <gtest/gtest.h>
 
 #include <limits>
 
-namespace Replay {
+namespace Scenario {
 namespace {
 
 using namespace std::string_view_literals;
@@ -50,4 +50,4 @@ TEST(JsonWriter, WritesBytesInLowerCase) {
 }
 
 }  // namespace
-}  // namespace Replay
+}  // namespace Scenario

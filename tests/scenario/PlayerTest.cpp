@@ -1,27 +1,27 @@
-#include "replay/Scene.h"
+#include "scenario/Player.h"
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
 
-#include "replay/JsonLine.h"
+#include "scenario/Reader.h"
 #include "scriptchip/Journal.h"
 
-namespace Replay {
+namespace Scenario {
 namespace {
 
-class SceneTest : public testing::Test {
+class PlayerTest : public testing::Test {
   protected:
     void play(std::string_view line) {
         Event const event = readEvent(line);
-        scene.check(event);
-        scene.carryOut(event);
+        player.check(event);
+        player.carryOut(event);
     }
-    // One of the scene's objects, as the type that it is.
+    // One of the objects, as the type that it is.
     template <class T>
     T const& root(std::string_view name) const {
-        auto const roots = scene.roots();
-        auto const found = std::ranges::find(roots, name, &Scene::Root::name);
+        auto const roots = player.roots();
+        auto const found = std::ranges::find(roots, name, &Player::Root::name);
         return dynamic_cast<T const&>(*found->node);
     }
     std::vector<std::string> membersOf(std::uint16_t vlan) const {
@@ -35,12 +35,13 @@ class SceneTest : public testing::Test {
     }
 
     ScriptChip::Journal journal;
-    Scene scene{journal};
+    ScriptChip::ScriptChip chip{&journal};
+    Player player{chip};
 };
 
-TEST_F(SceneTest, NamesItsObjectsByWhatTheyAreFor) {
+TEST_F(PlayerTest, NamesItsObjectsByWhatTheyAreFor) {
     std::string names;
-    for (auto const& named : scene.roots()) {
+    for (auto const& named : player.roots()) {
         names += std::string(named.name) + (named.node != nullptr ? " " : "(none) ");
     }
     EXPECT_EQ(
@@ -49,27 +50,27 @@ TEST_F(SceneTest, NamesItsObjectsByWhatTheyAreFor) {
         names);
 }
 
-TEST_F(SceneTest, HasAnEngineFromTheStartToTheStop) {
-    EXPECT_FALSE(scene.engineState());
+TEST_F(PlayerTest, HasAnEngineFromTheStartToTheStop) {
+    EXPECT_FALSE(player.engineState());
     play(R"({"do":"start"})");
-    EXPECT_EQ(VynPacketTracer::PktGenState::idle, scene.engineState());
+    EXPECT_EQ(VynPacketTracer::PktGenState::idle, player.engineState());
     play(R"({"do":"stop"})");
-    EXPECT_FALSE(scene.engineState());
+    EXPECT_FALSE(player.engineState());
 }
 
-TEST_F(SceneTest, HoldsTheTracerAlone) {
+TEST_F(PlayerTest, HoldsTheTracerAlone) {
     play(R"({"do":"start"})");
     EXPECT_EQ(1U, root<VynPacketTracer::PacketTracerSm>("tracer").refCount());
 }
 
-TEST_F(SceneTest, NeverAsksATaskToYieldUnlessItIsToldTo) {
+TEST_F(PlayerTest, NeverAsksATaskToYieldUnlessItIsToldTo) {
     auto const& scheduler = root<Orb::TaskSchedulerRoot>("rootScheduler");
     EXPECT_EQ(Orb::TaskSchedulerRoot::neverYield, scheduler.yieldAfter());
     play(R"({"do":"yieldAfter","checks":3})");
     EXPECT_EQ(3U, scheduler.yieldAfter());
 }
 
-TEST_F(SceneTest, PutsAVlanInPlaceOfWhatItWas) {
+TEST_F(PlayerTest, PutsAVlanInPlaceOfWhatItWas) {
     play(R"({"do":"vlan","id":10,"intf":["Ethernet1","Ethernet2"],"internal":true})");
     play(R"({"do":"vlan","id":10,"intf":["Cpu","Ethernet2","Cpu"]})");
     EXPECT_EQ((std::vector<std::string>{"Cpu", "Ethernet2"}), membersOf(10));
@@ -77,7 +78,7 @@ TEST_F(SceneTest, PutsAVlanInPlaceOfWhatItWas) {
         root<Bridging::Config>("bridgingConfig").vlanConfig(Bridging::VlanId(10))->internal());
 }
 
-TEST_F(SceneTest, FillsARequestBeforeItIsThere) {
+TEST_F(PlayerTest, FillsARequestBeforeItIsThere) {
     play(R"({"do":"clientConfig","client":"noc"})");
     play(R"({"do":"request","client":"noc","req":1,"intf":"Lag1","etherType":1,"mpls":true,)"
          R"("gre":true,"valid":false,"raw":"0102"})");
@@ -92,7 +93,7 @@ TEST_F(SceneTest, FillsARequestBeforeItIsThere) {
     EXPECT_EQ((Vanta::Bytes{1, 2}), request->frame());
 }
 
-TEST_F(SceneTest, PutsAFreshRequestInPlaceOfTheOneThatIsThere) {
+TEST_F(PlayerTest, PutsAFreshRequestInPlaceOfTheOneThatIsThere) {
     play(R"({"do":"clientConfig","client":"noc"})");
     play(R"({"do":"request","client":"noc","req":1,"intf":"","gre":true})");
     play(R"({"do":"request","client":"noc","req":1,"intf":""})");
@@ -102,20 +103,21 @@ TEST_F(SceneTest, PutsAFreshRequestInPlaceOfTheOneThatIsThere) {
     EXPECT_FALSE(config->request({"noc", 1})->gre());
 }
 
-TEST_F(SceneTest, RefusesWithoutChangingAnything) {
+TEST_F(PlayerTest, RefusesWithoutChangingAnything) {
     play(R"({"do":"start"})");
     EXPECT_THROW(play(R"({"do":"start","session":7})"), Refusal);
     EXPECT_EQ(1U, root<VynPacketTracer::PacketTracerSm>("tracer").sessionHandle());
 }
 
-TEST(Scene, TakesTheTracerDownWithItself) {
+TEST(Player, TakesTheTracerDownWithItself) {
     ScriptChip::Journal journal;
     {
-        Scene scene(journal);
-        scene.carryOut(readEvent(R"({"do":"start","device":9})"));
+        ScriptChip::ScriptChip chip(&journal);
+        Player player(chip);
+        player.carryOut(readEvent(R"({"do":"start","device":9})"));
     }
     EXPECT_EQ("pipe_mgr_lrn_digest_notification_deregister", journal.steps().back());
 }
 
 }  // namespace
-}  // namespace Replay
+}  // namespace Scenario

@@ -12,7 +12,7 @@
 #include <variant>
 #include <vector>
 
-namespace Replay {
+namespace Scenario {
 
 // Why a line is refused, for people.
 class Refusal : public std::runtime_error {
@@ -22,9 +22,9 @@ class Refusal : public std::runtime_error {
 
 // A JSON value. Whole numbers within 64 bits are exact; of any other number (a fraction, an
 // exponent, a huge one) only the text is kept, since no scenario accepts one.
-struct JsonValue {
+struct LineValue {
     struct Member;
-    using List = std::vector<JsonValue>;
+    using List = std::vector<LineValue>;
     using Members = std::vector<Member>;
     struct OtherNumber {
         std::string text;
@@ -35,15 +35,15 @@ struct JsonValue {
         value;
 };
 
-struct JsonValue::Member {
+struct LineValue::Member {
     std::string name;
-    JsonValue value;
+    LineValue value;
 };
 
 // What a value is, in words: "a text", "a number that is not whole".
-std::string_view kindOf(JsonValue const& value) noexcept;
+std::string_view kindOf(LineValue const& value) noexcept;
 
 // The members of the one object that the line is. Errors: Refusal.
-JsonValue::Members parseJsonLine(std::string_view line);
+LineValue::Members parseJsonLine(std::string_view line);
 
-}  // namespace Replay
+}  // namespace Scenario

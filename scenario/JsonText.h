@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace Replay {
+namespace Scenario {
 
 // Appends a text with its quotes: \b \f \n \r \t \" \\, other control characters as \u00xx in
 // lower case, everything else as it is.
@@ -69,4 +69,4 @@ class JsonWriter {
     bool first_ = true;
 };
 
-}  // namespace Replay
+}  // namespace Scenario

@@ -1,8 +1,8 @@
-#include "replay/JsonText.h"
+#include "scenario/JsonText.h"
 
 #include "Vanta/Bytes.h"
 
-namespace Replay {
+namespace Scenario {
 namespace {
 
 constexpr unsigned char firstPrintable = 0x20;
@@ -130,4 +130,4 @@ JsonWriter& JsonWriter::null() {
     return *this;
 }
 
-}  // namespace Replay
+}  // namespace Scenario

@@ -1,0 +1,39 @@
+// What a chip answered during one event, as the events that stand ahead of it in a scenario, so that
+// the scripted chip answers alike. Thread: one at a time.
+#pragma once
+
+#include <map>
+#include <vector>
+
+#include "scenario/Event.h"
+
+namespace Scenario {
+
+class ChipAnswers {
+  public:
+    // A call was answered; a counter was read, too.
+    void called(ScriptChip::SdkFunction function, std::int32_t rc);
+    void counterRead(std::uint32_t pipe, std::uint64_t count);
+
+    // Every value that a pipe's counter gave.
+    std::vector<Do::Counter> counters() const;
+
+    // One instruction a function, in the order of their first calls: so many calls that succeed, so
+    // many that fail alike, and no more.
+    struct Failures {
+        Do::SdkReturn told;
+        bool isAll;  // no later call failed in another way
+    };
+    std::vector<Failures> failures() const;
+
+  private:
+    struct Calls {
+        ScriptChip::SdkFunction function;
+        std::vector<std::int32_t> results;
+    };
+
+    std::vector<Calls> calls_;
+    std::map<std::uint8_t, std::vector<std::uint64_t>> counts_;  // by pipe
+};
+
+}  // namespace Scenario

@@ -1,0 +1,16 @@
+#include "scenario/Writer.h"
+
+#include "scenario/EventMembers.h"
+#include "scenario/LineWriter.h"
+
+namespace Scenario {
+
+std::string line(Event const& event) {
+    LineWriter line;
+    line.must("do", Vanta::String(eventNames[event.index()]));
+    // A copy: the same walk as the reader's, which changes what it is given.
+    std::visit([&line](auto copy) { members(line, copy); }, event);
+    return line.text();
+}
+
+}  // namespace Scenario
