@@ -5,6 +5,7 @@
 #include "PacketTracer/ConstructPacket.h"
 #include "bench/Cost.h"
 #include "bench/Host.h"
+#include "softchip/Explanations.h"
 #include "softchip/Phase0.h"
 #include "softchip/Pipeline.h"
 #include "softchip/Tables.h"
@@ -69,6 +70,21 @@ void pipeline(benchmark::State& state, std::string_view destinationMac,
 }
 BENCHMARK_CAPTURE(pipeline, bridged, "02:00:00:00:00:02", 1)->Name("chip/pipeline/bridged");
 BENCHMARK_CAPTURE(pipeline, routed, "02:1c:73:00:00:01", 2)->Name("chip/pipeline/routed");
+
+// The decision with its explanation, and that kept for who asks.
+void explain(benchmark::State& state) {
+    auto const made = tables();
+    auto const phase0 = SoftChip::encodePhase0(0);
+    auto const packet = udpFrame("02:1c:73:00:00:01");
+    SoftChip::Explanations kept;
+    kept.onIs(true);
+    SoftChip::Explanation explanation;
+    for (auto _ : state) {
+        benchmark::DoNotOptimize(SoftChip::decide(made, phase0, packet.view(), &explanation));
+        kept.add(1, explanation);
+    }
+}
+BENCHMARK(explain)->Name("chip/explain");
 
 // The frame's fields taken out, and one look-up in a map for each table that such a frame meets.
 void pipelineFloor(benchmark::State& state) {

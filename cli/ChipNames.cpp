@@ -1,12 +1,59 @@
 #include "cli/ChipNames.h"
 
-#include <array>
-#include <charconv>
-#include <string_view>
-
 #include "agent/DeriveTables.h"
+#include "cli/FrameText.h"
 
 namespace Cli {
+namespace {
+
+std::string vlanText(SoftChip::DomainId domain) {
+    return "VLAN " + std::to_string(domain);
+}
+
+std::string lagText(SoftChip::LagId lag) {
+    return "Lag" + std::to_string(lag);
+}
+
+// One detail in words, whichever it is.
+struct InWords {
+    ChipNames const& names;
+    SoftChip::Explanation const& explanation;
+
+    std::string operator()(SoftChip::FrameItself) const { return frameText(explanation.frame()); }
+    std::string operator()(SoftChip::LogicalPort port) const { return names.portOrLag(port); }
+    std::string operator()(SoftChip::InLag in) const { return "in " + lagText(in.lag); }
+    std::string operator()(SoftChip::OuterTag tag) const {
+        return "tag " + std::to_string(tag.vlan);
+    }
+    std::string operator()(SoftChip::InDomain in) const { return vlanText(in.domain); }
+    std::string operator()(SoftChip::RuleOfList rule) const {
+        return names.accessList(rule.list) + " rule " + std::to_string(rule.sequence);
+    }
+    std::string operator()(SoftChip::MacAddress mac) const { return mac.text(); }
+    std::string operator()(SoftChip::MacInDomain const& at) const {
+        return at.mac.text() + " in " + vlanText(at.domain);
+    }
+    std::string operator()(SoftChip::IpInVrf const& at) const {
+        return at.address.text() + " in VRF " + names.vrf(at.vrf);
+    }
+    std::string operator()(SoftChip::L3Fault fault) const { return std::string(words(fault)); }
+    std::string operator()(SoftChip::HopsLeft left) const {
+        return "TTL " + std::to_string(left.ttl);
+    }
+    std::string operator()(SoftChip::Prefix const& prefix) const { return prefix.text(); }
+    std::string operator()(SoftChip::NextHopChoice choice) const {
+        return "next hop " + std::to_string(choice.picked + 1) + " of " +
+               std::to_string(choice.candidates);
+    }
+    std::string operator()(SoftChip::NextHop const& hop) const {
+        return hop.gateway.text() + " on " + vlanText(hop.domain);
+    }
+    std::string operator()(SoftChip::MembersUp members) const {
+        return "members up: " + std::to_string(members.count);
+    }
+};
+
+}  // namespace
 
 ChipNames::ChipNames(SwitchFile::SwitchModel const& model)
     : lists_(Agent::aclPlaces(model)), vrfs_(model.vrfs) {
@@ -22,45 +69,30 @@ std::string ChipNames::port(std::uint16_t devicePort) const {
     return found != ports_.end() ? found->second : "port " + std::to_string(devicePort);
 }
 
-std::string ChipNames::named(std::string const& kind, std::uint16_t number) const {
-    if (kind == "port ") {
-        return port(number);
+std::string ChipNames::portOrLag(SoftChip::LogicalPort port) const {
+    if (port.isNone()) {
+        return "no port";
     }
-    if (kind == "LAG ") {
-        return "Lag" + std::to_string(number);
-    }
-    if (kind == "list " && number >= 1 && number <= lists_.size()) {
-        return lists_[number - 1U];
-    }
-    return kind +
-           (kind == "VRF " && number < vrfs_.size() ? vrfs_[number] : std::to_string(number));
+    return port.isLag() ? lagText(port.number()) : this->port(port.number());
 }
 
-// Every "KIND NUMBER" in the text gives way to its name.
-std::string ChipNames::translated(std::string const& detail) const {
-    static std::array<std::string, 4> const kinds{"port ", "LAG ", "list ", "VRF "};
-    std::string text = detail;
-    for (std::string const& kind : kinds) {
-        for (auto at = text.find(kind); at != std::string::npos; at = text.find(kind, at + 1)) {
-            std::uint16_t number = 0;
-            char const* const digits = text.data() + at + kind.size();
-            auto const [end, error] = std::from_chars(digits, text.data() + text.size(), number);
-            if (error == std::errc()) {
-                text.replace(at, static_cast<std::size_t>(end - (text.data() + at)),
-                             named(kind, number));
-            }
-        }
-    }
-    return text;
+std::string ChipNames::accessList(std::uint16_t list) const {
+    bool const known = list >= 1 && list <= lists_.size();
+    return known ? lists_[list - 1U] : "list " + std::to_string(list);
+}
+
+std::string ChipNames::vrf(SoftChip::VrfId vrf) const {
+    return vrf < vrfs_.size() ? vrfs_[vrf] : std::to_string(vrf);
 }
 
 std::vector<ChipStep> ChipNames::steps(SoftChip::Explanation const& explanation) const {
+    InWords const inWords{*this, explanation};
     std::vector<ChipStep> steps;
-    for (auto const& entry : explanation.entries) {
-        // The first step shows the frame, whose ports are TCP's or UDP's.
-        bool const isFrame = entry.step == SoftChip::Step::parse;
-        steps.push_back(
-            {entry.step, entry.reason, isFrame ? entry.detail : translated(entry.detail)});
+    for (auto const& entry : explanation.entries()) {
+        ChipStep& step = steps.emplace_back(ChipStep{entry.step, entry.reason, ""});
+        for (auto const& detail : explanation.details(entry)) {
+            step.detail.append(step.detail.empty() ? "" : ", ").append(std::visit(inWords, detail));
+        }
     }
     return steps;
 }

@@ -1,5 +1,5 @@
-// The chip speaks of ports, access lists and VRFs by number; people know them by the names of the
-// switch file.
+// The chip's explanation in words. The chip knows ports, LAGs, access lists and VRFs by number; people
+// know them by the names of the switch file.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "cli/FrameReport.h"
-#include "softchip/Pipeline.h"
+#include "softchip/Explanation.h"
 #include "switchfile/SwitchFile.h"
 
 namespace Cli {
@@ -18,18 +18,19 @@ class ChipNames {
   public:
     explicit ChipNames(SwitchFile::SwitchModel const& model);
 
-    // The explanation's steps with "port 16", "LAG 1", "list 3", "VRF 1" as the switch file says
-    // them: "Ethernet17", "Lag1", "no-telnet on Ethernet2", "VRF tenant-b". A number that the
-    // switch file does not know stays a number.
+    // The explanation's steps. What a frame met at one is told in order, with commas between:
+    // "Ethernet17, in Lag1", "no-telnet on Ethernet2 rule 10", "10.0.0.1 in VRF tenant-b, TTL 3".
     std::vector<ChipStep> steps(SoftChip::Explanation const& explanation) const;
 
-    // The interface of a device port, or "port N".
+    // Names by number. What the switch file does not know is told by number: "port 17",
+    // "list 9", and a VRF's number alone.
     std::string port(std::uint16_t devicePort) const;
+    std::string portOrLag(SoftChip::LogicalPort port) const;
+    // What a list is and where it is applied: "edge on VLAN 10".
+    std::string accessList(std::uint16_t list) const;
+    std::string vrf(SoftChip::VrfId vrf) const;
 
   private:
-    std::string translated(std::string const& detail) const;
-    std::string named(std::string const& kind, std::uint16_t number) const;
-
     std::unordered_map<std::uint16_t, std::string> ports_;
     std::vector<std::string> lists_;  // list n + 1
     std::vector<std::string> vrfs_;

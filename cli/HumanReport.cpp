@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <string_view>
 
+#include "cli/ChipWords.h"
 #include "cli/Words.h"
 
 namespace Cli {
@@ -106,8 +107,8 @@ void addSteps(Block& block, std::vector<ChipStep> const& steps) {
     for (ChipStep const& step : steps) {
         std::string const number = std::to_string(static_cast<unsigned>(step.step));
         std::string const detail = step.detail.empty() ? "" : " (" + step.detail + ")";
-        std::string line = number + "  " + padded(SoftChip::text(step.step), 20) + "  ";
-        line += SoftChip::text(step.reason);
+        std::string line = number + "  " + padded(std::string(words(step.step)), 20) + "  ";
+        line += words(step.reason);
         block.line(4 + (number.size() == 1), {}, line + detail);
     }
 }

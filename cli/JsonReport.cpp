@@ -3,6 +3,7 @@
 #include <nlohmann/json.hpp>
 
 #include "VynPortTypes/PortIndex.h"
+#include "cli/ChipWords.h"
 #include "cli/Words.h"
 
 namespace Cli {
@@ -53,8 +54,8 @@ Json stepsOf(std::vector<ChipStep> const& steps) {
     Json list = Json::array();
     for (ChipStep const& step : steps) {
         list.push_back({{"step", static_cast<unsigned>(step.step)},
-                        {"name", SoftChip::text(step.step)},
-                        {"reason", SoftChip::text(step.reason)},
+                        {"name", words(step.step)},
+                        {"reason", words(step.reason)},
                         {"detail", step.detail}});
     }
     return list;

@@ -4,6 +4,7 @@
 
 #include "PacketTracer/ConstructPacket.h"
 #include "PacketTracer/PacketFault.h"
+#include "cli/FrameText.h"
 #include "softchip/Frame.h"
 
 namespace Cli {
@@ -31,7 +32,7 @@ std::string sizeReason(std::size_t size) {
 
 std::string Packet::text() const {
     if (!frame.empty()) {
-        return SoftChip::parseFrame(frame.view()).text();
+        return frameText(SoftChip::parseFrame(frame.view()));
     }
     return fields ? joined(PacketTracer::namedFields(*fields)) : "no bytes";
 }

@@ -6,6 +6,8 @@
 
 #include "Target.h"
 #include "agent/DeriveTables.h"
+#include "cli/ChipNames.h"
+#include "cli/FrameText.h"
 #include "softchip/Frame.h"
 #include "softchip/Phase0.h"
 #include "softchip/Pipeline.h"
@@ -60,7 +62,7 @@ void checkDecision(SoftChip::Tables const& tables, Decision const& decision) {
 
 void checkFrame(std::span<std::uint8_t const> frame) {
     auto const parsed = SoftChip::parseFrame(frame);
-    check(!parsed.text().empty(), "a frame has a text");
+    check(!Cli::frameText(parsed).empty(), "a frame has a text");
     check(parsed.tagCount <= 2, "two tags at most");
     if (parsed.hasPorts() || parsed.hasIcmp()) {
         check(parsed.isIp() && parsed.hasIp && !parsed.laterFragment,
@@ -72,8 +74,9 @@ void checkFrame(std::span<std::uint8_t const> frame) {
 
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     // In the folder that the target runs in: where the project lies must not steer what is tried.
-    static SoftChip::Tables const tables =
-        Agent::deriveTables(SwitchFile::readSwitchFile("examples/border.json"));
+    static auto const model = SwitchFile::readSwitchFile("examples/border.json");
+    static SoftChip::Tables const tables = Agent::deriveTables(model);
+    static Cli::ChipNames const names(model);
     if (size < 3) {
         return 0;
     }
@@ -89,9 +92,11 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
     auto const quiet = SoftChip::decide(tables, phase0, frame);
     auto const told = SoftChip::decide(tables, phase0, frame, &explanation);
     check(quiet == told, "an explanation changes nothing");
-    check(!explanation.entries.empty() && explanation.entries.back().step == told.step &&
-              explanation.entries.back().reason == told.reason,
+    check(!explanation.entries().empty() && explanation.entries().back().step == told.step &&
+              explanation.entries().back().reason == told.reason,
           "the last step is the decision's");
+    check(names.steps(explanation).size() == explanation.entries().size(),
+          "every step can be put into words");
     checkDecision(tables, quiet);
     return 0;
 }

@@ -1,27 +1,28 @@
 #include "softchip/Explanations.h"
 
-#include <utility>
-
 namespace SoftChip {
 
 void Explanations::onIs(bool on) {
     std::lock_guard const lock(mutex_);
     on_ = on;
-    if (!on) {
+    if (on) {
+        kept_.reserve(capacity);
+    } else {
         kept_.clear();
         next_ = 0;
     }
 }
 
-void Explanations::add(std::uint16_t pktId, Explanation explanation) {
+void Explanations::add(std::uint16_t pktId, Explanation const& explanation) {
     std::lock_guard const lock(mutex_);
     if (!on()) {
         return;
     }
     if (kept_.size() < capacity) {
-        kept_.push_back({pktId, std::move(explanation)});
+        kept_.push_back({pktId, explanation});
     } else {
-        kept_[next_] = {pktId, std::move(explanation)};
+        kept_[next_].pktId = pktId;
+        kept_[next_].explanation = explanation;
     }
     next_ = (next_ + 1) % capacity;
 }

@@ -1,7 +1,7 @@
 // The roads that packets took through the pipeline, by packet id, for who asks for them.
 //
-// While switched off nothing is formatted and nothing is kept. While on, the newest `capacity`
-// are kept. Threads: any.
+// While switched off nothing is explained and nothing is kept. While on, the newest `capacity` are
+// kept; room for them is made when it is switched on. Threads: any.
 #pragma once
 
 #include <atomic>
@@ -10,7 +10,7 @@
 #include <optional>
 #include <vector>
 
-#include "softchip/Pipeline.h"
+#include "softchip/Explanation.h"
 
 namespace SoftChip {
 
@@ -24,7 +24,7 @@ class Explanations {
     bool on() const noexcept { return on_.load(std::memory_order_relaxed); }
 
     // Keeps the explanation of a packet; without effect while switched off.
-    void add(std::uint16_t pktId, Explanation explanation);
+    void add(std::uint16_t pktId, Explanation const& explanation);
     // That of the newest packet with this id.
     std::optional<Explanation> find(std::uint16_t pktId) const;
 

@@ -3,7 +3,6 @@
 #include <array>
 #include <cstdint>
 #include <span>
-#include <string>
 
 #include "softchip/Addresses.h"
 
@@ -85,15 +84,11 @@ struct ParsedFrame {
     bool isIp() const { return l3 == L3::ipv4 || l3 == L3::ipv6; }
     bool hasPorts() const { return l4 == L4::tcp || l4 == L4::udp; }
     bool hasIcmp() const { return l4 == L4::icmp || l4 == L4::icmpv6; }
-    // The frame in a few words, for explanations.
-    std::string text() const;
 };
 
 // Parses Ethernet, up to two tags (0x8100; the outer one also 0x88a8), ARP, IPv4 with options, IPv6
 // with extension headers (hop-by-hop, routing, fragment, destination options, authentication), TCP,
 // UDP, ICMP and ICMPv6. The frame is without its check sequence; padding is ignored.
 ParsedFrame parseFrame(std::span<std::uint8_t const> frame);
-
-char const* text(L3Fault fault);
 
 }  // namespace SoftChip

@@ -61,7 +61,8 @@ std::string injectionText(JournalEntry const& entry) {
     add(line, "routed", entry.decision.routed);
     add(line, "copyToCpu", entry.decision.copyToCpu);
     add(line, "drop", entry.decision.drop);
-    return line + ": " + text(entry.decision.step) + ": " + text(entry.decision.reason);
+    line.append(" step ").append(code(entry.decision.step));
+    return line.append(" reason ").append(code(entry.decision.reason));
 }
 
 char const* digestText(Kind kind) {

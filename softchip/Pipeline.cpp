@@ -1,7 +1,6 @@
 #include "softchip/Pipeline.h"
 
 #include <array>
-#include <utility>
 
 #include "softchip/PipelineSteps.h"
 
@@ -13,7 +12,7 @@ using PipelineSteps::Walk;
 using Run = Verdict (*)(Walk&);
 
 // In the order of Step, the first at index 0.
-constexpr std::array<Run, 13> steps{
+constexpr std::array<Run, stepCount> steps{
     PipelineSteps::parse,           PipelineSteps::portUp,     PipelineSteps::vlanClassification,
     PipelineSteps::vlanAdmission,   PipelineSteps::ingressAcl, PipelineSteps::linkLocal,
     PipelineSteps::routerMac,       PipelineSteps::ownAddress, PipelineSteps::route,
@@ -27,7 +26,7 @@ Verdict run(Step step, Walk& walk) {
 
 void note(Walk& walk, Step step, Reason reason) {
     if (walk.explain) [[unlikely]] {
-        walk.explain->entries.push_back({step, reason, std::exchange(walk.detail, {})});
+        walk.explain->took(step, reason);
     }
 }
 
@@ -84,23 +83,11 @@ Decision conclude(Walk& walk, Step step, Verdict verdict) {
 
 }  // namespace
 
-std::string Explanation::text() const {
-    std::string lines;
-    for (auto const& entry : entries) {
-        lines += (lines.empty() ? "" : "\n") + std::to_string(static_cast<int>(entry.step)) + " " +
-                 SoftChip::text(entry.step) + ": " + SoftChip::text(entry.reason);
-        if (!entry.detail.empty()) {
-            lines += " (" + entry.detail + ")";
-        }
-    }
-    return lines;
-}
-
 Decision decide(Tables const& tables, std::span<std::uint8_t const> phase0,
                 std::span<std::uint8_t const> frame, Explanation* explain) {
     Walk walk{.tables = tables, .phase0 = phase0, .bytes = frame, .explain = explain};
     if (explain) {
-        explain->entries.clear();
+        explain->clear();
     }
     auto step = Step::parse;
     auto verdict = run(step, walk);

@@ -1,3 +1,4 @@
+// Steps 1 to 7 and 11 to 13: from the wire to a domain, and from a domain to the wire.
 #include "softchip/PipelineSteps.h"
 
 #include <algorithm>
@@ -5,7 +6,6 @@
 #include "softchip/Hash.h"
 #include "softchip/Phase0.h"
 
-// Steps 1 to 7 and 11 to 13: from the wire to a domain, and from a domain to the wire.
 namespace SoftChip::PipelineSteps {
 namespace {
 
@@ -28,7 +28,7 @@ bool isInternal(Tables const& tables, DomainId domain) {
 Verdict enterDomain(Walk& walk, DomainId domain, bool mayBeInternal, Reason reason) {
     walk.domain = walk.outDomain = domain;
     walk.internal = mayBeInternal && isInternal(walk.tables, domain);
-    walk.say([&] { return vlanText(domain); });
+    walk.met(InDomain{domain});
     return goOn(reason, Step::vlanAdmission);
 }
 
@@ -42,7 +42,7 @@ Verdict classifyUntagged(Walk& walk, PortMode mode) {
 }
 
 Verdict classifyTagged(Walk& walk, PortMode mode, std::uint16_t tag) {
-    walk.say([&] { return "tag " + std::to_string(tag); });
+    walk.met(OuterTag{tag});
     if (tag == reservedTag) {
         return drop(Reason::tagReserved);
     }
@@ -85,7 +85,7 @@ bool isIpInDomain(ParsedFrame const& frame) {
 }
 
 Verdict floodGroup(Walk& walk, MacAddress mac) {
-    walk.say([&] { return vlanText(walk.outDomain); });
+    walk.met(InDomain{walk.outDomain});
     return flood(mac.isBroadcast() ? Reason::broadcastFlood : Reason::multicastFlood);
 }
 
@@ -102,10 +102,6 @@ bool canSend(Tables const& tables, LagMember const& member) {
 
 }  // namespace
 
-std::string vlanText(DomainId vlan) {
-    return "VLAN " + std::to_string(vlan);
-}
-
 Verdict parse(Walk& walk) {
     auto const port = decodePhase0(walk.phase0);
     if (!port) {
@@ -113,7 +109,9 @@ Verdict parse(Walk& walk) {
     }
     walk.ingressPort = *port;
     walk.frame = parseFrame(walk.bytes);
-    walk.say([&] { return walk.frame.text(); });
+    if (walk.explain) [[unlikely]] {
+        walk.explain->metFrame(walk.frame);
+    }
     if (walk.frame.l2Fault != L2Fault::none) {
         bool const inTag = walk.frame.l2Fault == L2Fault::tagTooShort;
         return drop(inTag ? Reason::tagTooShort : Reason::frameTooShort);
@@ -124,9 +122,9 @@ Verdict parse(Walk& walk) {
 
 Verdict portUp(Walk& walk) {
     walk.ingress = walk.tables.logicalPort(walk.ingressPort);
-    walk.say([&] { return LogicalPort::port(walk.ingressPort).text(); });
+    walk.met(LogicalPort::port(walk.ingressPort));
     if (walk.ingress.isLag()) {
-        walk.say([&] { return "in " + walk.ingress.text(); });
+        walk.met(InLag{walk.ingress.number()});
     }
     auto const* port = walk.tables.port(walk.ingressPort);
     if (!port) {
@@ -138,7 +136,7 @@ Verdict portUp(Walk& walk) {
 Verdict vlanClassification(Walk& walk) {
     auto const tag = classifyingTag(walk.frame);
     if (auto const domain = walk.tables.subIntf(walk.ingress, tag); domain != noDomain) {
-        walk.say([&] { return "tag " + std::to_string(tag); });
+        walk.met(OuterTag{tag});
         return enterDomain(walk, domain, true, Reason::subInterface);
     }
     auto const mode = walk.tables.mode(walk.ingress);
@@ -152,7 +150,7 @@ Verdict vlanAdmission(Walk& walk) {
     if (walk.internal) {
         return goOn(Reason::internalDomain, Step::ingressAcl);
     }
-    walk.say([&] { return vlanText(walk.domain); });
+    walk.met(InDomain{walk.domain});
     auto const* vlan = walk.tables.vlan(walk.domain);
     if (vlan && vlan->has(walk.ingress)) {
         return goOn(Reason::admitted, Step::ingressAcl);
@@ -169,10 +167,7 @@ Verdict ingressAcl(Walk& walk) {
     if (!verdict.decided) {
         return goOn(Reason::noAclRule, Step::linkLocal);
     }
-    walk.say([&] {
-        return "list " + std::to_string(verdict.decided->list) + " rule " +
-               std::to_string(verdict.decided->sequence);
-    });
+    walk.met(RuleOfList{verdict.decided->list, verdict.decided->sequence});
     walk.copyToCpu |= verdict.copyToCpu;
     if (verdict.drop) {
         return drop(Reason::aclDrop);
@@ -199,7 +194,7 @@ Verdict linkLocal(Walk& walk) {
 
 Verdict routerMac(Walk& walk) {
     auto const& frame = walk.frame;
-    walk.say([&] { return frame.dst.text(); });
+    walk.met(frame.dst);
     if (frame.dst.isMulticast()) {
         return goOn(Reason::groupAddress, Step::fdb);
     }
@@ -215,12 +210,12 @@ Verdict fdb(Walk& walk) {
     if (mac.isMulticast()) {
         return floodGroup(walk, mac);
     }
-    walk.say([&] { return mac.text() + " in " + vlanText(walk.outDomain); });
+    walk.met(MacInDomain{mac, walk.outDomain});
     walk.target = walk.tables.fdb(walk.outDomain, mac);
     if (walk.target.isNone()) {
         return flood(walk.routed ? Reason::neighbourMacFlood : Reason::unknownUnicastFlood);
     }
-    walk.say([&] { return walk.target.text(); });
+    walk.met(walk.target);
     if (!walk.routed && walk.target == walk.ingress) {
         return drop(Reason::hairpin);
     }
@@ -238,7 +233,8 @@ Verdict lagMember(Walk& walk) {
     auto const* lag = walk.tables.lag(walk.target.number());
     auto const sends = [&](LagMember const& member) { return canSend(walk.tables, member); };
     auto const count = lag ? std::ranges::count_if(lag->members, sends) : 0;
-    walk.say([&] { return walk.target.text() + ", members up: " + std::to_string(count); });
+    walk.met(walk.target);
+    walk.met(MembersUp{static_cast<std::uint32_t>(count)});
     if (count == 0) {
         return drop(Reason::allMembersDown);
     }
@@ -249,7 +245,7 @@ Verdict lagMember(Walk& walk) {
 }
 
 Verdict egressPortUp(Walk& walk) {
-    walk.say([&] { return LogicalPort::port(walk.egressPort).text(); });
+    walk.met(LogicalPort::port(walk.egressPort));
     auto const* port = walk.tables.port(walk.egressPort);
     return port && port->up ? forward(Reason::forwarded) : drop(Reason::egressPortDown);
 }

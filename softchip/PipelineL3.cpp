@@ -1,10 +1,10 @@
+// Steps 8 to 10: routing.
 #include "softchip/PipelineSteps.h"
 
 #include <vector>
 
 #include "softchip/Hash.h"
 
-// Steps 8 to 10: routing.
 namespace SoftChip::PipelineSteps {
 namespace {
 
@@ -47,13 +47,13 @@ Verdict throughNeighbour(Walk& walk) {
     if (!walk.tables.l3Intf(walk.hop.domain)) {
         return drop(Reason::noNextHop);
     }
-    walk.say([&] { return walk.hop.gateway.text() + " on " + vlanText(walk.hop.domain); });
+    walk.met(walk.hop);
     auto const mac = walk.tables.neighbour(walk.hop.domain, walk.hop.gateway);
     if (!mac) {
         return toCpu(Reason::glean);
     }
     walk.hopMac = *mac;
-    walk.say([&] { return mac->text(); });
+    walk.met(*mac);
     return goOn(Reason::neighbourFound, Step::egressInterface);
 }
 
@@ -64,9 +64,8 @@ Verdict throughSet(Walk& walk, std::uint32_t set) {
     }
     auto const picked = pick(ecmpHash(walk.frame), hops->size());
     walk.hop = (*hops)[picked];
-    walk.say([&] {
-        return "next hop " + std::to_string(picked + 1) + " of " + std::to_string(hops->size());
-    });
+    walk.met(NextHopChoice{static_cast<std::uint32_t>(picked),
+                           static_cast<std::uint32_t>(hops->size())});
     return throughNeighbour(walk);
 }
 
@@ -75,10 +74,10 @@ Verdict throughSet(Walk& walk, std::uint32_t set) {
 Verdict ownAddress(Walk& walk) {
     auto const& frame = walk.frame;
     if (frame.l3Fault != L3Fault::none) {
-        walk.say([&] { return text(frame.l3Fault); });
+        walk.met(frame.l3Fault);
         return drop(Reason::ipHeaderBroken);
     }
-    walk.say([&] { return frame.dstIp.text() + " in VRF " + std::to_string(vrfOf(walk)); });
+    walk.met(IpInVrf{frame.dstIp, vrfOf(walk)});
     if (isBadSource(frame.srcIp)) {
         return drop(Reason::addressNotRouted);
     }
@@ -88,7 +87,7 @@ Verdict ownAddress(Walk& walk) {
     if (isNotRouted(frame.srcIp, frame.dstIp)) {
         return drop(Reason::addressNotRouted);
     }
-    walk.say([&] { return "TTL " + std::to_string(frame.ttl); });
+    walk.met(HopsLeft{frame.ttl});
     return frame.ttl <= 1 ? toCpu(Reason::ttlExpired) : goOn(Reason::transit, Step::route);
 }
 
@@ -97,7 +96,7 @@ Verdict route(Walk& walk) {
     if (!match) {
         return drop(Reason::noRoute);
     }
-    walk.say([&] { return match->prefix.text(); });
+    walk.met(match->prefix);
     switch (match->value->kind) {
         case Route::Kind::nextHops:
             return throughSet(walk, match->value->nextHopSet);
@@ -117,11 +116,11 @@ Verdict egressInterface(Walk& walk) {
     walk.routed = true;
     walk.outDomain = walk.hop.domain;
     walk.target = intf.out;
-    walk.say([&] { return vlanText(walk.outDomain); });
+    walk.met(InDomain{walk.outDomain});
     if (intf.isVlan()) {
         return goOn(Reason::intoVlan, Step::fdb);
     }
-    walk.say([&] { return intf.out.text(); });
+    walk.met(intf.out);
     return goOn(intf.tag == 0 ? Reason::outOfRoutedPort : Reason::outOfSubInterface,
                 Step::lagMember);
 }

@@ -1,8 +1,12 @@
+// The pipeline's steps and the reasons that they give. Pipeline.h says what each step does.
+//
+// A step's number is its place, and a reason's is nothing; both change when steps are added. What stays
+// is the code of each: a short name for programs. docs/explanations.md lists them.
 #pragma once
 
 #include <cstdint>
+#include <string_view>
 
-// The pipeline's steps and the reasons that they give. Pipeline.h says what each step does.
 namespace SoftChip {
 
 enum class Step : std::uint8_t {
@@ -20,6 +24,7 @@ enum class Step : std::uint8_t {
     lagMember,
     egressPortUp,
 };
+constexpr unsigned stepCount = static_cast<unsigned>(Step::egressPortUp);
 
 // Why a step did what it did.
 enum class Reason : std::uint8_t {
@@ -102,8 +107,8 @@ enum class Reason : std::uint8_t {
 };
 constexpr unsigned reasonCount = static_cast<unsigned>(Reason::noCpuPort) + 1;
 
-// A few words, the same for every frame: "VLAN classification", "the ingress port is down".
-char const* text(Step step);
-char const* text(Reason reason);
+// The same for ever: "vlanClassification", "portDown". No two steps, and no two reasons, have one.
+std::string_view code(Step step);
+std::string_view code(Reason reason);
 
 }  // namespace SoftChip

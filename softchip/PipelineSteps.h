@@ -1,13 +1,12 @@
+// The pipeline's inside: what its steps share. Only the Pipeline sources include it.
 #pragma once
 
 #include <span>
-#include <string>
 
 #include "softchip/Frame.h"
 #include "softchip/Pipeline.h"
 #include "softchip/Tables.h"
 
-// The pipeline's inside: what its steps share. Only the Pipeline sources include it.
 namespace SoftChip::PipelineSteps {
 
 // One frame on its way. Each step reads what the steps before it have found.
@@ -29,13 +28,12 @@ struct Walk {
     DomainId outDomain = noDomain;  // the domain it leaves on: 3, for routed frames 10
     LogicalPort target{};           // 10 or 11: the port or LAG it leaves by
     DevicePort egressPort = 0;      // 12
-    std::string detail{};           // of the step's entry in the explanation
 
-    // Adds what `make()` returns to the step's detail. Without an explanation it is not called.
-    template <class Make>
-    void say(Make&& make) {
+    // The step meets `value`, for the explanation if there is one.
+    template <class Value>
+    void met(Value const& value) {
         if (explain) [[unlikely]] {
-            detail += (detail.empty() ? "" : ", ") + std::string(make());
+            explain->met(value);
         }
     }
 };
@@ -78,8 +76,5 @@ Verdict egressInterface(Walk& walk);     // 10
 Verdict fdb(Walk& walk);                 // 11
 Verdict lagMember(Walk& walk);           // 12
 Verdict egressPortUp(Walk& walk);        // 13
-
-// "VLAN 10".
-std::string vlanText(DomainId vlan);
 
 }  // namespace SoftChip::PipelineSteps

@@ -2,7 +2,6 @@
 
 #include <compare>
 #include <cstdint>
-#include <string>
 
 #include "softchip/Mix.h"
 
@@ -39,8 +38,6 @@ class LogicalPort {
     constexpr bool isLag() const { return kind_ == Kind::lag; }
     constexpr std::uint16_t number() const { return number_; }
 
-    // "port 12", "LAG 3", "no port".
-    std::string text() const;
     constexpr std::uint64_t hash() const {
         return mix(std::uint64_t{number_} << 2 | static_cast<std::uint64_t>(kind_));
     }

@@ -231,18 +231,17 @@ void SoftChip::changeTables(Command& command) {
 
 void SoftChip::inject(Command const& command) {
     generators_[command.pipe].noteGenerated();
-    Explanation explanation;
     bool const explain = explanations_.on();
     JournalEntry entry{.kind = JournalEntry::Kind::injection};
     entry.decision =
-        decide(tables_, command.phase0(), command.pkt(), explain ? &explanation : nullptr);
+        decide(tables_, command.phase0(), command.pkt(), explain ? &explanation_ : nullptr);
     entry.pktId = command.pktId;
     entry.pipe = command.pipe;
     entry.portIndex = command.portIndex;
     entry.pktBytes = static_cast<std::uint32_t>(command.pkt().size());
     journal_.add(entry);
     if (explain) {
-        explanations_.add(command.pktId, std::move(explanation));
+        explanations_.add(command.pktId, explanation_);
     }
     channel_.add(command.pktId, entry.decision, command.receiver);
 }

@@ -106,7 +106,8 @@ class SoftChip final : public SdkSeam::Chip {
     Faults faults_;
     Explanations explanations_;
     std::array<Generator, pipeCount> generators_;
-    Tables tables_;  // the chip's thread's own
+    Tables tables_;            // the chip's thread's own
+    Explanation explanation_;  // the same; of the packet that is under way
     CommandQueue queue_;
     DigestChannel channel_;
     SdkSeam::Registration registration_;

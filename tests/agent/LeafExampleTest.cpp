@@ -54,6 +54,16 @@ std::ostream& operator<<(std::ostream& out, Expected const& expected) {
     return out << expected.capture << " on " << expected.ingress;
 }
 
+// The codes of the steps that were taken and of their reasons, for a failure's message.
+std::string road(SoftChip::Explanation const& explanation) {
+    std::string text;
+    for (auto const& entry : explanation.entries()) {
+        text.append(SoftChip::code(entry.step)).append(" ");
+        text.append(SoftChip::code(entry.reason)).append("; ");
+    }
+    return text;
+}
+
 class LeafExample : public testing::TestWithParam<Expected> {
   protected:
     static SwitchFile::SwitchModel const& model() {
@@ -86,9 +96,9 @@ TEST_P(LeafExample, GoesWhereTheReadmeSays) {
         SoftChip::Explanation explanation;
         auto const decision =
             SoftChip::decide(tables(), phase0(expected.ingress), frame, &explanation);
-        EXPECT_EQ(decision.reason, expected.reason) << explanation.text();
-        EXPECT_EQ(decision.l2Domain, expected.domain) << explanation.text();
-        EXPECT_EQ(decision.copyToCpu, expected.copyToCpu) << explanation.text();
+        EXPECT_EQ(decision.reason, expected.reason) << road(explanation);
+        EXPECT_EQ(decision.l2Domain, expected.domain) << road(explanation);
+        EXPECT_EQ(decision.copyToCpu, expected.copyToCpu) << road(explanation);
         if (decision.egressPort != SoftChip::noEgressPort) {
             egress.insert(state()
                               .systemStatus->portToIntfId()

@@ -248,7 +248,6 @@ TEST(Frame, HasAnAnswerHoweverShort) {
                 EXPECT_EQ(frame.l2Fault, L2Fault::none) << name << size;
                 EXPECT_EQ(frame.l3Fault, L3Fault::truncated) << name << size;
             }
-            EXPECT_FALSE(frame.text().empty());
         }
         EXPECT_EQ(parseFrame(whole).l3Fault, L3Fault::none) << name;
     }
@@ -264,18 +263,8 @@ TEST(Frame, HasAnAnswerWhateverTheBytes) {
         }
         bytes.resize(random() % (bytes.size() + 1));
         bytes.shrink_to_fit();
-        EXPECT_FALSE(parseFrame(bytes).text().empty());
+        EXPECT_LE(parseFrame(bytes).tagCount, 2);
     }
-}
-
-TEST(Frame, IsToldInAFewWords) {
-    EXPECT_EQ(parsed({tag(10), ipv4({}, udp(7, 8))}).text(),
-              "02:00:00:00:00:01 to 02:00:00:00:00:02, tag 10, IPv4 10.0.10.7 to 10.0.20.7 TTL 64, "
-              "UDP port 7 to 8");
-    EXPECT_EQ(parsed({number(0x88cc, 2)}).text(),
-              "02:00:00:00:00:01 to 02:00:00:00:00:02, EtherType 0x88cc");
-    EXPECT_EQ(parsed({number(0x0800, 2)}).text(),
-              "02:00:00:00:00:01 to 02:00:00:00:00:02, IPv4 (truncated)");
 }
 
 }  // namespace

@@ -29,7 +29,7 @@ inline std::ostream& operator<<(std::ostream& out, Says const& says) {
 }
 
 inline void PrintTo(Reason reason, std::ostream* out) {
-    *out << text(reason);
+    *out << code(reason);
 }
 
 // A small switch. Ports by what they are:

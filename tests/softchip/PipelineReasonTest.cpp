@@ -3,8 +3,10 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <ostream>
 #include <set>
-#include <string>
+#include <string_view>
+#include <vector>
 
 #include "softchip/Pipeline.h"
 #include "tests/softchip/PipelineFixture.h"
@@ -14,14 +16,37 @@ namespace {
 
 using namespace FrameBuilder;
 
+// An entry of an explanation with its details.
+struct Taken {
+    Step step;
+    Reason reason;
+    std::vector<Detail> details;
+    bool operator==(Taken const&) const = default;
+};
+
+void PrintTo(Taken const& taken, std::ostream* out) {
+    *out << code(taken.step) << ' ' << code(taken.reason) << ", details of kind";
+    for (auto const& detail : taken.details) {
+        *out << ' ' << detail.index();
+    }
+}
+
 class PipelineReason : public PipelineFixture {
   protected:
+    std::vector<Taken> taken() const {
+        std::vector<Taken> road;
+        for (auto const& entry : explanation.entries()) {
+            auto const details = explanation.details(entry);
+            road.push_back({entry.step, entry.reason, {details.begin(), details.end()}});
+        }
+        return road;
+    }
     // Whether a frame's road has the reason; the last step's must be the decision's.
     bool has(Reason reason, DevicePort ingress, Bytes const& frame) {
         auto const last = decision(ingress, frame);
-        EXPECT_EQ(explanation.entries.back().reason, last.reason);
-        EXPECT_EQ(explanation.entries.back().step, last.step);
-        return std::ranges::any_of(explanation.entries,
+        EXPECT_EQ(explanation.entries().back().reason, last.reason);
+        EXPECT_EQ(explanation.entries().back().step, last.step);
+        return std::ranges::any_of(explanation.entries(),
                                    [&](auto const& entry) { return entry.reason == reason; });
     }
     void rule(AclRule::Action action, bool copy) {
@@ -152,49 +177,113 @@ TEST_F(PipelineReason, OfAMissingCpuPort) {
     EXPECT_TRUE(has(Reason::ownAddress, 1, routedTo("10.0.10.1")));
 }
 
-TEST_F(PipelineReason, AllHaveATextOfTheirOwn) {
-    std::set<std::string> texts;
+TEST_F(PipelineReason, AllHaveACodeOfTheirOwn) {
+    std::set<std::string_view> codes;
     for (unsigned reason = 0; reason < reasonCount; ++reason) {
-        texts.insert(text(static_cast<Reason>(reason)));
+        codes.insert(code(static_cast<Reason>(reason)));
     }
-    EXPECT_EQ(texts.size(), reasonCount);
-    EXPECT_FALSE(texts.contains("unknown reason"));
+    EXPECT_EQ(codes.size(), reasonCount);
+}
+
+TEST_F(PipelineReason, StepsHaveACodeOfTheirOwn) {
+    std::set<std::string_view> codes;
+    for (unsigned step = 1; step <= stepCount; ++step) {
+        codes.insert(code(static_cast<Step>(step)));
+    }
+    EXPECT_EQ(codes.size(), stepCount);
+}
+
+// Programs know the codes: one that was changed here would no longer be the code that they look for.
+TEST_F(PipelineReason, CodesAreWhatTheyAlwaysWere) {
+    EXPECT_EQ(code(Step::parse), "parse");
+    EXPECT_EQ(code(Step::vlanClassification), "vlanClassification");
+    EXPECT_EQ(code(Step::egressPortUp), "egressPortUp");
+    EXPECT_EQ(code(Reason::parsed), "parsed");
+    EXPECT_EQ(code(Reason::aclDrop), "aclDrop");
+    EXPECT_EQ(code(Reason::noCpuPort), "noCpuPort");
 }
 
 TEST_F(PipelineReason, ExplainARoadStepByStep) {
-    decision(1, routedTo("192.0.2.1"));
-    EXPECT_EQ(
-        explanation.text(),
-        "1 parse: parsed (02:00:00:00:00:0a to 02:00:00:00:ff:01, IPv4 10.0.10.7 to 192.0.2.1 "
-        "TTL 64, UDP port 1024 to 4791)\n"
-        "2 port up: the ingress port is up (port 1)\n"
-        "3 VLAN classification: access or native VLAN of the port (VLAN 10)\n"
-        "4 VLAN admission: the VLAN has the port as a member (VLAN 10)\n"
-        "5 ingress ACL: no rule matches\n"
-        "6 link-local multicast: nothing of the CPU's\n"
-        "7 router MAC: to the router (02:00:00:00:ff:01)\n"
-        "8 own address, TTL: to be forwarded (192.0.2.1 in VRF 0, TTL 64)\n"
-        "9 route: next hop found (192.0.2.0/24, next hop 1 of 1, 10.9.0.2 on VLAN 4094, "
-        "02:00:00:00:00:99)\n"
-        "10 egress interface: out of a routed port (VLAN 4094, port 5)\n"
-        "12 LAG member: not a LAG\n"
-        "13 egress port up: sent (port 5)");
+    auto const frame = routedTo("192.0.2.1");
+    decision(1, frame);
+    auto const none = std::vector<Detail>();
+    std::vector<Taken> const road{
+        {Step::parse, Reason::parsed, {FrameItself()}},
+        {Step::portUp, Reason::portIsUp, {port(1)}},
+        {Step::vlanClassification, Reason::untaggedVlan, {InDomain{10}}},
+        {Step::vlanAdmission, Reason::admitted, {InDomain{10}}},
+        {Step::ingressAcl, Reason::noAclRule, none},
+        {Step::linkLocal, Reason::notControl, none},
+        {Step::routerMac, Reason::toRouter, {router}},
+        {Step::ownAddress, Reason::transit, {IpInVrf{ip("192.0.2.1"), 0}, HopsLeft{64}}},
+        {Step::route,
+         Reason::neighbourFound,
+         {prefix("192.0.2.0/24"), NextHopChoice{0, 1}, NextHop{4094, ip("10.9.0.2")}, peer}},
+        {Step::egressInterface, Reason::outOfRoutedPort, {InDomain{4094}, port(5)}},
+        {Step::lagMember, Reason::notLag, none},
+        {Step::egressPortUp, Reason::forwarded, {port(5)}},
+    };
+    EXPECT_EQ(taken(), road);
+    EXPECT_EQ(explanation.frame().dstIp, ip("192.0.2.1"));
+    EXPECT_EQ(explanation.frame().srcPort, parseFrame(frame).srcPort);
 }
 
 TEST_F(PipelineReason, ExplainABridgedFrameThroughALag) {
-    decision(4, to(hostL));
-    auto const text = explanation.text();
-    EXPECT_NE(text.find("11 FDB: MAC address known (02:00:00:00:00:10 in VLAN 20, LAG 1)\n"
-                        "12 LAG member: member chosen (LAG 1, members up: 3)\n"
-                        "13 egress port up: sent (port "),
-              text.npos)
-        << text;
+    auto const chosen = decision(4, to(hostL)).egressPort;
+    auto const road = taken();
+    ASSERT_GE(road.size(), 3U);
+    std::vector<Taken> const end{
+        {Step::fdb, Reason::fdbHit, {MacInDomain{hostL, 20}, LogicalPort::lag(1)}},
+        {Step::lagMember, Reason::lagMember, {LogicalPort::lag(1), MembersUp{3}}},
+        {Step::egressPortUp, Reason::forwarded, {port(chosen)}},
+    };
+    EXPECT_EQ(std::vector(road.end() - 3, road.end()), end);
+}
+
+TEST_F(PipelineReason, ExplainWhichRuleOfWhichListDecided) {
+    rule(AclRule::Action::drop, false);
+    decision(1, to(hostB));
+    EXPECT_EQ(taken().back(), (Taken{Step::ingressAcl, Reason::aclDrop, {RuleOfList{7, 30}}}));
+}
+
+TEST_F(PipelineReason, ExplainWhatIsWrongWithAHeader) {
+    decision(1, to(router, number(0x0800, 2)));
+    EXPECT_EQ(taken().back(),
+              (Taken{Step::ownAddress, Reason::ipHeaderBroken, {L3Fault::truncated}}));
+}
+
+TEST_F(PipelineReason, ExplainATagAndAnIngressLag) {
+    decision(11, tagged(100, router));
+    EXPECT_EQ(taken().at(1), (Taken{Step::portUp, Reason::portIsUp, {port(11), InLag{2}}}));
+    EXPECT_EQ(taken().at(2),
+              (Taken{Step::vlanClassification, Reason::tagRefused, {OuterTag{100}}}));
+}
+
+TEST_F(PipelineReason, ExplainWithoutAPortMetNothing) {
+    decision(456, to(hostB));
+    EXPECT_EQ(taken(), (std::vector<Taken>{{Step::parse, Reason::phase0Unknown, {}}}));
+}
+
+// In by a LAG's sub-interface that leads into a VLAN, by a rule, and out by a LAG.
+TEST_F(PipelineReason, ExplainTheLongestRoadWithRoomToSpare) {
+    tables.subIntfIs(LogicalPort::lag(2), 100, 10);
+    tables.vlanMemberIs(10, LogicalPort::lag(2));
+    rule(AclRule::Action::permit, true);
+    tables.nextHopSetIs(1, {{20, ip("10.0.20.8")}});
+    decision(11, to(router, join({tag(100), ipv4({.dst = "192.0.2.1"}, udp())})));
+    std::size_t all = 0;
+    for (auto const& each : taken()) {
+        all += each.details.size();
+    }
+    EXPECT_EQ(taken().size(), stepCount);
+    EXPECT_EQ(all, 20U);
+    EXPECT_LE(all, Explanation::maxDetails);
 }
 
 TEST_F(PipelineReason, ForgetTheFrameBefore) {
     decision(1, to(hostB));
     decision(15, to(hostB));
-    EXPECT_EQ(explanation.entries.size(), 2u);
+    EXPECT_EQ(explanation.entries().size(), 2u);
 }
 
 }  // namespace

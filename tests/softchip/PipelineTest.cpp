@@ -65,7 +65,7 @@ TEST_F(Digest, BridgedSubInterfaceForwardsAndFloodsInItsVlan) {
 TEST_F(Digest, BridgedSubInterfaceNeedsItsVlanToAdmitThePort) {
     tables.subIntfIs(port(7), 200, 20);
     EXPECT_EQ(in(7, tagged(200, hostC)), (Says{none, 20, !routed, !copied, dropped}));
-    EXPECT_EQ(explanation.entries.back().reason, Reason::vlanNotOnPort);
+    EXPECT_EQ(explanation.entries().back().reason, Reason::vlanNotOnPort);
 }
 
 TEST_F(Digest, RoutedOutOfARoutedLagSaysAMemberAndItsInternalVlan) {

@@ -21,11 +21,5 @@ TEST(LogicalPort, TellsPortsLagsAndNothingApart) {
     EXPECT_TRUE(LogicalPort::port(1).isPort());
 }
 
-TEST(LogicalPort, HasAText) {
-    EXPECT_EQ(LogicalPort().text(), "no port");
-    EXPECT_EQ(LogicalPort::port(12).text(), "port 12");
-    EXPECT_EQ(LogicalPort::lag(3).text(), "LAG 3");
-}
-
 }  // namespace
 }  // namespace SoftChip

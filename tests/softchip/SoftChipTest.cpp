@@ -237,7 +237,7 @@ TEST_F(SoftChipPackets, AreExplainedByIdWhenThatIsSwitchedOn) {
     EXPECT_FALSE(chip.explanations().find(1));
     auto const explanation = chip.explanations().find(2);
     ASSERT_TRUE(explanation);
-    EXPECT_EQ(explanation->entries.back().reason, Reason::forwarded);
+    EXPECT_EQ(explanation->entries().back().reason, Reason::forwarded);
 }
 
 class SoftChipDigests : public ChipFixture {

@@ -1,9 +1,16 @@
-#include "softchip/Frame.h"
+#include "cli/FrameText.h"
 
+#include <array>
 #include <cstdio>
 
-namespace SoftChip {
+namespace Cli {
 namespace {
+
+using SoftChip::L2Fault;
+using SoftChip::L3;
+using SoftChip::L3Fault;
+using SoftChip::L4;
+using SoftChip::ParsedFrame;
 
 std::string hex(std::uint16_t value) {
     std::array<char, 8> buffer{};
@@ -63,7 +70,7 @@ std::string l3Text(ParsedFrame const& frame) {
 
 }  // namespace
 
-char const* text(L3Fault fault) {
+std::string_view words(L3Fault fault) {
     switch (fault) {
         case L3Fault::none:
             return "sound";
@@ -83,8 +90,8 @@ char const* text(L3Fault fault) {
     return "unknown";
 }
 
-std::string ParsedFrame::text() const {
-    switch (l2Fault) {
+std::string frameText(ParsedFrame const& frame) {
+    switch (frame.l2Fault) {
         case L2Fault::none:
             break;
         case L2Fault::tooShort:
@@ -92,12 +99,15 @@ std::string ParsedFrame::text() const {
         case L2Fault::tagTooShort:
             return "no whole tag";
     }
-    auto result = src.text() + " to " + dst.text();
-    for (unsigned i = 0; i < tagCount; ++i) {
-        result += ", tag " + std::to_string(tags[i].vlan);
+    auto result = frame.src.text() + " to " + frame.dst.text();
+    for (unsigned i = 0; i < frame.tagCount; ++i) {
+        result += ", tag " + std::to_string(frame.tags[i].vlan);
     }
-    result += l3Text(*this);
-    return l3Fault == L3Fault::none ? result : result + " (" + SoftChip::text(l3Fault) + ")";
+    result += l3Text(frame);
+    if (frame.l3Fault != L3Fault::none) {
+        result.append(" (").append(words(frame.l3Fault)).append(")");
+    }
+    return result;
 }
 
-}  // namespace SoftChip
+}  // namespace Cli
