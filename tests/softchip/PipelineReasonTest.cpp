@@ -206,21 +206,20 @@ TEST_F(PipelineReason, CodesAreWhatTheyAlwaysWere) {
 TEST_F(PipelineReason, ExplainARoadStepByStep) {
     auto const frame = routedTo("192.0.2.1");
     decision(1, frame);
-    auto const none = std::vector<Detail>();
     std::vector<Taken> const road{
         {Step::parse, Reason::parsed, {FrameItself()}},
         {Step::portUp, Reason::portIsUp, {port(1)}},
         {Step::vlanClassification, Reason::untaggedVlan, {InDomain{10}}},
         {Step::vlanAdmission, Reason::admitted, {InDomain{10}}},
-        {Step::ingressAcl, Reason::noAclRule, none},
-        {Step::linkLocal, Reason::notControl, none},
+        {Step::ingressAcl, Reason::noAclRule, {}},
+        {Step::linkLocal, Reason::notControl, {}},
         {Step::routerMac, Reason::toRouter, {router}},
         {Step::ownAddress, Reason::transit, {IpInVrf{ip("192.0.2.1"), 0}, HopsLeft{64}}},
         {Step::route,
          Reason::neighbourFound,
          {prefix("192.0.2.0/24"), NextHopChoice{0, 1}, NextHop{4094, ip("10.9.0.2")}, peer}},
         {Step::egressInterface, Reason::outOfRoutedPort, {InDomain{4094}, port(5)}},
-        {Step::lagMember, Reason::notLag, none},
+        {Step::lagMember, Reason::notLag, {}},
         {Step::egressPortUp, Reason::forwarded, {port(5)}},
     };
     EXPECT_EQ(taken(), road);
