@@ -7,6 +7,8 @@
 #include <sstream>
 #include <string>
 
+#include "tests/SourceDir.h"
+
 namespace Cli {
 namespace {
 
@@ -28,7 +30,7 @@ void forEachReason(Visit&& visit) {
 }
 
 std::string document() {
-    std::ifstream const file(VYN_SOURCE_DIR "/docs/explanations.md");
+    std::ifstream const file(sourcePath("docs/explanations.md"));
     std::ostringstream text;
     text << file.rdbuf();
     return text.str();
