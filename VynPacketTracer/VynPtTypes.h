@@ -45,6 +45,7 @@ VYN_EXPORT Vanta::String stringValue(PktGenState state);
 
 // Takes a whole state name (followed by the range's end or by neither letter nor digit) from the
 // front of the range. False, with the range and the state left alone, if there is none.
+// Precondition: `state` is not null.
 VYN_EXPORT bool sequenceToValue(Vanta::CharRange& range, PktGenState* state);
 
 VYN_EXPORT std::ostream& operator<<(std::ostream& out, PktGenState const& state);
@@ -191,8 +192,11 @@ class VYN_EXPORT PktGenConfig final : public Kel::Object {
     void cfgDelAll();
 
     // The first job, in the order of the collection, without an entry in `status`; null if there is
-    // none. The first call with a collection of answers is linear in the jobs, each later one at
-    // most logarithmic in the jobs whose answers went.
+    // none. It is no mere question: the first call with these answers has this collection follow
+    // them, and them report to it alone, until one of the two goes or is asked for with another.
+    // That call is linear in the jobs, here and where the answers reported before. Each later call
+    // is constant or, where answers went, logarithmic in the jobs that are pending again (expected;
+    // see PendingJobs).
     Vanta::Ptr<PktGenCfgData> firstPending(PktGenStatus& status);
 
     Vanta::Publisher const& publisher() const noexcept { return publisher_; }
@@ -235,7 +239,8 @@ class VYN_EXPORT PktGenStatus final : public Kel::Object {
     bool statusHas(PacketTracer::RequestId const& req) const { return status_.has(req); }
 
     // The entry of a request, created with defaults if there is none; one that is there keeps all
-    // its fields.
+    // its fields. The first entry makes the index of packet ids, which has addresses for a megabyte.
+    // Errors: std::bad_alloc.
     Vanta::Ptr<PktGenStatusData> statusIs(PacketTracer::RequestId const& req);
     // Removes and returns an entry; null, and no publication, if there is none.
     Vanta::Ptr<PktGenStatusData> statusDel(PacketTracer::RequestId const& req);

@@ -32,9 +32,11 @@ struct PendingLink {
 //
 //   operation   cost
 //   freshIs     constant
-//   returnedIs  logarithmic in the number of returned jobs
-//   del         constant for a fresh job, logarithmic for a returned one
-//   first       constant, or logarithmic if there are returned jobs
+//   returnedIs  logarithmic in the number of returned jobs (expected)
+//   del         constant for a fresh job, logarithmic for a returned one (expected)
+//   first       constant, or logarithmic if there are returned jobs (expected)
+//
+// Expected, because a treap is as deep as its priorities make it: a single operation may take longer.
 class VYN_EXPORT PendingJobs {
   public:
     // Adds a job whose order is higher than that of all fresh ones.
@@ -61,6 +63,9 @@ struct PktIdLink {
 
 // The status entries by packet id, each id's in their order. Adding the entry of the highest order
 // takes constant time, any other is linear in the entries of its id.
+//
+// The table has room for every id: 65,536 times two pointers, a megabyte of addresses. The system
+// fills a page of it, 256 ids, when one of them is used for the first time.
 class PktIdIndex {
   public:
     // Makes the table if there is none; to be called before the first add(). Errors:

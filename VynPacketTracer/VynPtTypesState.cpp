@@ -4,6 +4,7 @@
 #include <cctype>
 
 #include "Kel/Error.h"
+#include "Vanta/Assert.h"
 #include "VynPacketTracer/VynPtTypes.h"
 
 namespace VynPacketTracer {
@@ -44,6 +45,7 @@ Vanta::String stringValue(PktGenState state) {
 }
 
 bool sequenceToValue(Vanta::CharRange& range, PktGenState* state) {
+    Vanta::assertThat(state != nullptr, "state != nullptr");
     char const* const end = std::find_if_not(range.begin, range.end, isNameCharacter);
     auto const found = std::ranges::find(names, std::string_view(range.begin, end));
     if (found == names.end()) {

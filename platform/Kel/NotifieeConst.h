@@ -31,7 +31,9 @@ class NotifieeConst : public Object {
     // A change of the notifier's attribute `attribute`.
     virtual void onAttribute(Vanta::AttributeNumber attribute, Vanta::ValueRef oldValue) = 0;
 
-    // Marks the notifiee as being torn down: it then reacts to nothing.
+    // Marks the notifiee as being torn down (true): it then reacts to nothing. If there is a notifier,
+    // the notifications are switched with the mark: off when it comes, and on when it goes, whatever
+    // they were before and whatever the owner's are.
     virtual void kelDoZombieReactors(bool on) {
         if (isZombie() == on) {
             return;

@@ -108,6 +108,13 @@ TEST(PktGenStateSequenceTest, LeavesTheStateAloneWithoutAMatch) {
     EXPECT_EQ(state, PktGenState::reset);
 }
 
+TEST(PktGenStateSequenceTest, NeedsAStateToSet) {
+    char const text[] = "idle";
+    Vanta::CharRange range{text, text + 4};
+    EXPECT_EXIT(sequenceToValue(range, nullptr), testing::KilledBySignal(SIGABRT),
+                "assertion failed: state != nullptr");
+}
+
 // The type, attribute and text of the range error that something raises.
 std::string rangeError(std::function<void()> const& action) {
     try {
