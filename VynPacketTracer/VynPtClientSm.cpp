@@ -1,8 +1,11 @@
 #include "VynPacketTracer/VynPtClientSm.h"
 
+#include <utility>
+
 #include "Kel/Error.h"
 #include "PacketTracer/ConstructPacket.h"
 #include "Trace/Trace.h"
+#include "Vanta/Assert.h"
 
 namespace VynPacketTracer {
 
@@ -34,11 +37,16 @@ void NestedSm_Request::notifierIs(Vanta::Ptr<PacketTracer::Request const> const&
     if (request == notifier()) {
         return;
     }
+    Vanta::Ptr<NestedSm_Request> const alive(this);
+    bool const owned = owner_ != nullptr;
     plainNotifierIs(request);
     if (request && !isZombie()) {
         kel_handleRequest_valid();
     }
-    registeredIs(true);
+    bool const removed = owned && owner_ == nullptr;
+    if (!removed) {
+        registeredIs(true);
+    }
 }
 
 void NestedSm_Request::kel_handleRequest_valid() {
@@ -65,9 +73,9 @@ Vanta::Ptr<PacketTracerClientSm> PacketTracerClientSm::PacketTracerClientSmIs(
     Vanta::Ptr<Fen::FenCommonSmData const> const& fcsd,
     Vanta::Ptr<Bridging::Config const> const& bridgingConfig,
     Vanta::Ptr<VynSlice::ChipStatus const> const& chipStatus) {
-    auto client =
-        Vanta::makeNode<PacketTracerClientSm>(name, clientConfig, clientStatus, pktGenConfig,
-                                              systemStatus, fcsd, bridgingConfig, chipStatus);
+    auto client = Vanta::makeNode<PacketTracerClientSm>(Arguments{name, clientConfig, clientStatus,
+                                                                  pktGenConfig, systemStatus, fcsd,
+                                                                  bridgingConfig, chipStatus});
     client->hasNotificationActiveIs(true);
     return client;
 }
@@ -85,25 +93,10 @@ Vanta::Ptr<PacketTracerClientSm> packetTracerClientSmFactory(
                                                         bridgingConfig, chipStatus);
 }
 
-PacketTracerClientSm::PacketTracerClientSm(
-    Vanta::String const& name, Vanta::Ptr<PacketTracer::ClientConfig const> const& clientConfig,
-    Vanta::Ptr<PacketTracer::ClientStatus> const& clientStatus,
-    Vanta::Ptr<PktGenConfig> const& pktGenConfig,
-    Vanta::Ptr<VynSystem::SystemStatus const> const& systemStatus,
-    Vanta::Ptr<Fen::FenCommonSmData const> const& fcsd,
-    Vanta::Ptr<Bridging::Config const> const& bridgingConfig,
-    Vanta::Ptr<VynSlice::ChipStatus const> const& chipStatus)
-    : name_(name),
-      clientConfig_(clientConfig),
-      clientStatus_(clientStatus),
-      pktGenConfig_(pktGenConfig),
-      systemStatus_(systemStatus),
-      fcsd_(fcsd),
-      bridgingConfig_(bridgingConfig),
-      chipStatus_(chipStatus) {
+PacketTracerClientSm::PacketTracerClientSm(Arguments arguments) : made_(std::move(arguments)) {
     subscribe();
-    if (clientConfig_) {
-        for (auto const& entry : clientConfig_->request()) {
+    if (made_.clientConfig) {
+        for (auto const& entry : made_.clientConfig->request()) {
             requestIs(entry.value);
         }
     }
@@ -121,15 +114,15 @@ PacketTracerClientSm::~PacketTracerClientSm() {
 }
 
 void PacketTracerClientSm::handleInitialized() {
-    Trace::twinlog(trace, 7, "handleInitialized:client %s", name_);
+    Trace::twinlog(trace, 7, "handleInitialized:client %s", made_.name);
     handleResults();
     handleRequests();
 }
 
 void PacketTracerClientSm::subscribe() {
-    if (clientConfig_ && !clientConfigSubscriber_.subscribed()) {
+    if (made_.clientConfig && !clientConfigSubscriber_.subscribed()) {
         clientConfigSubscriber_.subscribe<&PacketTracerClientSm::clientConfigDispatch>(
-            clientConfig_->publisher(), this);
+            made_.clientConfig->publisher(), this);
     }
 }
 
@@ -166,7 +159,7 @@ void PacketTracerClientSm::clientConfigDispatch(Vanta::Publisher const&, Vanta::
         handleRequest(requestId);
     }
     Vanta::Ptr<PacketTracer::Request const> const packetRequest =
-        clientConfig_ ? clientConfig_->request(requestId) : nullptr;
+        made_.clientConfig ? made_.clientConfig->request(requestId) : nullptr;
     if (packetRequest) {
         requestIs(packetRequest);
     } else {
@@ -180,14 +173,20 @@ void PacketTracerClientSm::requestIs(Vanta::Ptr<PacketTracer::Request const> con
     if (!packetRequest) {
         throw Kel::NullArgumentError("PacketTracerClientSm", "request");
     }
-    Vanta::Ptr<NestedSm_Request> reactor = request(packetRequest->id());
+    // Whoever hears of a job or result may remove the client, or the reactor.
+    Vanta::Ptr<PacketTracerClientSm> const alive(this);
+    RequestId const requestId = packetRequest->id();
+    Vanta::Ptr<NestedSm_Request> reactor = request(requestId);
     if (!reactor) {
         reactor = Vanta::makeNode<NestedSm_Request>(packetRequest, this);
         reactor->registeredIs(true);
         reactor->hasNotificationActiveIs(hasNotificationActive());
-        request_.insert(packetRequest->id(), reactor);
+        request_.insert(RequestKeyFunktor()(*reactor), reactor);
     } else {
         reactor->notifierIs(packetRequest);
+        if (!(request(requestId) == reactor)) {
+            return;
+        }
     }
     reactor->kelDoZombieReactors(isZombie());
 }
@@ -209,10 +208,10 @@ void PacketTracerClientSm::requestDelAll() {
 // ---- Requests in
 
 void PacketTracerClientSm::handleRequests() {
-    std::size_t const requests = clientConfig_ ? clientConfig_->request().size() : 0;
-    Trace::twinlog(trace, 7, "handleRequests:client %s #request:%s", name_, requests);
-    if (clientConfig_) {
-        for (auto const& entry : clientConfig_->request()) {
+    std::size_t const requests = made_.clientConfig ? made_.clientConfig->request().size() : 0;
+    Trace::twinlog(trace, 7, "handleRequests:client %s #request:%s", made_.name, requests);
+    if (made_.clientConfig) {
+        for (auto const& entry : made_.clientConfig->request()) {
             handleRequest(RequestId(entry.key));
         }
     }
@@ -220,6 +219,7 @@ void PacketTracerClientSm::handleRequests() {
 
 bool PacketTracerClientSm::isValidRequest(
     Vanta::Ptr<PacketTracer::Request const> const& packetRequest) const {
+    Vanta::assertThat(packetRequest != nullptr, "packetRequest != nullptr");
     Trace::twinlog(trace, 7, "isValidRequest:client:%s reqId:%s", packetRequest->id().clientName(),
                    packetRequest->id().number());
     std::uint16_t const etherType = packetRequest->etherType();
@@ -237,7 +237,8 @@ bool PacketTracerClientSm::isValidRequest(
 
 // A refusal: the result is complete at once.
 void PacketTracerClientSm::finishResult(RequestId const& requestId, PacketTracer::State state) {
-    auto const result = clientStatus_->resultIs(requestId);
+    Vanta::assertThat(made_.clientStatus != nullptr, "clientStatus != nullptr");
+    auto const result = made_.clientStatus->resultIs(requestId);
     result->stateIs(state);
     result->validIs(true);
 }
@@ -247,11 +248,13 @@ void PacketTracerClientSm::handleRequest(RequestId const& requestId) {
     std::uint32_t const number = requestId.number();
     Trace::twinlog(trace, 7, "handleRequest:client:%s reqId:%s", client, number);
     Vanta::Ptr<PacketTracer::Request const> const request =
-        clientConfig_ ? clientConfig_->request(requestId) : nullptr;
+        made_.clientConfig ? made_.clientConfig->request(requestId) : nullptr;
     if (!request) {
         Trace::twinlog(trace, 7, "handleRequest:del client:%s reqId:%s", client, number);
-        pktGenConfig_->cfgDel(requestId);
-        clientStatus_->resultDel(requestId);
+        Vanta::assertThat(made_.pktGenConfig != nullptr, "pktGenConfig != nullptr");
+        Vanta::assertThat(made_.clientStatus != nullptr, "clientStatus != nullptr");
+        made_.pktGenConfig->cfgDel(requestId);
+        made_.clientStatus->resultDel(requestId);
         return;
     }
     if (!request->valid()) {
@@ -264,7 +267,8 @@ void PacketTracerClientSm::handleRequest(RequestId const& requestId) {
         finishResult(requestId, PacketTracer::State::notTraceable);
         return;
     }
-    if (!systemStatus_->portInfo().has(request->intf())) {
+    Vanta::assertThat(made_.systemStatus != nullptr, "systemStatus != nullptr");
+    if (!made_.systemStatus->portInfo().has(request->intf())) {
         Trace::twinlog(trace, 9, "handleRequest:Invalid interface:%s", request->intf());
         finishResult(requestId, PacketTracer::State::noEgress);
         return;
@@ -275,8 +279,9 @@ void PacketTracerClientSm::handleRequest(RequestId const& requestId) {
         finishResult(requestId, PacketTracer::State::notTraceable);
         return;
     }
-    VynSystem::PortInfo const ingPortInfo = systemStatus_->portInfo().get(request->intf());
-    pktGenConfig_->cfgIs(requestId, pkt, ingPortInfo, request->intf());
+    VynSystem::PortInfo const ingPortInfo = made_.systemStatus->portInfo().get(request->intf());
+    Vanta::assertThat(made_.pktGenConfig != nullptr, "pktGenConfig != nullptr");
+    made_.pktGenConfig->cfgIs(requestId, pkt, ingPortInfo, request->intf());
 }
 
 }  // namespace VynPacketTracer

@@ -13,7 +13,18 @@
 // The result of an accepted request is written when the engine reports.
 //
 // Jobs and results outlive the state machine; whoever removes a client withdraws its requests
-// first. Thread: the event thread, for everything here.
+// first.
+//
+//   state          entered by                         left by
+//   made           PacketTracerClientSmIs             its end
+//   active         the end of PacketTracerClientSmIs  the last release
+//   switched off   hasNotificationActiveIs(false)     hasNotificationActiveIs(true), the last release
+//   torn down      destruction                        the release of the memory
+//
+// Switched off it hears of nothing, and switched on again it does not catch up: what changed
+// meanwhile is handled when it changes again, or by handleRequests().
+//
+// Thread: the event thread, for everything here.
 #pragma once
 
 #include <cstdint>
@@ -37,10 +48,12 @@ namespace VynPacketTracer {
 class PacketTracerClientSm;
 
 // The reactor on one request: it has the request handled again when its `valid` changes, or when
-// the request object under its id is another one.
+// the request object under its id is another one. One that is removed inside its own call stays as
+// it was removed: silent, torn down and without an owner.
 class VYN_EXPORT NestedSm_Request final : public Kel::NotifieeConst<PacketTracer::Request> {
   public:
-    // Watches `request`, not yet registered, without reacting. The owner is not counted.
+    // Watches `request`, not yet registered, without reacting. The owner is not counted. Both may be
+    // null.
     NestedSm_Request(Vanta::Ptr<PacketTracer::Request const> const& request,
                      PacketTracerClientSm* owner);
 
@@ -48,7 +61,7 @@ class VYN_EXPORT NestedSm_Request final : public Kel::NotifieeConst<PacketTracer
     PacketTracer::RequestId key() const;
 
     // Watches another request object. Reacts at once if it is another one, not null, and the
-    // reactor is not torn down.
+    // reactor is not torn down; then it is registered. Errors: those of handling the request.
     void notifierIs(Vanta::Ptr<PacketTracer::Request const> const& request);
     // Has the owner handle the request; without an owner does nothing.
     void kel_handleRequest_valid();
@@ -63,9 +76,33 @@ class VYN_EXPORT NestedSm_Request final : public Kel::NotifieeConst<PacketTracer
     PacketTracerClientSm* owner_;
 };
 
+// The key of a reactor: the id of the request that it watches.
+struct RequestKeyFunktor {
+    PacketTracer::RequestId operator()(NestedSm_Request const& reactor) const {
+        return reactor.key();
+    }
+};
+
 class VYN_EXPORT PacketTracerClientSm final : public Kel::Object {
   public:
     using Requests = Kel::Collection<PacketTracer::RequestId, Vanta::Ptr<NestedSm_Request>>;
+
+    // What a state machine is made with. Its references are released from the last to the first.
+    //
+    // Without a `clientConfig` there are no requests, and without a `pktGenConfig` every answer is
+    // one without a job. Precondition of each operation: what else it works with is not null; it
+    // is checked there. Handling a request takes `pktGenConfig`, `clientStatus` and `systemStatus`,
+    // a result `clientStatus`, and one with an egress all but `clientConfig`.
+    struct Arguments {
+        Vanta::String name;
+        Vanta::Ptr<PacketTracer::ClientConfig const> clientConfig;
+        Vanta::Ptr<PacketTracer::ClientStatus> clientStatus;
+        Vanta::Ptr<PktGenConfig> pktGenConfig;
+        Vanta::Ptr<VynSystem::SystemStatus const> systemStatus;
+        Vanta::Ptr<Fen::FenCommonSmData const> fcsd;
+        Vanta::Ptr<Bridging::Config const> bridgingConfig;
+        Vanta::Ptr<VynSlice::ChipStatus const> chipStatus;
+    };
 
     // A running state machine: stale results are removed and every request is handled once before
     // it is returned. Errors: what handling a request raises; no subscription is then left behind.
@@ -80,17 +117,31 @@ class VYN_EXPORT PacketTracerClientSm final : public Kel::Object {
 
     // Connects (true) or disconnects the observation of the client's configuration and requests.
     void hasNotificationActiveIs(bool on);
-    // Marks this object and its reactors as being torn down: they then react to nothing.
+    // Marks this object and its reactors as being torn down (true): they then react to nothing. Taking
+    // the mark away switches the reactors' notifications on, also where this object's are off.
     void kelDoZombieReactors(bool on);
+
+    // Removes stale results, then handles every request. The construction calls it once; called again
+    // it does the same again, which changes nothing for accepted requests that are as they were.
+    // Errors: those of handleRequest().
+    void handleInitialized();
+    // Reacts to a change that the configuration published. Of the change only the attribute and the
+    // key are read: the request of that id is handled, then its reactor is made or removed. Every
+    // attribute but `request` is ignored. Errors: those of handleRequest().
+    void clientConfigDispatch(Vanta::Publisher const& publisher, Vanta::Subscriber& subscriber,
+                              Vanta::AttributeNumber attribute, Vanta::ValueRef key,
+                              Vanta::ValueRef oldValue);
 
     // ---- The reactors, one a request of the configuration.
 
     // Makes the reactor of a request, or points it at another request object, which is handled at
-    // once. Errors: Kel::NullArgumentError.
+    // once. Errors: Kel::NullArgumentError; those of handling the request.
     void requestIs(Vanta::Ptr<PacketTracer::Request const> const& packetRequest);
     // Silences and removes a reactor; absent ids are ignored.
     void requestDel(PacketTracer::RequestId const& requestId);
     void requestDelAll();
+    Requests const& request() const noexcept { return request_; }
+    // The reactor of a request, or null.
     Vanta::Ptr<NestedSm_Request> request(PacketTracer::RequestId const& requestId) const {
         return request_.get(requestId);
     }
@@ -106,7 +157,8 @@ class VYN_EXPORT PacketTracerClientSm final : public Kel::Object {
     // whose packet, port or interface changed while its job exists raises the reinstantiation
     // errors of PktGenConfig::cfgIs.
     void handleRequest(PacketTracer::RequestId const& requestId);
-    // Whether the chip can trace such a packet at all: neither MPLS nor GRE.
+    // Whether the chip can trace such a packet at all: neither MPLS nor GRE. Precondition: the request
+    // is not null.
     bool isValidRequest(Vanta::Ptr<PacketTracer::Request const> const& packetRequest) const;
 
     // ---- Results out
@@ -114,13 +166,17 @@ class VYN_EXPORT PacketTracerClientSm final : public Kel::Object {
     // Removes every result whose request is not in the configuration.
     void handleResults();
     // Writes the result of a status entry that is ready; ignores one that is not. Errors:
-    // Kel::RangeError for a VLAN above 4094 (or 0 of a routed packet); the result's state and
-    // `valid` are then not set.
+    // Kel::RangeError for a flood in a domain above 4094, and for a packet that was routed to a port
+    // that is known in a domain of 0 or above 4094. The result is there then, with its state and
+    // `valid` not set; that of a routed packet has the port's entries. Precondition: the entry is not
+    // null.
     void updateResult(Vanta::Ptr<PktGenStatusData const> const& status);
     // Adds the entries of one egress interface: a LAG, a sub-interface, a LAG's member, a port.
+    // Precondition, here and below: the result is not null.
     void updatePortInfoResult(Plexa::IntfId intfId, Vanta::Ptr<PacketTracer::Result> const& result);
     // Adds the entries of a flood in the status entry's VLAN, but for the ingress interface, and
-    // sets the state.
+    // sets the state. Errors: Kel::RangeError for a domain above 4094; the result is then unchanged.
+    // Precondition: the entry is not null.
     void pktFlooded(Vanta::Ptr<PktGenStatusData const> const& status,
                     Vanta::Ptr<PacketTracer::Result> const& result, Plexa::IntfId ingIntf);
     // Pairs each physical interface of the result, those of sub-interfaces aside, with the VLAN's.
@@ -128,44 +184,34 @@ class VYN_EXPORT PacketTracerClientSm final : public Kel::Object {
     // The interface named "Cpu".
     static Plexa::IntfId cpuIntfId();
 
-    Vanta::String const& name() const noexcept { return name_; }
+    Arguments const& arguments() const noexcept { return made_; }
+    Vanta::String const& name() const noexcept { return made_.name; }
     Vanta::Ptr<PacketTracer::ClientConfig const> const& clientConfig() const noexcept {
-        return clientConfig_;
+        return made_.clientConfig;
     }
     Vanta::Ptr<PacketTracer::ClientStatus> const& clientStatus() const noexcept {
-        return clientStatus_;
+        return made_.clientStatus;
     }
-    Vanta::Ptr<PktGenConfig> const& pktGenConfig() const noexcept { return pktGenConfig_; }
+    Vanta::Ptr<PktGenConfig> const& pktGenConfig() const noexcept { return made_.pktGenConfig; }
     Vanta::Ptr<VynSystem::SystemStatus const> const& systemStatus() const noexcept {
-        return systemStatus_;
+        return made_.systemStatus;
     }
-    Vanta::Ptr<Fen::FenCommonSmData const> const& fcsd() const noexcept { return fcsd_; }
+    Vanta::Ptr<Fen::FenCommonSmData const> const& fcsd() const noexcept { return made_.fcsd; }
     Vanta::Ptr<Bridging::Config const> const& bridgingConfig() const noexcept {
-        return bridgingConfig_;
+        return made_.bridgingConfig;
     }
     Vanta::Ptr<VynSlice::ChipStatus const> const& chipStatus() const noexcept {
-        return chipStatus_;
+        return made_.chipStatus;
     }
 
     Kel::TypeInfo const& typeInfo() const noexcept override;
 
   private:
     friend struct Vanta::NodeFactory;
-    PacketTracerClientSm(Vanta::String const& name,
-                         Vanta::Ptr<PacketTracer::ClientConfig const> const& clientConfig,
-                         Vanta::Ptr<PacketTracer::ClientStatus> const& clientStatus,
-                         Vanta::Ptr<PktGenConfig> const& pktGenConfig,
-                         Vanta::Ptr<VynSystem::SystemStatus const> const& systemStatus,
-                         Vanta::Ptr<Fen::FenCommonSmData const> const& fcsd,
-                         Vanta::Ptr<Bridging::Config const> const& bridgingConfig,
-                         Vanta::Ptr<VynSlice::ChipStatus const> const& chipStatus);
+    explicit PacketTracerClientSm(Arguments arguments);
     ~PacketTracerClientSm() override;
 
-    void handleInitialized();
     void subscribe();
-    void clientConfigDispatch(Vanta::Publisher const& publisher, Vanta::Subscriber& subscriber,
-                              Vanta::AttributeNumber attribute, Vanta::ValueRef key,
-                              Vanta::ValueRef oldValue);
     void finishResult(PacketTracer::RequestId const& requestId, PacketTracer::State state);
     void updateUnicastResult(PktGenStatusData const& status,
                              Vanta::Ptr<PacketTracer::Result> const& result);
@@ -173,18 +219,15 @@ class VYN_EXPORT PacketTracerClientSm final : public Kel::Object {
 
     Requests const& allRequests() const noexcept { return request_; }
 
-    Vanta::String const name_;
-    Vanta::Ptr<PacketTracer::ClientConfig const> const clientConfig_;
-    Vanta::Ptr<PacketTracer::ClientStatus> const clientStatus_;
-    Vanta::Ptr<PktGenConfig> const pktGenConfig_;
-    Vanta::Ptr<VynSystem::SystemStatus const> const systemStatus_;
-    Vanta::Ptr<Fen::FenCommonSmData const> const fcsd_;
-    Vanta::Ptr<Bridging::Config const> const bridgingConfig_;
-    Vanta::Ptr<VynSlice::ChipStatus const> const chipStatus_;
-    // The last go first: a beginning that fails leaves in the order of a destruction.
+    Arguments const made_;
+    // The members go from the last to the first: when the construction fails, the subscription ends,
+    // then the reactors go, then the references, as in the destructor.
     Requests request_;
     Vanta::Subscriber clientConfigSubscriber_;
 };
+
+// An entry of the collection of reactors.
+using HN_NestedSm_Request = PacketTracerClientSm::Requests::Entry;
 
 // The same as PacketTracerClientSm::PacketTracerClientSmIs.
 VYN_EXPORT Vanta::Ptr<PacketTracerClientSm> packetTracerClientSmFactory(

@@ -4,6 +4,7 @@
 
 #include "Grist/Grist.h"
 #include "Trace/Trace.h"
+#include "Vanta/Assert.h"
 #include "VynPacketTracer/VynPtClientSm.h"
 
 namespace VynPacketTracer {
@@ -20,25 +21,28 @@ Trace::Handle& trace = Trace::handle("VynPtClientSm");
 }  // namespace
 
 void PacketTracerClientSm::handleResults() {
-    Trace::twinlog(trace, 7, "handleResults:client %s #status:%s", name_,
-                   clientStatus_->result().size());
-    for (auto const& entry : clientStatus_->result()) {
-        if (!clientConfig_ || !clientConfig_->request().has(entry.key)) {
-            clientStatus_->resultDel(entry.key);
+    Vanta::assertThat(made_.clientStatus != nullptr, "clientStatus != nullptr");
+    Trace::twinlog(trace, 7, "handleResults:client %s #status:%s", made_.name,
+                   made_.clientStatus->result().size());
+    for (auto const& entry : made_.clientStatus->result()) {
+        if (!made_.clientConfig || !made_.clientConfig->request().has(entry.key)) {
+            made_.clientStatus->resultDel(entry.key);
         }
     }
 }
 
 void PacketTracerClientSm::updateResult(Vanta::Ptr<PktGenStatusData const> const& status) {
+    Vanta::assertThat(status != nullptr, "status != nullptr");
     RequestId const& req = status->req();
     Trace::twinlog(trace, 7, "updateResult:client:%s reqId:%s ready:%s", req.clientName(),
                    req.number(), status->ready());
     if (!status->ready()) {
         return;
     }
-    auto const result = clientStatus_->resultIs(req);
+    Vanta::assertThat(made_.clientStatus != nullptr, "clientStatus != nullptr");
+    auto const result = made_.clientStatus->resultIs(req);
     std::uint16_t const portIndex = status->egrPortInfo().port().value();
-    if (!pktGenConfig_ || !pktGenConfig_->cfgHas(req)) {
+    if (!made_.pktGenConfig || !made_.pktGenConfig->cfgHas(req)) {
         // It is the job that is missing; the text says something else and stays.
         Trace::twinlog(trace, 9, "updateResult:client:%s reqId:%s invalid portIndex:%s",
                        req.clientName(), req.number(), portIndex);
@@ -48,7 +52,7 @@ void PacketTracerClientSm::updateResult(Vanta::Ptr<PktGenStatusData const> const
                        req.number());
         result->stateIs(State::noEgress);
     } else if (portIndex == PortIndex::invalid) {
-        pktFlooded(status, result, pktGenConfig_->cfg(req)->ingIntf());
+        pktFlooded(status, result, made_.pktGenConfig->cfg(req)->ingIntf());
     } else {
         updateUnicastResult(*status, result);
     }
@@ -59,7 +63,8 @@ void PacketTracerClientSm::updateUnicastResult(PktGenStatusData const& status,
                                                Vanta::Ptr<PacketTracer::Result> const& result) {
     RequestId const& req = status.req();
     std::uint16_t const portIndex = status.egrPortInfo().port().value();
-    auto const* egress = systemStatus_->portToIntfId().find(status.egrPortInfo().port());
+    Vanta::assertThat(made_.systemStatus != nullptr, "systemStatus != nullptr");
+    auto const* egress = made_.systemStatus->portToIntfId().find(status.egrPortInfo().port());
     if (egress == nullptr) {
         Trace::twinlog(trace, 9, "updateResult:client:%s reqId:%s unknown port%s", req.clientName(),
                        req.number(), portIndex);
@@ -78,7 +83,8 @@ void PacketTracerClientSm::updateUnicastResult(PktGenStatusData const& status,
 // A routed packet is reported on its VLAN interface if the VLAN has one, which the CPU's membership
 // tells, and is not the internal VLAN of a routed port or sub-interface.
 bool PacketTracerClientSm::isRoutedVlanReported(std::uint16_t egrL2Domain) const {
-    auto const vlan = bridgingConfig_->vlanConfig(Bridging::VlanId(egrL2Domain));
+    Vanta::assertThat(made_.bridgingConfig != nullptr, "bridgingConfig != nullptr");
+    auto const vlan = made_.bridgingConfig->vlanConfig(Bridging::VlanId(egrL2Domain));
     return vlan && vlan->intf().has(cpuIntfId()) && !vlan->internal();
 }
 
@@ -90,9 +96,11 @@ Plexa::IntfId PacketTracerClientSm::cpuIntfId() {
 
 void PacketTracerClientSm::updatePortInfoResult(Plexa::IntfId intfId,
                                                 Vanta::Ptr<PacketTracer::Result> const& result) {
+    Vanta::assertThat(result != nullptr, "result != nullptr");
     Trace::twinlog(trace, 7, "updatePortInfoResult:client:%s reqId:%s intfId:%s",
                    result->id().clientName(), result->id().number(), intfId);
-    if (fcsd_->lagToPort().has(intfId)) {
+    Vanta::assertThat(made_.fcsd != nullptr, "fcsd != nullptr");
+    if (made_.fcsd->lagToPort().has(intfId)) {
         Trace::twinlog(trace, 7, "updatePortInfoResult:lag egress intf:%s", intfId);
         result->egressIntfIs(ResultEntry::fromPhysicalAndLogicalIntf(Plexa::IntfId(), intfId));
         return;
@@ -103,7 +111,7 @@ void PacketTracerClientSm::updatePortInfoResult(Plexa::IntfId intfId,
             Plexa::SubIntfId::parentIntfId(intfId), intfId));
         return;
     }
-    if (auto const* member = fcsd_->portToLag().find(intfId)) {
+    if (auto const* member = made_.fcsd->portToLag().find(intfId)) {
         Plexa::IntfId const lag = member->value;
         Trace::twinlog(trace, 7, "updatePortInfoResult:physical egress intf:%s lag intf:%s", intfId,
                        lag);
@@ -112,7 +120,8 @@ void PacketTracerClientSm::updatePortInfoResult(Plexa::IntfId intfId,
         return;
     }
     Trace::twinlog(trace, 7, "updatePortInfoResult:physical egress intf:%s", intfId);
-    if (chipStatus_->isCpuIntf(intfId)) {
+    Vanta::assertThat(made_.chipStatus != nullptr, "chipStatus != nullptr");
+    if (made_.chipStatus->isCpuIntf(intfId)) {
         intfId = cpuIntfId();
     }
     result->egressIntfIs(ResultEntry::fromPhysicalIntf(intfId));
@@ -121,12 +130,16 @@ void PacketTracerClientSm::updatePortInfoResult(Plexa::IntfId intfId,
 void PacketTracerClientSm::pktFlooded(Vanta::Ptr<PktGenStatusData const> const& status,
                                       Vanta::Ptr<PacketTracer::Result> const& result,
                                       Plexa::IntfId ingIntf) {
+    Vanta::assertThat(status != nullptr, "status != nullptr");
+    Vanta::assertThat(result != nullptr, "result != nullptr");
     RequestId const& req = status->req();
     std::uint16_t const l2Domain = status->egrL2Domain();
     Trace::twinlog(trace, 7, "pktFlooded:client:%s reqId:%s flooded:%s ingIntf:%s routed:%s",
                    req.clientName(), req.number(), l2Domain, ingIntf, status->routed());
+    Vanta::assertThat(l2Domain == 0 || made_.bridgingConfig != nullptr,
+                      "l2Domain == 0 || bridgingConfig != nullptr");
     auto const vlan =
-        l2Domain != 0 ? bridgingConfig_->vlanConfig(Bridging::VlanId(l2Domain)) : nullptr;
+        l2Domain != 0 ? made_.bridgingConfig->vlanConfig(Bridging::VlanId(l2Domain)) : nullptr;
     if (!vlan) {
         Trace::twinlog(trace, 9, "pktFlooded:client:%s reqId:%s digest with invalid l2Domain%s",
                        req.clientName(), req.number(), l2Domain);
@@ -151,6 +164,7 @@ void PacketTracerClientSm::pktFlooded(Vanta::Ptr<PktGenStatusData const> const& 
 
 void PacketTracerClientSm::addVlanIntf(Vanta::Ptr<PacketTracer::Result> const& result,
                                        std::uint16_t vlanId) {
+    Vanta::assertThat(result != nullptr, "result != nullptr");
     Trace::twinlog(trace, 7, "addVlanIntf:client:%s reqId:%s l2Domain:%s",
                    result->id().clientName(), result->id().number(), vlanId);
     Plexa::IntfId const vlanIntf = Plexa::VlanIntfId::vlanIdToIntfId(vlanId);

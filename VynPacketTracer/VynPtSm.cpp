@@ -40,39 +40,15 @@ Vanta::Ptr<PacketTracerSm> PacketTracerSm::PacketTracerSmIs(
     Vanta::Ptr<Fen::FenCommonSmData const> const& fcsd,
     Vanta::Ptr<Bridging::Config const> const& bridgingConfig,
     Vanta::Ptr<VynSlice::ChipStatus const> const& chipStatus) {
-    auto tracer = Vanta::makeNode<PacketTracerSm>(config, status, phase0DataIntf, pktGenSupported,
-                                                  pktTracerSupported, sessionHandle, deviceId,
-                                                  resourceInfoIntf, vyPdIntf, rootScheduler,
-                                                  systemStatus, fcsd, bridgingConfig, chipStatus);
+    auto tracer = Vanta::makeNode<PacketTracerSm>(
+        Arguments{config, status, phase0DataIntf, pktGenSupported, pktTracerSupported,
+                  sessionHandle, deviceId, resourceInfoIntf, vyPdIntf, rootScheduler, systemStatus,
+                  fcsd, bridgingConfig, chipStatus});
     tracer->hasNotificationActiveIs(true);
     return tracer;
 }
 
-PacketTracerSm::PacketTracerSm(
-    Vanta::Ptr<Kel::Dir const> const& config, Vanta::Ptr<Kel::Dir> const& status,
-    Vanta::Ptr<VynSdk::Phase0DataIntf> const& phase0DataIntf, bool pktGenSupported,
-    bool pktTracerSupported, std::uint32_t sessionHandle, VynId::VynDevId deviceId,
-    Vanta::Ptr<VyResourceInfo::VyResourceInfoIntf> const& resourceInfoIntf,
-    Vanta::Ptr<VyPd::VyPdIntf> const& vyPdIntf,
-    Vanta::Ptr<Orb::TaskSchedulerRoot> const& rootScheduler,
-    Vanta::Ptr<VynSystem::SystemStatus const> const& systemStatus,
-    Vanta::Ptr<Fen::FenCommonSmData const> const& fcsd,
-    Vanta::Ptr<Bridging::Config const> const& bridgingConfig,
-    Vanta::Ptr<VynSlice::ChipStatus const> const& chipStatus)
-    : config_(config),
-      status_(status),
-      phase0DataIntf_(phase0DataIntf),
-      pktGenSupported_(pktGenSupported),
-      pktTracerSupported_(pktTracerSupported),
-      sessionHandle_(sessionHandle),
-      deviceId_(deviceId),
-      resourceInfoIntf_(resourceInfoIntf),
-      vyPdIntf_(vyPdIntf),
-      rootScheduler_(rootScheduler),
-      systemStatus_(systemStatus),
-      fcsd_(fcsd),
-      bridgingConfig_(bridgingConfig),
-      chipStatus_(chipStatus) {
+PacketTracerSm::PacketTracerSm(Arguments arguments) : made_(std::move(arguments)) {
     try {
         subscribe();
         handleInitialized();
@@ -91,20 +67,23 @@ PacketTracerSm::~PacketTracerSm() {
     for (auto const& entry : localStatus_) {
         entry.value->ownerDel();
     }
-    pktGenCfgDel();
+    pktGenCfg_ = nullptr;
     pktGenStatusDel();
-    pktGenSmDel();
-    clientSmDelAll();
+    if (auto const engine = std::exchange(pktGenSm_, nullptr)) {
+        engine->hasNotificationActiveIs(false);
+    }
+    clientSm_.eachKeyUntilLast([this](Vanta::String const& name) { clientSmDel(name); });
 }
 
 void PacketTracerSm::handleInitialized() {
     Trace::twinlog(trace, 7, "handleInitialized:pktTracerSupported:%s pktGenSupported%s",
-                   pktTracerSupported_, pktGenSupported_);
+                   made_.pktTracerSupported, made_.pktGenSupported);
     initialized_ = true;
     pktGenCfgIs();
     pktGenStatusIs();
-    pktGenSmIs(pktGenCfg_, phase0DataIntf_, pktGenStatus_, sessionHandle_, deviceId_,
-               pktTracerSupported_, resourceInfoIntf_, vyPdIntf_, rootScheduler_);
+    pktGenSmIs(pktGenCfg_, made_.phase0DataIntf, pktGenStatus_, made_.sessionHandle, made_.deviceId,
+               made_.pktTracerSupported, made_.resourceInfoIntf, made_.vyPdIntf,
+               made_.rootScheduler);
     handleClients();
 }
 
@@ -112,11 +91,13 @@ void PacketTracerSm::handleInitialized() {
 
 // Connects what has a source and is not connected.
 void PacketTracerSm::subscribe() {
-    if (config_ && !configSubscriber_.subscribed()) {
-        configSubscriber_.subscribe<&PacketTracerSm::configDispatch>(config_->publisher(), this);
+    if (made_.config && !configSubscriber_.subscribed()) {
+        configSubscriber_.subscribe<&PacketTracerSm::configDispatch>(made_.config->publisher(),
+                                                                     this);
     }
-    if (status_ && !statusSubscriber_.subscribed()) {
-        statusSubscriber_.subscribe<&PacketTracerSm::statusDispatch>(status_->publisher(), this);
+    if (made_.status && !statusSubscriber_.subscribed()) {
+        statusSubscriber_.subscribe<&PacketTracerSm::statusDispatch>(made_.status->publisher(),
+                                                                     this);
     }
     subscribeToPktGenStatus();
 }
@@ -179,8 +160,6 @@ void PacketTracerSm::statusDispatch(Vanta::Publisher const&, Vanta::Subscriber&,
 
 void PacketTracerSm::dirEntryChanged(Vanta::AttributeNumber attribute, Vanta::ValueRef key) {
     if (attribute == Kel::Dir::entryAttribute && !isZombie()) {
-        // Whoever hears of a result may let the tracer go.
-        Vanta::Ptr<PacketTracerSm> const alive(this);
         handleClient(key.get<Vanta::String>());
     }
 }
@@ -189,27 +168,97 @@ void PacketTracerSm::dirEntryChanged(Vanta::AttributeNumber attribute, Vanta::Va
 
 void PacketTracerSm::handleClients() {
     Trace::twinlog(trace, 7, "handleClients:");
-    if (!config_) {
+    if (!made_.config) {
         return;
     }
-    for (auto const& entry : config_->entry()) {
+    for (auto const& entry : made_.config->entry()) {
         if (entry.value) {
             handleClient(Vanta::String(entry.key));
         }
     }
 }
 
-void PacketTracerSm::handleClient(Vanta::String const& name) {
-    Trace::twinlog(trace, 7, "handleClient:client %s", name);
-    auto const clientConfig =
-        config_ ? config_->entity<PacketTracer::ClientConfig const>(name) : nullptr;
-    auto const clientStatus = status_ ? status_->entity<PacketTracer::ClientStatus>(name) : nullptr;
-    if (clientConfig && clientStatus) {
-        clientSmIs(name, clientConfig, clientStatus, pktGenCfg_, systemStatus_, fcsd_,
-                   bridgingConfig_, chipStatus_);
-    } else {
-        clientSmDel(name);
+struct PacketTracerSm::Entities {
+    Vanta::Ptr<PacketTracer::ClientConfig const> config;
+    Vanta::Ptr<PacketTracer::ClientStatus> status;
+
+    bool complete() const noexcept { return config && status; }
+    bool are(PacketTracerClientSm const& client) const noexcept {
+        return client.clientConfig() == config && client.clientStatus() == status;
     }
+};
+
+PacketTracerSm::Entities PacketTracerSm::entitiesOf(Vanta::String const& name) const {
+    Entities entities;
+    if (made_.config) {
+        entities.config = made_.config->entity<PacketTracer::ClientConfig const>(name);
+    }
+    if (made_.status) {
+        entities.status = made_.status->entity<PacketTracer::ClientStatus>(name);
+    }
+    return entities;
+}
+
+// It lives on the stack and is known to the root while it does. Makings nest.
+class PacketTracerSm::Making {
+  public:
+    Making(PacketTracerSm& root, Vanta::String const& name) noexcept
+        : root_(root), name_(name), outer_(std::exchange(root.makings_, this)) {}
+    Making(Making const&) = delete;
+    Making& operator=(Making const&) = delete;
+    ~Making() { root_.makings_ = outer_; }
+
+    Vanta::String const& name() const noexcept { return name_; }
+    Making const* outer() const noexcept { return outer_; }
+
+  private:
+    PacketTracerSm& root_;
+    Vanta::String const& name_;
+    Making* const outer_;
+};
+
+bool PacketTracerSm::isBeingMade(Vanta::String const& name) const noexcept {
+    Making const* making = makings_;
+    while (making != nullptr && !(making->name() == name)) {
+        making = making->outer();
+    }
+    return making != nullptr;
+}
+
+void PacketTracerSm::handleClient(Vanta::String const& name) {
+    // Whoever hears of a job or a result may let the tracer go.
+    Vanta::Ptr<PacketTracerSm> const alive(this);
+    Trace::twinlog(trace, 7, "handleClient:client %s", name);
+    Entities const entities = entitiesOf(name);
+    if (!entities.complete()) {
+        clientSmDel(name);
+    } else if (clientSmHas(name) && !isBeingMade(name)) {
+        clientSmIs(name, entities);
+    } else {
+        clientSmUntilItFits(name);
+    }
+}
+
+// A new state machine handles its client's requests before it stands in the collection. Whoever
+// hears of their jobs and results may change the client, so the directories are looked at again.
+void PacketTracerSm::clientSmUntilItFits(Vanta::String const& name) {
+    Making const making(*this, name);
+    while (true) {
+        auto const client = clientSm(name);
+        Entities const entities = entitiesOf(name);
+        if (client && !(entities.complete() && entities.are(*client))) {
+            clientSmDel(name);
+        } else if (client || !entities.complete()) {
+            return;
+        } else {
+            clientSmIs(name, entities);
+        }
+    }
+}
+
+void PacketTracerSm::clientSmIs(Vanta::String const& name, Entities const& entities) {
+    clientSmIs(name, entities.config, entities.status, pktGenCfg_, made_.systemStatus, made_.fcsd,
+               made_.bridgingConfig, made_.chipStatus);
 }
 
 namespace {
@@ -217,11 +266,23 @@ namespace {
 // A client's state machine is made once; whoever replaces what it stands on removes it first.
 template <class T>
 void checkSameObject(PacketTracerClientSm const& client, std::string_view attribute,
-                     Vanta::Ptr<T> const& stored, Vanta::Ptr<T> const& given) {
-    if (!(stored == given)) {
+                     Vanta::Ptr<T> const& made, Vanta::Ptr<T> const& given) {
+    if (!(made == given)) {
         std::string const entry = "client " + std::string(client.name().view());
-        throw Kel::ReinstantiationError(client.typeInfo(), attribute, entry, stored, given);
+        throw Kel::ReinstantiationError(client.typeInfo(), attribute, entry, made, given);
     }
+}
+
+void checkSameArguments(PacketTracerClientSm const& client,
+                        PacketTracerClientSm::Arguments const& given) {
+    PacketTracerClientSm::Arguments const& made = client.arguments();
+    checkSameObject(client, "clientConfig", made.clientConfig, given.clientConfig);
+    checkSameObject(client, "clientStatus", made.clientStatus, given.clientStatus);
+    checkSameObject(client, "pktGenConfig", made.pktGenConfig, given.pktGenConfig);
+    checkSameObject(client, "systemStatus", made.systemStatus, given.systemStatus);
+    checkSameObject(client, "fcsd", made.fcsd, given.fcsd);
+    checkSameObject(client, "bridgingConfig", made.bridgingConfig, given.bridgingConfig);
+    checkSameObject(client, "chipStatus", made.chipStatus, given.chipStatus);
 }
 
 }  // namespace
@@ -235,18 +296,13 @@ Vanta::Ptr<PacketTracerClientSm> PacketTracerSm::clientSmIs(
     Vanta::Ptr<Bridging::Config const> const& bridgingConfig,
     Vanta::Ptr<VynSlice::ChipStatus const> const& chipStatus) {
     if (auto const existing = clientSm(name)) {
-        checkSameObject(*existing, "clientConfig", existing->clientConfig(), clientConfig);
-        checkSameObject(*existing, "clientStatus", existing->clientStatus(), clientStatus);
-        checkSameObject(*existing, "pktGenConfig", existing->pktGenConfig(), pktGenConfig);
-        checkSameObject(*existing, "systemStatus", existing->systemStatus(), systemStatus);
-        checkSameObject(*existing, "fcsd", existing->fcsd(), fcsd);
-        checkSameObject(*existing, "bridgingConfig", existing->bridgingConfig(), bridgingConfig);
-        checkSameObject(*existing, "chipStatus", existing->chipStatus(), chipStatus);
+        checkSameArguments(*existing, {name, clientConfig, clientStatus, pktGenConfig, systemStatus,
+                                       fcsd, bridgingConfig, chipStatus});
         return existing;
     }
     auto const made = packetTracerClientSmFactory(name, clientConfig, clientStatus, pktGenConfig,
                                                   systemStatus, fcsd, bridgingConfig, chipStatus);
-    // Its requests were handled meanwhile: whoever heard of that may have come here already.
+    // Its requests were handled meanwhile: whoever heard of that may have made another already.
     clientSm_.findOrInsert(name).value = made;
     return made;
 }

@@ -45,11 +45,15 @@ void NestedSm_LocalStatus::notifierIs(Vanta::Ptr<Vanta::Node const> const& node)
         return;
     }
     Vanta::Ptr<NestedSm_LocalStatus> const alive(this);
+    bool const owned = owner_ != nullptr;
     plainNotifierIs(status);
     if (status && !isZombie()) {
         kel_handleLocalStatus_ready();
     }
-    registeredIs(true);
+    bool const removed = owned && owner_ == nullptr;
+    if (!removed) {
+        registeredIs(true);
+    }
 }
 
 void NestedSm_LocalStatus::kel_handleLocalStatus_ready() {
@@ -123,16 +127,21 @@ void PacketTracerSm::localStatusIs(Vanta::Ptr<PktGenStatusData const> const& ent
     if (!entry) {
         throw Kel::NullArgumentError("PacketTracerSm", "localStatus");
     }
-    Vanta::Ptr<NestedSm_LocalStatus> watcher = localStatus(entry->req());
+    // Whoever hears of a result may let the tracer go, or the watcher.
+    Vanta::Ptr<PacketTracerSm> const alive(this);
+    RequestId const req = entry->req();
+    Vanta::Ptr<NestedSm_LocalStatus> watcher = localStatus(req);
     if (!watcher) {
         watcher = Vanta::makeNode<NestedSm_LocalStatus>(entry, this);
         watcher->registeredIs(true);
         watcher->hasNotificationActiveIs(true);
-        localStatus_.insert(entry->req(), watcher);
+        localStatus_.insert(LocalStatusKeyFunktor()(*watcher), watcher);
         watcher->kelDoZombieReactors(isZombie());
     } else if (!(watcher->notifier() == entry)) {
         watcher->notifierIs(entry);
-        watcher->kelDoZombieReactors(isZombie());
+        if (localStatus(req) == watcher) {
+            watcher->kelDoZombieReactors(isZombie());
+        }
     }
 }
 

@@ -495,6 +495,112 @@ TEST_F(RequestReactorTest, IsRegisteredOnceItWatchesAnotherRequest) {
     EXPECT_TRUE(reactor->registered());
 }
 
+TEST_F(RequestReactorTest, AreReadInTheOrderInWhichTheirRequestsCame) {
+    request(2);
+    request(1);
+    std::string keys;
+    for (HN_NestedSm_Request const& entry : client->request()) {
+        EXPECT_EQ(RequestKeyFunktor()(*entry.value), entry.key);
+        keys += keyText(entry.key) + " ";
+    }
+    EXPECT_EQ(keys, "noc/2 noc/1 ");
+}
+
+TEST_F(RequestReactorTest, RemovedInItsOwnCallByRequestIsStaysAsItWasRemoved) {
+    request(1);
+    auto const reactor = client->request(id("noc", 1));
+    pktGenConfig->cfgDel(id("noc", 1));
+    OnPublication const observer(pktGenConfig->publisher(),
+                                 [&](auto, auto) { client->requestDel(id("noc", 1)); });
+    auto const other = makeRequest("noc", 1, "Ethernet1");
+    client->requestIs(other);
+    EXPECT_TRUE(reactor->isZombie());
+    EXPECT_FALSE(reactor->hasNotificationActive());
+    EXPECT_EQ(after([&] {
+                  other->validIs(false);
+                  reactor->kel_handleRequest_valid();
+              }),
+              Lines{});
+}
+
+TEST_F(RequestReactorTest, RemovedInItsOwnCallByNotifierIsIsNotRegisteredAgain) {
+    auto const reactor = Vanta::makeNode<NestedSm_Request>(nullptr, client.get());
+    clientStatus->resultIs(id("noc", 1));
+    OnPublication const observer(clientStatus->publisher(),
+                                 [&](auto, auto) { reactor->ownerDel(); });
+    reactor->notifierIs(makeRequest("noc", 1, "Ethernet1"));  // withdrawn, so the result goes
+    EXPECT_FALSE(reactor->registered());
+}
+
+TEST_F(RequestReactorTest, LivesUntilTheEndOfTheCallThatRemovesIt) {
+    request(1);
+    NestedSm_Request& reactor = *client->request(id("noc", 1));
+    pktGenConfig->cfgDel(id("noc", 1));
+    auto const nodes = Vanta::Node::liveCount();
+    OnPublication const observer(pktGenConfig->publisher(), [&](auto, auto) {
+        client->requestDel(id("noc", 1));
+        EXPECT_EQ(reactor.refCount(), 1u);
+    });
+    reactor.notifierIs(makeRequest("noc", 1, "Ethernet1"));
+    // The reactor and the request that only it held have gone; a job has come.
+    EXPECT_EQ(Vanta::Node::liveCount(), nodes);
+}
+
+// ---- What is called by hand
+
+TEST_F(ClientReactionTest, InitializedAgainItRemovesStaleResultsAndHandlesEveryRequestAgain) {
+    request(1);
+    clientStatus->resultIs(id("noc", 2));
+    EXPECT_EQ(after([&] { client->handleInitialized(); }),
+              (Lines{"VynPtClientSm/7 handleInitialized:client noc",
+                     "VynPtClientSm/7 handleResults:client noc #status:1", "result del noc/2",
+                     "VynPtClientSm/7 handleRequests:client noc #request:1"} +
+               acceptedAgain(1)));
+    EXPECT_TRUE(client->requestHas(id("noc", 1)));
+}
+
+TEST_F(ClientReactionTest, ToldOfARequestByHandItHandlesItAndMakesItsReactor) {
+    client->hasNotificationActiveIs(false);
+    request(1);
+    Vanta::Subscriber nobody;
+    auto const key = id("noc", 1);
+    EXPECT_EQ(after([&] {
+                  client->clientConfigDispatch(clientConfig->publisher(), nobody, 130,
+                                               Vanta::ValueRef::to(key), {});
+              }),
+              accepted(1));
+    EXPECT_TRUE(client->requestHas(key));
+}
+
+TEST_F(ClientReactionTest, ToldOfAnotherAttributeByHandItDoesNothing) {
+    Vanta::Subscriber nobody;
+    EXPECT_EQ(after([&] {
+                  client->clientConfigDispatch(clientConfig->publisher(), nobody, 131, {}, {});
+              }),
+              Lines{});
+}
+
+TEST_F(ClientReactionTest, SwitchedOffAndOnItDoesNotCatchUp) {
+    auto const made = request(1, "Ethernet1", false);
+    client->hasNotificationActiveIs(false);
+    made->validIs(true);
+    request(2);
+    EXPECT_EQ(after([&] { client->hasNotificationActiveIs(true); }), Lines{});
+    EXPECT_FALSE(client->requestHas(id("noc", 2)));
+    EXPECT_EQ(after([&] { client->handleRequests(); }),
+              (Lines{"VynPtClientSm/7 handleRequests:client noc #request:2"} + accepted(1) +
+               accepted(2)));
+}
+
+TEST_F(ClientReactionTest, TheMarkTakenAwaySwitchesReactorsOnWhateverItsOwnNotificationsAre) {
+    auto const made = request(1);
+    client->hasNotificationActiveIs(false);
+    client->kelDoZombieReactors(true);
+    client->kelDoZombieReactors(false);
+    EXPECT_FALSE(client->hasNotificationActive());
+    EXPECT_EQ(after([&] { made->validIs(false); }).size(), 2u);
+}
+
 // ---- Releasing the client from inside a notification
 
 class ClientReleaseTest : public ClientReactionTest {
@@ -549,6 +655,15 @@ TEST_F(ClientReleaseTest, MayHappenWhileARequestIsReplaced) {
     pktGenConfig->cfgDel(id("noc", 1));
     auto const observer = releaseAt(pktGenConfig->publisher());
     request(1);
+    EXPECT_EQ(clientConfig->refCount(), 1u);
+}
+
+TEST_F(ClientReleaseTest, MayHappenInRequestIs) {
+    request(1);
+    pktGenConfig->cfgDel(id("noc", 1));
+    auto const observer = releaseAt(pktGenConfig->publisher());
+    PacketTracerClientSm& held = *client;
+    EXPECT_EQ(after([&] { held.requestIs(makeRequest("noc", 1, "Ethernet1")); }), accepted(1));
     EXPECT_EQ(clientConfig->refCount(), 1u);
 }
 

@@ -313,7 +313,87 @@ TEST_F(WatcherTest, KeepsItsOwnerWhileTheOwnerIsOnlyMarkedTornDown) {
               (Lines{relayed("noc/1"), updated("1", false)}));
 }
 
+TEST_F(WatcherTest, AreReadInTheOrderInWhichTheirEntriesCame) {
+    answer(2);
+    answer(1);
+    std::string keys;
+    for (auto const& entry : tracer->localStatus()) {
+        EXPECT_EQ(LocalStatusKeyFunktor()(*entry.value), entry.key);
+        keys += keyText(entry.key) + " ";
+    }
+    EXPECT_EQ(keys, "noc/2 noc/1 ");
+}
+
+TEST_F(WatcherTest, RemovedInItsOwnCallByLocalStatusIsStaysAsItWasRemoved) {
+    request(1);
+    answer(1)->readyIs(true);
+    auto const watcher = tracer->localStatus(id("noc", 1));
+    statusOf("noc")->resultDel(id("noc", 1));
+    OnPublication const observer(statusOf("noc")->publisher(),
+                                 [&](auto, auto) { tracer->localStatusDel(id("noc", 1)); });
+    auto const other = pktGenStatusDataFactory(id("noc", 1));
+    tracer->localStatusIs(other);
+    EXPECT_TRUE(watcher->isZombie());
+    EXPECT_FALSE(watcher->hasNotificationActive());
+    EXPECT_EQ(after([&] {
+                  other->readyIs(true);
+                  watcher->kel_handleLocalStatus_ready();
+              }),
+              (Lines{"status ready noc/1 true"}));
+}
+
+TEST_F(WatcherTest, RemovedInItsOwnCallByNotifierIsIsNotRegisteredAgain) {
+    auto const watcher = watcherOf(nullptr, tracer.get());
+    recorder.onTrace = [&] { watcher->ownerDel(); };
+    watcher->notifierIs(loose(1));
+    EXPECT_FALSE(watcher->registered());
+}
+
+TEST_F(WatcherTest, TheTracerMayBeReleasedInLocalStatusIs) {
+    request(1);
+    answer(1)->readyIs(true);
+    statusOf("noc")->resultDel(id("noc", 1));
+    OnPublication const observer(statusOf("noc")->publisher(),
+                                 [&](auto, auto) { tracer = nullptr; });
+    PacketTracerSm& root = *tracer;
+    root.localStatusIs(loose(1));
+    EXPECT_EQ(config->refCount(), 1u);
+}
+
 // ---- The collection of answers
+
+TEST_F(RelayTest, ToldOfAnAnswerByHandItRelaysAndWatchesIt) {
+    auto const made = answer(1);
+    tracer->localStatusDel(id("noc", 1));
+    Vanta::Subscriber nobody;
+    auto const& publisher = tracer->pktGenStatus()->publisher();
+    EXPECT_EQ(after([&] {
+                  tracer->pktGenStatusDispatch(publisher, nobody, 130,
+                                               Vanta::ValueRef::to(made->req()), {});
+              }),
+              (Lines{relayed("noc/1"), updated("1", false)}));
+    EXPECT_TRUE(isWatched(1));
+    EXPECT_EQ(after([&] { tracer->pktGenStatusDispatch(publisher, nobody, 131, {}, {}); }),
+              Lines{});
+}
+
+TEST_F(RelayTest, SwitchedOffAndOnItDoesNotCatchUpWithTheAnswers) {
+    auto const gone = answer(1);
+    auto const late = answer(2);
+    tracer->hasNotificationActiveIs(false);
+    tracer->pktGenStatus()->statusDel(id("noc", 1));
+    late->readyIs(true);
+    auto const came = answer(3);
+    EXPECT_EQ(after([&] {
+                  tracer->hasNotificationActiveIs(true);
+                  came->readyIs(true);
+              }),
+              (Lines{"status ready noc/3 true"}));
+    EXPECT_TRUE(isWatched(1));
+    EXPECT_FALSE(isWatched(3));
+    EXPECT_EQ(first(after([&] { tracer->handlePktGenStatus(id("noc", 2)); })), relayed("noc/2"));
+    EXPECT_TRUE(result(2));
+}
 
 TEST_F(RelayTest, TheAnswersAreKeptByPktGenStatusIs) {
     auto const answers = tracer->pktGenStatus();

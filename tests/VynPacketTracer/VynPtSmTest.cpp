@@ -183,6 +183,81 @@ TEST_F(PacketTracerSmTest, ReactsToTheEntriesOfItsDirectoriesAlone) {
               Lines{});
 }
 
+// ---- What is called by hand
+
+TEST_F(RunningTracerTest, InitializedAgainItLeavesAloneWhatIsThere) {
+    client("noc");
+    auto const engine = tracer->pktGenSm();
+    auto const jobs = tracer->pktGenCfg();
+    auto const answers = tracer->pktGenStatus();
+    auto const noc = clientSm("noc");
+    EXPECT_EQ(after([&] { tracer->handleInitialized(); }),
+              (Lines{"VynPtSm/7 handleInitialized:pktTracerSupported:true pktGenSupportedtrue",
+                     "VynPtSm/7 handleClients:", handled("noc")}));
+    EXPECT_EQ(tracer->pktGenSm(), engine);
+    EXPECT_EQ(tracer->pktGenCfg(), jobs);
+    EXPECT_EQ(tracer->pktGenStatus(), answers);
+    EXPECT_EQ(clientSm("noc"), noc);
+    EXPECT_TRUE(tracer->initialized());
+}
+
+TEST_F(RunningTracerTest, InitializedAgainItMakesWhatIsMissing) {
+    client("noc");
+    tracer->clientSmDel("noc");
+    tracer->pktGenSmDel();
+    tracer->pktGenStatusDel();
+    tracer->handleInitialized();
+    ASSERT_TRUE(tracer->pktGenSm());
+    EXPECT_TRUE(tracer->pktGenSm()->hasNotificationActive());
+    EXPECT_EQ(tracer->pktGenSm()->status(), tracer->pktGenStatus());
+    EXPECT_TRUE(clientSm("noc"));
+}
+
+TEST_F(RunningTracerTest, InitializedAgainWithOtherJobsItRaisesForAClientThatIsThere) {
+    client("noc");
+    tracer->pktGenCfgDel();
+    EXPECT_THROW(tracer->handleInitialized(), Kel::ReinstantiationError);
+}
+
+TEST_F(RunningTracerTest, ToldOfAClientByHandItHandlesTheClient) {
+    Vanta::Subscriber nobody;
+    Vanta::String const name("noc");
+    auto const key = Vanta::ValueRef::to(name);
+    EXPECT_EQ(after([&] { tracer->configDispatch(config->publisher(), nobody, 266, key, {}); }),
+              (Lines{handled("noc")}));
+    EXPECT_EQ(after([&] { tracer->statusDispatch(status->publisher(), nobody, 266, key, {}); }),
+              (Lines{handled("noc")}));
+    EXPECT_EQ(after([&] {
+                  tracer->configDispatch(config->publisher(), nobody, 130, {}, {});
+                  tracer->statusDispatch(status->publisher(), nobody, 130, {}, {});
+              }),
+              Lines{});
+}
+
+TEST_F(RunningTracerTest, ItsClientsAreReadInTheOrderInWhichTheyCame) {
+    client("ops");
+    client("noc");
+    std::string names;
+    for (auto const& entry : tracer->clientSm()) {
+        names += std::string(entry.value->name().view()) + " ";
+    }
+    EXPECT_EQ(names, "ops noc ");
+    EXPECT_TRUE(tracer->clientSmHas("noc"));
+    EXPECT_FALSE(tracer->clientSmHas("dev"));
+}
+
+TEST_F(RunningTracerTest, SwitchedOffAndOnItDoesNotCatchUpWithTheClients) {
+    client("ops");
+    tracer->hasNotificationActiveIs(false);
+    client("noc");
+    config->entryDel("ops");
+    EXPECT_EQ(after([&] { tracer->hasNotificationActiveIs(true); }).size(), 0u);
+    EXPECT_TRUE(clientSm("ops"));
+    EXPECT_FALSE(clientSm("noc"));
+    tracer->handleClient("ops");
+    EXPECT_FALSE(clientSm("ops"));
+}
+
 // ---- A beginning that fails
 
 // Two clients have a request of the same id with different packets: the second one's job fails.
