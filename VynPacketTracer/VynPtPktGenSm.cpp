@@ -1,6 +1,9 @@
 #include "VynPacketTracer/VynPtPktGenSm.h"
 
+#include <utility>
+
 #include "Trace/Trace.h"
+#include "Vanta/Assert.h"
 
 namespace VynPacketTracer {
 
@@ -22,8 +25,12 @@ Vanta::Ptr<PktGenSm> PktGenSm::PktGenSmIs(
     bool pktTracerSupported, Vanta::Ptr<VyResourceInfo::VyResourceInfoIntf> const& resourceInfoIntf,
     Vanta::Ptr<VyPd::VyPdIntf> const& vyPdIntf,
     Vanta::Ptr<Orb::TaskSchedulerRoot> const& rootScheduler) {
-    return Vanta::makeNode<PktGenSm>(config, phase0DataIntf, status, sessionHandle, deviceId,
-                                     pktTracerSupported, resourceInfoIntf, vyPdIntf, rootScheduler);
+    return PktGenSmIs({config, phase0DataIntf, status, sessionHandle, deviceId, pktTracerSupported,
+                       resourceInfoIntf, vyPdIntf, rootScheduler});
+}
+
+Vanta::Ptr<PktGenSm> PktGenSm::PktGenSmIs(Arguments args) {
+    return Vanta::makeNode<PktGenSm>(std::move(args));
 }
 
 Vanta::Ptr<PktGenSm> pktGenSmFactory(
@@ -37,23 +44,12 @@ Vanta::Ptr<PktGenSm> pktGenSmFactory(
                                 pktTracerSupported, resourceInfoIntf, vyPdIntf, rootScheduler);
 }
 
-PktGenSm::PktGenSm(Vanta::Ptr<PktGenConfig> const& config,
-                   Vanta::Ptr<VynSdk::Phase0DataIntf> const& phase0DataIntf,
-                   Vanta::Ptr<PktGenStatus> const& status, std::uint32_t sessionHandle,
-                   VynId::VynDevId deviceId, bool pktTracerSupported,
-                   Vanta::Ptr<VyResourceInfo::VyResourceInfoIntf> const& resourceInfoIntf,
-                   Vanta::Ptr<VyPd::VyPdIntf> const& vyPdIntf,
-                   Vanta::Ptr<Orb::TaskSchedulerRoot> const& rootScheduler)
-    : config_(config),
-      phase0DataIntf_(phase0DataIntf),
-      status_(status),
-      sessionHandle_(sessionHandle),
-      deviceId_(deviceId),
-      pktTracerSupported_(pktTracerSupported),
-      resourceInfoIntf_(resourceInfoIntf),
-      vyPdIntf_(vyPdIntf),
-      rootScheduler_(rootScheduler),
-      learnQuantaIndex_(VyResourceInfo::VyResourceInfoIndexInvalid) {
+PktGenSm::PktGenSm(Arguments args) : args_(std::move(args)) {
+    Vanta::assertThat(args_.config != nullptr, "config != nullptr");
+    Vanta::assertThat(args_.phase0DataIntf != nullptr, "phase0DataIntf != nullptr");
+    Vanta::assertThat(args_.status != nullptr, "status != nullptr");
+    Vanta::assertThat(args_.vyPdIntf != nullptr, "vyPdIntf != nullptr");
+    Vanta::assertThat(args_.rootScheduler != nullptr, "rootScheduler != nullptr");
     connectReactors();
     try {
         handleInitialized();
@@ -73,23 +69,27 @@ PktGenSm::~PktGenSm() {
 
 void PktGenSm::handleInitialized() {
     Trace::twinlog(trace, 7, "handleInitialized:");
+    if (initialized_) {
+        return;
+    }
     initialized_ = true;
     pktId_ = 0;
     appId_ = traceAppId;
     taskName_ = "pktGenWorker";
     stateIs(PktGenState::idle);
-    pktTracerDigestEntrySize_ = vyPdIntf_->digestEntrySize(digestName);
+    pktTracerDigestEntrySize_ = args_.vyPdIntf->digestEntrySize(digestName);
     learnQuantaIndex_ = VyResourceInfo::VyResourceInfoIndexInvalid;
-    if (pktTracerSupported_) {
+    if (args_.pktTracerSupported) {
         initSocket();
         registerPktTracerDigest();
     }
-    taskIs(rootScheduler_, taskPriority, taskName_);
+    taskIs(args_.rootScheduler, taskPriority, taskName_);
     scheduleTask();
 }
 
 Vanta::Ptr<Orb::Task> PktGenSm::taskIs(Vanta::Ptr<Orb::TaskSchedulerRoot> const& scheduler,
                                        Orb::TaskPriority priority, Vanta::String const& name) {
+    Vanta::assertThat(scheduler != nullptr, "scheduler != nullptr");
     if (task_) {
         task_->priorityIs(priority);
         if (task_->scheduler() == scheduler && task_->name() == name) {
@@ -131,27 +131,31 @@ void PktGenSm::hasNotificationActiveIs(bool on) {
 
 // Connects what has a source and is not connected.
 void PktGenSm::connectReactors() {
-    if (config_ && !configSubscriber_.subscribed()) {
+    if (!configSubscriber_.subscribed()) {
         configSubscriber_.subscribe<&PktGenSm::jobChanged, PktGenConfig::cfgAttribute>(
-            config_->publisher(), this);
+            args_.config->publisher(), this);
     }
-    if (phase0DataIntf_ && !phase0Subscriber_.subscribed()) {
+    if (!phase0Subscriber_.subscribed()) {
         phase0Subscriber_
             .subscribe<&PktGenSm::phase0Answered, VynSdk::Phase0DataIntf::responseAttribute>(
-                phase0DataIntf_->publisher(), this);
+                args_.phase0DataIntf->publisher(), this);
     }
     connectTask();
-    if (rSocketIn_ && !socketSubscriber_.subscribed()) {
-        socketSubscriber_
-            .subscribe<&PktGenSm::digestReadable, Orb::FileDescriptor::readableAttribute>(
-                rSocketIn_->publisher(), this);
-    }
+    connectSocket();
 }
 
 void PktGenSm::connectTask() {
     if (task_ && !taskSubscriber_.subscribed()) {
         taskSubscriber_.subscribe<&PktGenSm::taskRuns, Orb::Task::runAttribute>(task_->publisher(),
                                                                                 this);
+    }
+}
+
+void PktGenSm::connectSocket() {
+    if (rSocketIn_ && !socketSubscriber_.subscribed()) {
+        socketSubscriber_
+            .subscribe<&PktGenSm::digestReadable, Orb::FileDescriptor::readableAttribute>(
+                rSocketIn_->publisher(), this);
     }
 }
 
@@ -197,8 +201,13 @@ RequestId const& PktGenSm::curReq() const noexcept {
     return curCfg_ ? curCfg_->req() : none;
 }
 
+Vanta::Ptr<PktGenCfgData> const& PktGenSm::curJob() const noexcept {
+    Vanta::assertThat(curCfg_ != nullptr, "curCfg != nullptr");
+    return curCfg_;
+}
+
 void PktGenSm::handleConfig(RequestId const& requestId) {
-    bool const present = config_->cfgHas(requestId);
+    bool const present = args_.config->cfgHas(requestId);
     Trace::twinlog(trace, 7, "handleConfig:clientName:%s reqId:%s add:%s", requestId.clientName(),
                    requestId.number(), present);
     if (!present) {
@@ -208,7 +217,7 @@ void PktGenSm::handleConfig(RequestId const& requestId) {
                            requestId.clientName(), requestId.number());
             stateIs(PktGenState::error);
         } else {
-            status_->statusDel(requestId);
+            args_.status->statusDel(requestId);
         }
     }
     scheduleTask();
@@ -259,7 +268,7 @@ bool PktGenSm::workOnState(bool& done) {
 bool PktGenSm::processRequest() {
     Trace::twinlog(trace, 7, "processRequest:");
     // The first of the jobs, in their order, that has no answer; found without a walk past the others.
-    auto const pending = config_->firstPending(*status_);
+    auto const pending = args_.config->firstPending(*args_.status);
     if (!pending) {
         return true;
     }
@@ -269,9 +278,10 @@ bool PktGenSm::processRequest() {
 }
 
 void PktGenSm::processError() {
-    Trace::twinlog(trace, 7, "processError:clientName:%s reqId:%s", curReq().clientName(),
-                   curReq().number());
-    status_->statusDel(curReq());
+    auto const job = curJob();
+    Trace::twinlog(trace, 7, "processError:clientName:%s reqId:%s", job->req().clientName(),
+                   job->req().number());
+    args_.status->statusDel(job->req());
     if (!released()) {
         disablePktGen();
     }

@@ -1,19 +1,25 @@
 // The packet-generator engine: it turns jobs (PktGenConfig) into answers (PktGenStatus), one at a
 // time, on its own cooperative task.
 //
-//   state             entered by                  what the task does   ways out
-//   init              constructor                 waits                idle
-//   idle              set-up, disablePktGen       processRequest       waitPhase0Data
-//   waitPhase0Data    getPhase0Data               waits                phase0DataReady, error
-//   phase0DataReady   processPhase0DataResponse   sendPkt              waitPktSent, error
-//   waitPktSent       sendPkt                     checkPktCnt          reset, error
-//   reset             checkPktCnt                 disablePktGen        idle, error
-//   error             a failed step               processError         idle
+//   state             entered by                what the task does   ways out
+//   init              constructor               waits                idle
+//   idle              set-up, disablePktGen     processRequest       waitPhase0Data
+//   waitPhase0Data    getPhase0Data             waits                phase0DataReady
+//   phase0DataReady   a phase-0 answer          sendPkt              waitPktSent, error
+//   waitPktSent       sendPkt                   checkPktCnt          reset, error
+//   reset             checkPktCnt               disablePktGen        idle, error
+//   error             a failed step             processError         idle
 //
-// handleConfig forces any state but idle to error when the job in work is withdrawn, and a phase-0
-// answer with status 0 forces any state to phase0DataReady. No wait has a limit and a job that
-// failed is tried again for as long as it exists. The trace digest is handled whatever the state:
-// it completes the answer that carries its packet id, whenever it comes.
+// These come in any state, as soon as there has been a job:
+//
+//   what comes                            next state        but
+//   a phase-0 answer of status 0          phase0DataReady
+//   a phase-0 answer of another status    error             phase0DataReady from waitPhase0Data
+//   the withdrawal of the job in work     error             idle stays, and the answer is deleted
+//
+// No wait has a limit and a job that failed is tried again for as long as it exists. The trace digest
+// is handled whatever the state: it completes the answer that carries its packet id, whenever it
+// comes.
 //
 // An engine that is released inside its own run (nobody but its dispatchers holds it any more) stops
 // there: it calls the chip no more, asks for no phase-0 data, and changes, schedules and traces
@@ -44,7 +50,8 @@ namespace VynPacketTracer {
 
 // The SDK's callback for the trace digest: relays one learn message to the event thread through the
 // engine's socket pair, with one send, and acknowledges it also when the send failed. The cookie is
-// the engine. Returns the acknowledgement's status. Thread: the SDK's.
+// the engine. Returns the acknowledgement's status. Preconditions: neither message nor cookie is
+// null, and the engine has its digest registered. Thread: the SDK's.
 VYN_EXPORT p4_pd_status_t rcvPktTracerLearningDigest(p4_pd_sess_hdl_t session,
                                                      pipe_flow_lrn_msg_t* message, void* cookie);
 
@@ -57,8 +64,26 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
     // The most bytes of entries that one message may have.
     static constexpr std::uint32_t digestBufferSize = 4096;
 
+    // What an engine is made of.
+    struct Arguments {
+        Vanta::Ptr<PktGenConfig> config;
+        Vanta::Ptr<VynSdk::Phase0DataIntf> phase0DataIntf;
+        Vanta::Ptr<PktGenStatus> status;
+        std::uint32_t sessionHandle;
+        VynId::VynDevId deviceId;
+        bool pktTracerSupported;
+        Vanta::Ptr<VyResourceInfo::VyResourceInfoIntf> resourceInfoIntf;
+        Vanta::Ptr<VyPd::VyPdIntf> vyPdIntf;
+        Vanta::Ptr<Orb::TaskSchedulerRoot> rootScheduler;
+
+        // Objects are compared by identity.
+        bool operator==(Arguments const&) const = default;
+    };
+
     // A running engine. Without `pktTracerSupported` it has no digest channel. Ends the process if
-    // the socket pair cannot be made or the digest cannot be registered.
+    // the socket pair cannot be made or the digest cannot be registered. Errors: std::bad_alloc,
+    // and what the layout or the resources raise; nothing is then left behind.
+    // Preconditions: no argument is null but `resourceInfoIntf`, which only the digest channel asks.
     static Vanta::Ptr<PktGenSm> PktGenSmIs(
         Vanta::Ptr<PktGenConfig> const& config,
         Vanta::Ptr<VynSdk::Phase0DataIntf> const& phase0DataIntf,
@@ -67,52 +92,98 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
         Vanta::Ptr<VyResourceInfo::VyResourceInfoIntf> const& resourceInfoIntf,
         Vanta::Ptr<VyPd::VyPdIntf> const& vyPdIntf,
         Vanta::Ptr<Orb::TaskSchedulerRoot> const& rootScheduler);
+    static Vanta::Ptr<PktGenSm> PktGenSmIs(Arguments args);
 
-    // Connects (true) or disconnects all four reactors: jobs, phase-0 answers, task, digest socket.
+    // Connects (true) or disconnects all four reactors: jobs, phase-0 answers, task, digest socket. A
+    // new engine is connected. Connecting makes up for nothing that went unheard: a job that came
+    // waits for a run that something else schedules, a withdrawn one keeps its answer, a phase-0
+    // answer that was awaited stays awaited, and a run that came up is lost. Digests alone are kept, in
+    // the socket.
     void hasNotificationActiveIs(bool on);
 
     // Marks the engine as torn down (true) or not: torn down, its reactors ignore what they hear.
     void kelDoZombieReactors(bool on) noexcept { zombieFlagIs(on); }
 
-    // Reactors.
+    // ---- The reactors
+
+    // The job of a request came, or went: deletes the answer of one that went, unless it is in work,
+    // which is an error. Schedules the task.
     void handleConfig(PacketTracer::RequestId const& requestId);
+    // The phase-0 answer for an interface came, or went. Schedules the task.
+    void processPhase0DataResponse(Plexa::IntfId const& intfId);
     // Reads one message of the digest socket and completes the answers of its entries. Ends the
     // process at a field that has another width than it must have, or that does not lie inside its
-    // entry. Entries of no bytes are passed over.
+    // entry. Entries of no bytes are passed over. Precondition: there is a socket pair.
     void processPktTracerDigest();
-    void processPhase0DataResponse(Plexa::IntfId const& intfId);
+    // One run of the task: takes steps until one changes no state or the task should yield, and
+    // schedules the task unless there is nothing to do. Outside of a run it does nothing.
     void doWork();
 
-    // The steps of one job. processRequest() is true when there is nothing to do.
+    // ---- The steps of one job
+
+    // Begins with the first job without an answer; true when there is none.
     bool processRequest();
+
+    // Precondition of each of these: there has been a job, `curCfg`.
+    //
+    // Asks for the phase-0 data of the job's interface.
     void getPhase0Data();
+    // Reads the generator's counter in the job's pipe; 0 on success, as the chip says it.
     p4_pd_status_t getPktCounters(std::uint64_t& count);
+    // Injects the job's packet, makes its answer, and withdraws the phase-0 request.
     void sendPkt();
+    // Looks whether the counter has moved since.
     void checkPktCnt();
+    // Switches the generator off.
     void disablePktGen();
+    // Deletes the job's answer and switches the generator off.
     void processError();
 
-    // The task of this scheduler and name, with this priority, made (and worked once) if the one
-    // that is there is another. A replaced task is unscheduled and calls no one any more.
+    // ---- Set-up and clean-up. The constructor and the destructor do all of it.
+
+    // Sets the engine up, once: a second call only traces that it was made.
+    void handleInitialized();
+    // Makes the digest's socket pair; an engine that has one keeps it. Ends the process if the system
+    // refuses. Errors: std::bad_alloc, std::system_error; there is no socket pair then.
+    void initSocket();
+    // Has the chip call rcvPktTracerLearningDigest with the trace digest; a digest that is registered
+    // stays so. Ends the process if the program does not have the digest or the chip refuses.
+    // Preconditions: `resourceInfoIntf` is not null; there is a socket pair.
+    void registerPktTracerDigest();
+    // Ends that; nothing happens if there is nothing to end.
+    void deRegisterPktTracerDigest();
+    // Ends the digest's registration, then closes both ends of the socket pair. A second call does
+    // nothing. initSocket() and registerPktTracerDigest() make a new channel.
+    void doCleanup() noexcept;
+
+    // ---- The task
+
+    // The task of this scheduler and name, with this priority. One that is there is kept, in this
+    // priority, if it has both; otherwise a new one is made in its place, and doWork() called, which
+    // outside of a run only traces that. A replaced task is unscheduled and calls no one any more.
+    // Precondition: the scheduler is not null. Errors: std::bad_alloc; there is no task then.
     Vanta::Ptr<Orb::Task> taskIs(Vanta::Ptr<Orb::TaskSchedulerRoot> const& scheduler,
                                  Orb::TaskPriority priority, Vanta::String const& name);
-    // Takes the task out, unscheduled; the engine then does no work.
+    // Takes the task out, unscheduled, and returns it, or null; the engine then does no work.
     Vanta::Ptr<Orb::Task> taskDel();
 
-    Vanta::Ptr<PktGenConfig> const& config() const noexcept { return config_; }
+    // ---- What it was made of, and how it stands
+
+    Arguments const& arguments() const noexcept { return args_; }
+    Vanta::Ptr<PktGenConfig> const& config() const noexcept { return args_.config; }
     Vanta::Ptr<VynSdk::Phase0DataIntf> const& phase0DataIntf() const noexcept {
-        return phase0DataIntf_;
+        return args_.phase0DataIntf;
     }
-    Vanta::Ptr<PktGenStatus> const& status() const noexcept { return status_; }
-    std::uint32_t sessionHandle() const noexcept { return sessionHandle_; }
-    VynId::VynDevId deviceId() const noexcept { return deviceId_; }
-    bool pktTracerSupported() const noexcept { return pktTracerSupported_; }
+    Vanta::Ptr<PktGenStatus> const& status() const noexcept { return args_.status; }
+    std::uint32_t sessionHandle() const noexcept { return args_.sessionHandle; }
+    VynId::VynDevId deviceId() const noexcept { return args_.deviceId; }
+    bool pktTracerSupported() const noexcept { return args_.pktTracerSupported; }
     Vanta::Ptr<VyResourceInfo::VyResourceInfoIntf> const& resourceInfoIntf() const noexcept {
-        return resourceInfoIntf_;
+        return args_.resourceInfoIntf;
     }
-    Vanta::Ptr<VyPd::VyPdIntf> const& vyPdIntf() const noexcept { return vyPdIntf_; }
+    Vanta::Ptr<VyPd::VyPdIntf> const& vyPdIntf() const noexcept { return args_.vyPdIntf; }
     Vanta::Ptr<Orb::TaskSchedulerRoot> const& rootScheduler() const noexcept {
-        return rootScheduler_;
+        return args_.rootScheduler;
     }
     Vanta::Ptr<Orb::Task> const& task() const noexcept { return task_; }
     Vanta::String const& taskName() const noexcept { return taskName_; }
@@ -128,6 +199,7 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
         return socketPairReadFileDesc_;
     }
     Vanta::Ptr<Orb::FileDescriptor const> const& rSocketIn() const noexcept { return rSocketIn_; }
+    // 0 until the set-up makes it the invalid one; a valid one as soon as the digest is registered.
     std::uint32_t learnQuantaIndex() const noexcept { return learnQuantaIndex_; }
     std::uint32_t pktTracerDigestEntrySize() const noexcept { return pktTracerDigestEntrySize_; }
     bool initialized() const noexcept { return initialized_; }
@@ -139,23 +211,12 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
     friend p4_pd_status_t rcvPktTracerLearningDigest(p4_pd_sess_hdl_t session,
                                                      pipe_flow_lrn_msg_t* message, void* cookie);
 
-    PktGenSm(Vanta::Ptr<PktGenConfig> const& config,
-             Vanta::Ptr<VynSdk::Phase0DataIntf> const& phase0DataIntf,
-             Vanta::Ptr<PktGenStatus> const& status, std::uint32_t sessionHandle,
-             VynId::VynDevId deviceId, bool pktTracerSupported,
-             Vanta::Ptr<VyResourceInfo::VyResourceInfoIntf> const& resourceInfoIntf,
-             Vanta::Ptr<VyPd::VyPdIntf> const& vyPdIntf,
-             Vanta::Ptr<Orb::TaskSchedulerRoot> const& rootScheduler);
+    explicit PktGenSm(Arguments args);
     ~PktGenSm() override;
-
-    void handleInitialized();
-    void initSocket();
-    void doCleanup() noexcept;
-    void registerPktTracerDigest();
-    void deRegisterPktTracerDigest();
 
     void connectReactors();
     void connectTask();
+    void connectSocket();
     void disconnectReactors() noexcept;
     void jobChanged(Vanta::Change const& change);
     void phase0Answered(Vanta::Change const& change);
@@ -186,7 +247,10 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
     void inject(PktGenCfgData const& job);
     // The request of the job in work; before the first one an empty id.
     PacketTracer::RequestId const& curReq() const noexcept;
-    std::uint32_t curPipe() const noexcept { return curCfg_->ingPortInfo().pipe(); }
+    // The job in work. Precondition: there is one.
+    Vanta::Ptr<PktGenCfgData> const& curJob() const noexcept;
+    std::uint32_t curPipe() const noexcept { return curJob()->ingPortInfo().pipe(); }
+    bool hasSocket() const noexcept;
 
     struct DigestBytes;
     struct DigestEntry;
@@ -197,15 +261,7 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
     Unsigned digestField(DigestBytes const& bytes, std::string_view field,
                          std::string_view shortName) const;
 
-    Vanta::Ptr<PktGenConfig> const config_;
-    Vanta::Ptr<VynSdk::Phase0DataIntf> const phase0DataIntf_;
-    Vanta::Ptr<PktGenStatus> const status_;
-    std::uint32_t const sessionHandle_;
-    VynId::VynDevId const deviceId_;
-    bool const pktTracerSupported_;
-    Vanta::Ptr<VyResourceInfo::VyResourceInfoIntf> const resourceInfoIntf_;
-    Vanta::Ptr<VyPd::VyPdIntf> const vyPdIntf_;
-    Vanta::Ptr<Orb::TaskSchedulerRoot> const rootScheduler_;
+    Arguments const args_;
     Vanta::Ptr<Orb::Task> task_;
     Vanta::String taskName_;
     PktGenState state_ = PktGenState::init;
@@ -220,6 +276,7 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
     std::uint32_t digestHandle_ = 0;
     std::uint32_t pktTracerDigestEntrySize_ = 0;
     bool initialized_ = false;
+    bool digestRegistered_ = false;
     std::uint32_t reactions_ = 0;  // dispatchers under way
 
     Vanta::Subscriber configSubscriber_;

@@ -12,6 +12,7 @@
 #include <cstring>
 #include <optional>
 #include <span>
+#include <utility>
 
 #include "Trace/Trace.h"
 #include "Vanta/Assert.h"
@@ -31,6 +32,23 @@ struct __attribute__((packed)) DigestHeader {
 };
 static_assert(sizeof(DigestHeader) == 10);
 
+// A descriptor that is closed unless somebody else takes it over.
+class OwnDescriptor {
+  public:
+    explicit OwnDescriptor(int number) noexcept : number_(number) {}
+    OwnDescriptor(OwnDescriptor const&) = delete;
+    OwnDescriptor& operator=(OwnDescriptor const&) = delete;
+    ~OwnDescriptor() {
+        if (number_ != -1) {
+            ::close(number_);
+        }
+    }
+    int release() noexcept { return std::exchange(number_, -1); }
+
+  private:
+    int number_;
+};
+
 // What set-up cannot go on without.
 void checkSocketCall(int rval, Trace::Format<2> message) {
     if (rval != 0) {
@@ -41,53 +59,65 @@ void checkSocketCall(int rval, Trace::Format<2> message) {
 
 }  // namespace
 
+bool PktGenSm::hasSocket() const noexcept {
+    return socketPairReadFileDesc_ && socketPairReadFileDesc_->descriptor() != -1;
+}
+
 void PktGenSm::initSocket() {
     Trace::twinlog(trace, 9, "initSocket:PktGenSm initSocket");
+    if (hasSocket()) {
+        return;
+    }
     int descriptors[2];
     checkSocketCall(::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, descriptors),
                     "initSocket:socketpairt rval:%s %s");
+    OwnDescriptor writeEnd(descriptors[0]);
+    OwnDescriptor readEnd(descriptors[1]);
     for (int const descriptor : descriptors) {
         checkSocketCall(::fcntl(descriptor, F_SETFL, O_NONBLOCK), "initSocket:fcntl rval:%s %s");
     }
     checkSocketCall(
         ::setsockopt(descriptors[0], SOL_SOCKET, SO_SNDBUF, &sendBufferSize, sizeof sendBufferSize),
         "initSocket:setsockopt rval:%s %s");
-    socketPairWriteDesc_ = descriptors[0];
-    try {
-        socketPairReadFileDesc_ = Orb::FileDescriptor::FileDescriptorIs(
-            rootScheduler_, descriptors[1], "Packet tracer digest");
-    } catch (...) {
-        ::close(descriptors[1]);
-        throw;
-    }
-    socketPairReadFileDesc_->nonBlockingIs(true);
-    socketPairReadFileDesc_->notifyOnReadableIs(true);
-    rSocketIn_ = socketPairReadFileDesc_;
-    connectReactors();
+    auto const readable = Orb::FileDescriptor::FileDescriptorIs(args_.rootScheduler, descriptors[1],
+                                                                "Packet tracer digest");
+    readEnd.release();
+    readable->nonBlockingIs(true);
+    readable->notifyOnReadableIs(true);
+    socketPairWriteDesc_ = writeEnd.release();
+    socketPairReadFileDesc_ = readable;
+    rSocketIn_ = readable;
+    socketSubscriber_.unsubscribe();
+    connectSocket();
 }
 
 void PktGenSm::registerPktTracerDigest() {
     Trace::twinlog(trace, 9, "registerPktTracerDigest:");
-    learnQuantaIndex_ = resourceInfoIntf_->vyLearnQuantaIndex(digestName);
+    if (digestRegistered_) {
+        return;
+    }
+    Vanta::assertThat(args_.resourceInfoIntf != nullptr, "resourceInfoIntf != nullptr");
+    learnQuantaIndex_ = args_.resourceInfoIntf->vyLearnQuantaIndex(digestName);
     Vanta::assertThat(learnQuantaIndex_ != VyResourceInfo::VyResourceInfoIndexInvalid,
                       "index != VyResourceInfoIndexInvalid");
-    digestHandle_ = resourceInfoIntf_->vyLearnQuanta(learnQuantaIndex_);
+    digestHandle_ = args_.resourceInfoIntf->vyLearnQuanta(learnQuantaIndex_);
     p4_pd_status_t const rval = pipe_mgr_lrn_digest_notification_register(
-        sessionHandle_, deviceId_, digestHandle_, rcvPktTracerLearningDigest, this);
+        args_.sessionHandle, args_.deviceId, digestHandle_, rcvPktTracerLearningDigest, this);
     if (rval != 0) {
         Trace::twinlog(trace, 1, "registerPktTracerDigest:failed to initialize digest, error: %s",
                        rval);
         Vanta::assertionFailed("false");
     }
+    digestRegistered_ = true;
     Trace::twinlog(trace, 4, "registerPktTracerDigest:pktTracerDigest registered");
 }
 
 void PktGenSm::deRegisterPktTracerDigest() {
-    if (learnQuantaIndex_ == VyResourceInfo::VyResourceInfoIndexInvalid) {
+    if (!std::exchange(digestRegistered_, false)) {
         return;
     }
-    p4_pd_status_t const rval =
-        pipe_mgr_lrn_digest_notification_deregister(sessionHandle_, deviceId_, digestHandle_);
+    p4_pd_status_t const rval = pipe_mgr_lrn_digest_notification_deregister(
+        args_.sessionHandle, args_.deviceId, digestHandle_);
     Trace::twinlog(trace, 4, "deRegisterPktTracerDigest:pktTracerDigest deregistered:%s", rval);
 }
 
@@ -108,6 +138,8 @@ void PktGenSm::doCleanup() noexcept try {
 
 p4_pd_status_t rcvPktTracerLearningDigest(p4_pd_sess_hdl_t session, pipe_flow_lrn_msg_t* message,
                                           void* cookie) try {
+    Vanta::assertThat(message != nullptr, "message != nullptr");
+    Vanta::assertThat(cookie != nullptr, "cookie != nullptr");
     auto const& engine = *static_cast<PktGenSm const*>(cookie);
     Vanta::assertThat(engine.learnQuantaIndex_ != VyResourceInfo::VyResourceInfoIndexInvalid,
                       "index != VyResourceInfoIndexInvalid");
@@ -164,6 +196,7 @@ struct PktGenSm::DigestEntry {
 };
 
 void PktGenSm::processPktTracerDigest() {
+    Vanta::assertThat(socketPairReadFileDesc_ != nullptr, "socketPairReadFileDesc != nullptr");
     int const descriptor = socketPairReadFileDesc_->descriptor();
     DigestHeader header;
     ssize_t const headerRead = ::read(descriptor, &header, sizeof header);
@@ -226,7 +259,7 @@ Unsigned PktGenSm::digestField(DigestBytes const& bytes, std::string_view field,
                                std::string_view shortName) const {
     std::uint32_t size = 0;
     std::uint8_t const* const found =
-        vyPdIntf_->digestEntryField(bytes.entry.data(), digestName, field, size);
+        args_.vyPdIntf->digestEntryField(bytes.entry.data(), digestName, field, size);
     if (size == sizeof(Unsigned)) {
         size = bytes.ofField(found, size);
     }
@@ -245,7 +278,7 @@ void PktGenSm::processDigestEntry(DigestBytes const& bytes) {
     auto const pktId = digestField<std::uint16_t>(bytes, "pktGen_pktId", "pktId");
     Trace::twinlog(trace, 7, "processPktTracerDigest:PktId:%s", pktId);
     std::optional<DigestEntry> digest;  // read when there is somebody to tell
-    PktGenStatus::PktIdWalk walk(*status_, pktId);
+    PktGenStatus::PktIdWalk walk(*args_.status, pktId);
     while (auto const matching = walk.next()) {
         if (!digest) {
             digest = readDigestEntry(bytes);

@@ -11,20 +11,21 @@ Trace::Handle& trace = Trace::handle("VynPtPktGenSm");
 }  // namespace
 
 void PktGenSm::getPhase0Data() {
-    Trace::twinlog(trace, 7, "getPhase0Data:clientName:%s reqId:%s", curReq().clientName(),
-                   curReq().number());
+    auto const job = curJob();
+    Trace::twinlog(trace, 7, "getPhase0Data:clientName:%s reqId:%s", job->req().clientName(),
+                   job->req().number());
     stateIs(PktGenState::waitPhase0Data);
     // An outdated request for the interface would answer in this one's place.
-    phase0DataIntf_->configDel(curCfg_->ingIntf());
+    args_.phase0DataIntf->configDel(job->ingIntf());
     if (!released()) {
-        phase0DataIntf_->configIs(curCfg_->ingIntf());
+        args_.phase0DataIntf->configIs(job->ingIntf());
     }
 }
 
 void PktGenSm::processPhase0DataResponse(Plexa::IntfId const& intfId) {
     Trace::twinlog(trace, 7, "processPhase0DataResponse:clientName:%s reqId:%s intfId:%s",
                    curReq().clientName(), curReq().number(), intfId);
-    auto const* response = phase0DataIntf_->response().find(intfId);
+    auto const* response = args_.phase0DataIntf->response().find(intfId);
     if (response == nullptr) {
         Trace::twinlog(trace, 7, "processPhase0DataResponse:deletion of phase0 for intfId:%s",
                        intfId);
@@ -37,7 +38,7 @@ void PktGenSm::processPhase0DataResponse(Plexa::IntfId const& intfId) {
                        "processPhase0DataResponse:error retrieving phase0Data for intfId:%s "
                        "state:%s phase0Status:%s",
                        intfId, state_, response->value.status);
-        phase0DataIntf_->configDel(curCfg_->ingIntf());
+        args_.phase0DataIntf->configDel(curCfg_->ingIntf());
         stateIs(PktGenState::error);
     }
     scheduleTask();
@@ -45,7 +46,7 @@ void PktGenSm::processPhase0DataResponse(Plexa::IntfId const& intfId) {
 
 p4_pd_status_t PktGenSm::getPktCounters(std::uint64_t& count) {
     p4_pd_status_t const rval =
-        VynSdk::getPktCounters(sessionHandle_, deviceId_, curPipe(), appId_, count);
+        VynSdk::getPktCounters(args_.sessionHandle, args_.deviceId, curPipe(), appId_, count);
     if (rval != 0 && !released()) {
         Trace::twinlog(trace, 1, "getPktCounters:error retrieving pktGen counters for pipeId:%s",
                        curPipe());
@@ -54,11 +55,11 @@ p4_pd_status_t PktGenSm::getPktCounters(std::uint64_t& count) {
 }
 
 void PktGenSm::sendPkt() {
-    auto const job = curCfg_;
+    auto const job = curJob();
     Trace::twinlog(trace, 7, "sendPkt:clientName:%s reqId:%s", job->req().clientName(),
                    job->req().number());
     inject(*job);
-    phase0DataIntf_->configDel(job->ingIntf());
+    args_.phase0DataIntf->configDel(job->ingIntf());
 }
 
 void PktGenSm::inject(PktGenCfgData const& job) {
@@ -75,12 +76,12 @@ void PktGenSm::inject(PktGenCfgData const& job) {
     curPktCounter_ = count;
     Trace::twinlog(trace, 7, "sendPkt:pktCnt:%s", count);
 
-    auto const* response = phase0DataIntf_->response().find(job.ingIntf());
+    auto const* response = args_.phase0DataIntf->response().find(job.ingIntf());
     Vanta::Bytes const phase0Data = response != nullptr ? response->value.data : Vanta::Bytes();
     auto const portIndex = static_cast<std::uint8_t>(job.ingPortInfo().port().value());
     p4_pd_status_t const rval =
-        VynSdk::genOnePkt(sessionHandle_, deviceId_, curPipe(), genPort, portIndex, appId_,
-                          job.pkt().view(), phase0Data.view(), pktId_);
+        VynSdk::genOnePkt(args_.sessionHandle, args_.deviceId, curPipe(), genPort, portIndex,
+                          appId_, job.pkt().view(), phase0Data.view(), pktId_);
     if (released()) {
         return;
     }
@@ -90,8 +91,8 @@ void PktGenSm::inject(PktGenCfgData const& job) {
                        job.req().clientName(), job.req().number());
         return;
     }
-    if (config_->cfgHas(job.req())) {
-        auto const answer = status_->statusIs(job.req());
+    if (args_.config->cfgHas(job.req())) {
+        auto const answer = args_.status->statusIs(job.req());
         if (!released()) {
             answer->pktIdIs(pktId_);
         }
@@ -102,7 +103,7 @@ void PktGenSm::inject(PktGenCfgData const& job) {
 }
 
 void PktGenSm::checkPktCnt() {
-    auto const job = curCfg_;
+    auto const job = curJob();
     PacketTracer::RequestId const& req = job->req();
     Trace::twinlog(trace, 7, "checkPktCnt:clientName:%s reqId:%s", req.clientName(), req.number());
     std::uint64_t count = 0;
@@ -113,9 +114,9 @@ void PktGenSm::checkPktCnt() {
     if (counted && count != curPktCounter_) {
         Trace::twinlog(trace, 9, "checkPktCnt:Sent pkt for clientName:%s reqId:%s cnt:%s curCnt:%s",
                        req.clientName(), req.number(), count, curPktCounter_);
-        if (!pktTracerSupported_ && config_->cfgHas(req)) {
+        if (!args_.pktTracerSupported && args_.config->cfgHas(req)) {
             // No digest will ever come, so this is the answer.
-            auto const answer = status_->statusIs(req);
+            auto const answer = args_.status->statusIs(req);
             if (!released()) {
                 answer->readyIs(true);
             }
@@ -123,7 +124,7 @@ void PktGenSm::checkPktCnt() {
         if (!released()) {
             stateIs(PktGenState::reset);
         }
-    } else if (!config_->cfgHas(req)) {
+    } else if (!args_.config->cfgHas(req)) {
         Trace::twinlog(trace, 9,
                        "checkPktCnt:Client %sdel cfg while waiting for pktCnt reqId:%s cnt:%s",
                        req.clientName(), req.number(), count);
@@ -136,18 +137,19 @@ void PktGenSm::checkPktCnt() {
 }
 
 void PktGenSm::disablePktGen() {
-    p4_pd_status_t const app = VynSdk::disableAppId(sessionHandle_, deviceId_, curPipe(), appId_);
+    p4_pd_status_t const app =
+        VynSdk::disableAppId(args_.sessionHandle, args_.deviceId, curPipe(), appId_);
     if (released()) {
         return;
     }
     if (app != 0) {
         Trace::twinlog(trace, 1, "disablePktGen:Error disabling appId for pipe:%s deviceId:%s",
-                       curPipe(), deviceId_);
+                       curPipe(), args_.deviceId);
         stateIs(PktGenState::error);
         return;
     }
     p4_pd_status_t const generator =
-        VynSdk::disablePktGen(sessionHandle_, deviceId_, curPipe(), genPort);
+        VynSdk::disablePktGen(args_.sessionHandle, args_.deviceId, curPipe(), genPort);
     if (released()) {
         return;
     }

@@ -336,17 +336,13 @@ Vanta::Ptr<PktGenSm> PacketTracerSm::pktGenSmIs(
     Vanta::Ptr<VyResourceInfo::VyResourceInfoIntf> const& resourceInfoIntf,
     Vanta::Ptr<VyPd::VyPdIntf> const& vyPdIntf,
     Vanta::Ptr<Orb::TaskSchedulerRoot> const& rootScheduler) {
-    if (pktGenSm_ && pktGenSm_->config() == pktGenConfig &&
-        pktGenSm_->phase0DataIntf() == phase0DataIntf && pktGenSm_->status() == pktGenStatus &&
-        pktGenSm_->sessionHandle() == sessionHandle && pktGenSm_->deviceId() == deviceId &&
-        pktGenSm_->pktTracerSupported() == pktTracerSupported &&
-        pktGenSm_->resourceInfoIntf() == resourceInfoIntf && pktGenSm_->vyPdIntf() == vyPdIntf &&
-        pktGenSm_->rootScheduler() == rootScheduler) {
+    PktGenSm::Arguments const args{pktGenConfig,     phase0DataIntf, pktGenStatus,
+                                   sessionHandle,    deviceId,       pktTracerSupported,
+                                   resourceInfoIntf, vyPdIntf,       rootScheduler};
+    if (pktGenSm_ && pktGenSm_->arguments() == args) {
         return pktGenSm_;
     }
-    pktGenSm_ =
-        PktGenSm::PktGenSmIs(pktGenConfig, phase0DataIntf, pktGenStatus, sessionHandle, deviceId,
-                             pktTracerSupported, resourceInfoIntf, vyPdIntf, rootScheduler);
+    pktGenSm_ = PktGenSm::PktGenSmIs(args);
     pktGenSm_->hasNotificationActiveIs(true);
     return pktGenSm_;
 }
