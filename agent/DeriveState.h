@@ -1,12 +1,10 @@
 // From the switch's model to the forwarding state that a tracer reads.
 //
 //   - A physical port has port information: its pipe and its index there. A sub-interface has that
-//   of
-//     its parent port; LAGs, their sub-interfaces and VLAN interfaces have none.
+//     of its parent port; LAGs, their sub-interfaces and VLAN interfaces have none.
 //   - portToIntfId gives a device port's own interface, also of a LAG's member.
 //   - LAGs are members of VLANs, the ports in them never are; a bridged sub-interface is a member
-//   of
-//     its VLAN.
+//     of its VLAN.
 //   - "Cpu" is a member of exactly the VLANs that have a VLAN interface.
 //   - A routed port, routed LAG or routing sub-interface is the one member of its internal VLAN.
 #pragma once

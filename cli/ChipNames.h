@@ -1,5 +1,5 @@
-// The chip's explanation in words. The chip knows ports, LAGs, access lists and VRFs by number; people
-// know them by the names of the switch file.
+// The chip's explanation in words. The chip knows ports, LAGs, access lists and VRFs by number;
+// people know them by the names of the switch file.
 #pragma once
 
 #include <cstdint>

@@ -1,3 +1,6 @@
+// MAC and IP addresses as the chip's tables hold them: plain values that compare by value, cost a
+// register or three and belong to no thread. The text forms are for configuration and for people;
+// the pipeline never makes one unless an explanation was asked for.
 #pragma once
 
 #include <compare>
@@ -7,9 +10,6 @@
 #include <string>
 #include <string_view>
 
-// MAC and IP addresses as the chip's tables hold them: plain values that compare by value, cost a
-// register or three and belong to no thread. The text forms are for configuration and for people;
-// the pipeline never makes one unless an explanation was asked for.
 namespace SoftChip {
 
 // The six bytes, the first one on the wire in bits 47..40; bits 63..48 are zero.

@@ -1,9 +1,9 @@
-// How the pipeline came to its decision about one frame: the steps that it took, each with its reason
-// and with what the frame met there.
+// How the pipeline came to its decision about one frame: the steps that it took, each with its
+// reason and with what the frame met there.
 //
-// Everything is a value: which port, which rule of which list, which prefix. Words, and the names that
-// people gave to these things, are the business of whoever shows them. Making an explanation neither
-// allocates nor formats.
+// Everything is a value: which port, which rule of which list, which prefix. Words, and the names
+// that people gave to these things, are the business of whoever shows them. Making an explanation
+// neither allocates nor formats.
 #pragma once
 
 #include <cstdint>
@@ -64,8 +64,8 @@ struct MembersUp {  // of the LAG before it
     friend bool operator==(MembersUp, MembersUp) = default;
 };
 
-// One thing that a frame met. A LogicalPort is a port or a LAG, a MacAddress the frame's destination
-// or the neighbour's, a Prefix the route's, an L3Fault what is wrong with the IP header.
+// One thing that a frame met. A LogicalPort is a port or a LAG, a MacAddress the frame's
+// destination or the neighbour's, a Prefix the route's, an L3Fault what is wrong with the header.
 using Detail = std::variant<FrameItself, LogicalPort, InLag, OuterTag, InDomain, RuleOfList,
                             MacAddress, MacInDomain, IpInVrf, L3Fault, HopsLeft, Prefix,
                             NextHopChoice, NextHop, MembersUp>;
@@ -106,8 +106,8 @@ class Explanation {
                       static_cast<std::uint8_t>(details_.size() - told)});
     }
 
-    // No step is taken twice, and one that finds no CPU port stands twice. A routed frame that comes
-    // in on one LAG with a tag and leaves by another meets the most, 20 things.
+    // No step is taken twice, and one that finds no CPU port stands twice. A routed frame that
+    // comes in on one LAG with a tag and leaves by another meets the most, 20 things.
     static constexpr std::size_t maxEntries = stepCount + 1;
     static constexpr std::size_t maxDetails = 24;
 

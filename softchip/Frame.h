@@ -1,3 +1,9 @@
+// The chip's parser: from a frame's bytes to the fields that the pipeline matches and forwards on.
+//
+// Any bytes get an answer, and no byte beyond the frame's end is read. What is broken is told by
+// layer: without the whole Ethernet part (addresses, tags, EtherType) there is no frame; behind a
+// broken IP or ARP header, or one that its EtherType did not promise, a frame is still one that a
+// bridge forwards.
 #pragma once
 
 #include <array>
@@ -6,12 +12,6 @@
 
 #include "softchip/Addresses.h"
 
-// The chip's parser: from a frame's bytes to the fields that the pipeline matches and forwards on.
-//
-// Any bytes get an answer, and no byte beyond the frame's end is read. What is broken is told by
-// layer: without the whole Ethernet part (addresses, tags, EtherType) there is no frame; behind a
-// broken IP or ARP header, or one that its EtherType did not promise, a frame is still one that a
-// bridge forwards.
 namespace SoftChip {
 
 constexpr std::uint16_t etherTypeIpv4 = 0x0800;

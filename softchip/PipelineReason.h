@@ -1,7 +1,7 @@
 // The pipeline's steps and the reasons that they give. Pipeline.h says what each step does.
 //
-// A step's number is its place, and a reason's is nothing; both change when steps are added. What stays
-// is the code of each: a short name for programs. docs/explanations.md lists them.
+// A step's number is its place, and a reason's is nothing; both change when steps are added. What
+// stays is the code of each: a short name for programs. docs/explanations.md lists them.
 #pragma once
 
 #include <cstdint>

@@ -1,3 +1,4 @@
+// How the chip names its ports and forwarding domains.
 #pragma once
 
 #include <compare>
@@ -5,7 +6,6 @@
 
 #include "softchip/Mix.h"
 
-// How the chip names its ports and forwarding domains.
 namespace SoftChip {
 
 using DevicePort = std::uint16_t;  // pipe * 128 + index in the pipe

@@ -1,3 +1,4 @@
+// What the chip's tables hold: plain values, to be filled by name.
 #pragma once
 
 #include <cstdint>
@@ -7,7 +8,6 @@
 #include "softchip/Addresses.h"
 #include "softchip/Ports.h"
 
-// What the chip's tables hold: plain values, to be filled by name.
 namespace SoftChip {
 
 // A port of the chip; pipeOf(port) is its pipe.

@@ -1,3 +1,13 @@
+// The tables of the software chip: what an agent programs and the pipeline looks up.
+//
+// Tables is a value. The chip's thread owns the instance in use; an agent changes it by commands
+// that run on that thread, or fills one of its own and has it swapped in whole. Nothing in it
+// refers to a reference-counted object, so a copy may move to another thread. Every pointer that a
+// lookup returns is good until the next change of the tables.
+//
+// Verbs: `xIs` adds or replaces, `xDel` removes and says whether there was anything, `x` looks up.
+// A number out of its range raises std::out_of_range and names the table. References between tables
+// are not checked, as in silicon: an entry that points at what is not there drops what meets it.
 #pragma once
 
 #include <cstddef>
@@ -12,16 +22,6 @@
 #include "softchip/Ports.h"
 #include "softchip/TableEntries.h"
 
-// The tables of the software chip: what an agent programs and the pipeline looks up.
-//
-// Tables is a value. The chip's thread owns the instance in use; an agent changes it by commands
-// that run on that thread, or fills one of its own and has it swapped in whole. Nothing in it
-// refers to a reference-counted object, so a copy may move to another thread. Every pointer that a
-// lookup returns is good until the next change of the tables.
-//
-// Verbs: `xIs` adds or replaces, `xDel` removes and says whether there was anything, `x` looks up.
-// A number out of its range raises std::out_of_range and names the table. References between tables
-// are not checked, as in silicon: an entry that points at what is not there drops what meets it.
 namespace SoftChip {
 
 class Tables {

@@ -16,8 +16,8 @@
 //                what that type demands (PacketTracer/IcmpMessage.h)
 //     no IP      nothing of IP: TTL, DSCP, don't-fragment, protocol, ports, flags, type, code
 //     length     not shorter than the headers; with a payload the length that it gives; an IP
-//     packet
-//                within 65535 bytes (IPv6: behind its header)
+//                packet within 65535 bytes (IPv6: behind its header)
+//
 // Thread: the event thread.
 #pragma once
 

@@ -193,7 +193,7 @@ TEST_F(PipelineReason, StepsHaveACodeOfTheirOwn) {
     EXPECT_EQ(codes.size(), stepCount);
 }
 
-// Programs know the codes: one that was changed here would no longer be the code that they look for.
+// Programs know the codes: one that was changed here is no longer the one that they look for.
 TEST_F(PipelineReason, CodesAreWhatTheyAlwaysWere) {
     EXPECT_EQ(code(Step::parse), "parse");
     EXPECT_EQ(code(Step::vlanClassification), "vlanClassification");
