@@ -1,7 +1,9 @@
 # How every target of this project is compiled: warnings are errors, sanitizers by option.
 find_program(VYN_CCACHE ccache)
 if(VYN_CCACHE AND NOT CMAKE_CXX_COMPILER_LAUNCHER)
-    set(CMAKE_CXX_COMPILER_LAUNCHER ${VYN_CCACHE})
+    # It looks into precompiled headers only when it is told that their macros are no matter.
+    set(CMAKE_CXX_COMPILER_LAUNCHER
+        ${CMAKE_COMMAND} -E env CCACHE_SLOPPINESS=pch_defines,time_macros ${VYN_CCACHE})
 endif()
 
 add_library(VynCompile INTERFACE)
