@@ -45,8 +45,7 @@ class ForwardingAgent {
     static constexpr std::string_view statusPath = "/packetTracer/status";
 
     // A running agent. The chip loads its tables meanwhile; what is injected waits for them.
-    // Errors: std::logic_error if the device id is taken or another agent of this process records,
-    // std::system_error for want of resources.
+    // Errors: std::logic_error if the device id is taken, std::system_error for want of resources.
     explicit ForwardingAgent(SwitchFile::SwitchModel const& model,
                              AgentOptions const& options = {});
     ForwardingAgent(ForwardingAgent const&) = delete;
