@@ -90,9 +90,10 @@ class VYN_EXPORT PacketTracerClientSm final : public Kel::Object {
     // What a state machine is made with. Its references are released from the last to the first.
     //
     // Without a `clientConfig` there are no requests, and without a `pktGenConfig` every answer is
-    // one without a job. Precondition of each operation: what else it works with is not null; it
-    // is checked there. Handling a request takes `pktGenConfig`, `clientStatus` and `systemStatus`,
-    // a result `clientStatus`, and one with an egress all but `clientConfig`.
+    // one without a job. Preconditions: `clientStatus` is not null, which the construction checks;
+    // `pktGenConfig` and `systemStatus` are not where a request is handled, nor `systemStatus`,
+    // `fcsd`, `bridgingConfig` and `chipStatus` where an egress is resolved. An operation checks
+    // what it works with.
     struct Arguments {
         Vanta::String name;
         Vanta::Ptr<PacketTracer::ClientConfig const> clientConfig;

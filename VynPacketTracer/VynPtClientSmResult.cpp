@@ -39,7 +39,6 @@ void PacketTracerClientSm::updateResult(Vanta::Ptr<PktGenStatusData const> const
     if (!status->ready()) {
         return;
     }
-    Vanta::assertThat(made_.clientStatus != nullptr, "clientStatus != nullptr");
     auto const result = made_.clientStatus->resultIs(req);
     std::uint16_t const portIndex = status->egrPortInfo().port().value();
     if (!made_.pktGenConfig || !made_.pktGenConfig->cfgHas(req)) {

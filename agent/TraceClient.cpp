@@ -77,8 +77,9 @@ Vanta::Ptr<PacketTracer::Request> TraceClient::request() {
 
 void TraceClient::add(Vanta::Ptr<PacketTracer::Request> const& request) {
     waiting_.push_back(std::make_unique<Waiting>(*this, request->id().number(), now_()));
-    config_->requestIs(request);
+    // Valid when it arrives, it is handled once.
     request->validIs(true);
+    config_->requestIs(request);
 }
 
 void TraceClient::resultChanged(Vanta::Change const& change) {

@@ -86,7 +86,7 @@ class TraceClient {
     // A request of this client's with the next number, not yet added and not valid.
     Vanta::Ptr<PacketTracer::Request> request();
 
-    // Adds a request and declares it valid. Requests are added in the order of their numbers.
+    // Declares a request valid and adds it. Requests are added in the order of their numbers.
     void add(Vanta::Ptr<PacketTracer::Request> const& request);
 
     // Requests that were added and are neither answered nor late.

@@ -35,8 +35,8 @@ struct OneClient {
         request->etherTypeIs(0x88b5);
         request->intfIs(ingress());
         request->frameIs(frame());
-        config->requestIs(request);
         request->validIs(true);
+        config->requestIs(request);
     }
 
     Vanta::String name{"client"};

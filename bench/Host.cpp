@@ -103,8 +103,8 @@ void Client::add() {
     request->etherTypeIs(0x88b5);
     request->intfIs(ingress());
     request->frameIs(frame());
-    config_->requestIs(request);
     request->validIs(true);
+    config_->requestIs(request);
 }
 
 std::optional<std::uint32_t> Client::takeAnswer() {

@@ -532,6 +532,12 @@ TEST_F(RequestReactorTest, RemovedInItsOwnCallByNotifierIsIsNotRegisteredAgain) 
     EXPECT_FALSE(reactor->registered());
 }
 
+TEST_F(RequestReactorTest, WithoutAnOwnerIsRegisteredOnceItWatchesARequest) {
+    auto const reactor = Vanta::makeNode<NestedSm_Request>(nullptr, nullptr);
+    EXPECT_EQ(after([&] { reactor->notifierIs(makeRequest("noc", 1, "Ethernet1")); }), Lines{});
+    EXPECT_TRUE(reactor->registered());
+}
+
 TEST_F(RequestReactorTest, LivesUntilTheEndOfTheCallThatRemovesIt) {
     request(1);
     NestedSm_Request& reactor = *client->request(id("noc", 1));

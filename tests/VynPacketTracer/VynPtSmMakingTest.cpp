@@ -131,6 +131,22 @@ TEST_F(MakingTest, AnotherClientThatIsReplacedMeanwhileRaisesAsEver) {
                 "ReinstantiationError: .* of client ops");
 }
 
+TEST_F(MakingTest, AClientMayChangeTwiceWhileAnotherIsMadeInsideItsMaking) {
+    clientConfig("ops")->requestIs(makeRequest("ops", 1, "Ethernet1"));
+    auto const observer =
+        std::make_unique<OnPublication>(tracer->pktGenCfg()->publisher(), [&](auto, auto key) {
+            if (key.template get<PacketTracer::RequestId>() == id("ops", 1)) {
+                clientConfig("noc");
+                clientConfig("noc");
+            } else if (!statusOf("ops")) {
+                clientStatus("ops");
+            }
+        });
+    clientStatus("noc");
+    expectFits();
+    EXPECT_TRUE(tracer->clientSmHas("ops"));
+}
+
 TEST_F(MakingTest, AfterwardsAReplacementRaisesAsEver) {
     auto const observer = atFirstJob([&] { clientConfig("noc"); });
     clientStatus("noc");

@@ -349,6 +349,12 @@ TEST_F(WatcherTest, RemovedInItsOwnCallByNotifierIsIsNotRegisteredAgain) {
     EXPECT_FALSE(watcher->registered());
 }
 
+TEST_F(WatcherTest, WithoutAnOwnerIsRegisteredOnceItIsPointedAtAnEntry) {
+    auto const watcher = watcherOf(nullptr, nullptr);
+    EXPECT_EQ(after([&] { watcher->notifierIs(loose(1)); }), Lines{});
+    EXPECT_TRUE(watcher->registered());
+}
+
 TEST_F(WatcherTest, TheTracerMayBeReleasedInLocalStatusIs) {
     request(1);
     answer(1)->readyIs(true);

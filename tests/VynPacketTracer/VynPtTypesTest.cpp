@@ -543,9 +543,12 @@ TEST_F(PktGenStatusTest, APendingJobMayBeLookedUpWhileTheAnswersGo) {
     });
     status = nullptr;
     EXPECT_EQ(found, "noc/1 noc/1 ");
-    config->cfgIs(id("noc", 3), packet, port, intf("Ethernet1"));
+    // Other answers, likely to be where these have been.
     status = pktGenStatusFactory();
+    config->cfgIs(id("noc", 3), packet, port, intf("Ethernet1"));
     EXPECT_EQ(config->firstPending(*status)->req(), id("noc", 1));
+    status->statusIs(id("noc", 1));
+    EXPECT_EQ(config->firstPending(*status)->req(), id("noc", 2));
 }
 
 TEST_F(PktGenStatusTest, DestroyingOnePublishesTheRemovalOfEachEntry) {

@@ -7,6 +7,7 @@
 #include <string>
 #include <vector>
 
+#include "Trace/Tap.h"
 #include "switchfile/SwitchFile.h"
 
 namespace Agent {
@@ -77,6 +78,21 @@ class TraceClientTest : public testing::Test {
     std::unique_ptr<TraceClient> client_ =
         std::make_unique<TraceClient>(agent_, "test", limit, [this] { return time_; });
 };
+
+// Counts how often the tracer handles a request.
+struct Handlings {
+    void traced(std::string_view, unsigned, std::string_view text) {
+        count += text.starts_with("handleRequest:client:") ? 1 : 0;
+    }
+    unsigned count = 0;
+    Trace::Tap const tap = Trace::Tap::to<&Handlings::traced>(this);
+};
+
+TEST_F(TraceClientTest, ARequestThatItAddsIsHandledOnce) {
+    Handlings const handlings;
+    add();
+    EXPECT_EQ(handlings.count, 1U);
+}
 
 // ---- Outcomes
 
