@@ -6,7 +6,7 @@
 
 #include "agent/DeriveTables.h"
 #include "agent/Recorder.h"
-#include "softchip/DigestLayout.h"
+#include "sdkseam/DigestLayout.h"
 
 namespace Agent {
 
@@ -44,7 +44,7 @@ void ForwardingAgent::loadTracer() {
     tracer_ = VynPacketTracer::packetTracerSmFactory(
         mounts_->config(), mounts_->status(), recorder_ ? recorder_->phase0Data() : phase0Data_,
         pktGenSupported, options_.pktTracerSupported, options_.session, options_.device,
-        SoftChip::LearnQuanta::LearnQuantaIs(), SoftChip::DigestLayout::DigestLayoutIs(), loop_,
+        SdkSeam::LearnQuanta::LearnQuantaIs(), SdkSeam::DigestLayout::DigestLayoutIs(), loop_,
         state_.systemStatus, state_.fcsd, state_.bridgingConfig, state_.chipStatus);
 }
 

@@ -1,41 +1,27 @@
 #include "agent/ScenarioWriter.h"
 
 #include <algorithm>
-#include <cstring>
 #include <utility>
 
 #include "scenario/Writer.h"
-#include "softchip/DigestLayout.h"
+#include "sdkseam/TraceDigest.h"
 
 namespace Agent {
 namespace {
 
 namespace Do = Scenario::Do;
 using Scenario::line;
-using ScriptChip::SdkFunction;
+using SdkSeam::SdkFunction;
 
 std::string comment(std::string_view text) {
     return "# " + std::string(text);
 }
 
-template <class Unsigned>
-void take(std::uint8_t const*& from, Unsigned& to) {
-    std::memcpy(&to, from, sizeof to);
-    from += sizeof to;
-}
-
-// A learn message's entries as the chips of this tree lay them out.
 Do::Digest digestOf(std::span<std::uint8_t const> bytes) {
+    using SdkSeam::digestEntryBytes;
     Do::Digest digest;
-    digest.entries.resize(bytes.size() / SoftChip::digestEntryBytes);
-    std::uint8_t const* from = bytes.data();
-    for (auto& entry : digest.entries) {
-        take(from, entry.pktId);
-        take(from, entry.copyToCpu);
-        take(from, entry.l2Domain);
-        take(from, entry.egrPort);
-        take(from, entry.routed);
-        take(from, entry.dropCtl);
+    for (; bytes.size() >= digestEntryBytes; bytes = bytes.subspan(digestEntryBytes)) {
+        digest.entries.push_back(SdkSeam::unpacked(bytes.first<digestEntryBytes>()));
     }
     return digest;
 }

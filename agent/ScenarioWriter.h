@@ -61,7 +61,7 @@ class ScenarioWriter {
     void taskRuns(TurnNumber turn, std::uint32_t yieldAfter);
 
     // What the event under way meets.
-    void called(ScriptChip::SdkFunction call, std::int32_t rc);
+    void called(SdkSeam::SdkFunction call, std::int32_t rc);
     void counterRead(std::uint32_t pipe, std::uint64_t count);
 
     // A learn message: received with these entries; acknowledged; the callback has returned.

@@ -15,7 +15,7 @@
 #include "bench/Cost.h"
 #include "bench/Host.h"
 #include "sdkseam/Chip.h"
-#include "softchip/DigestLayout.h"
+#include "sdkseam/DigestLayout.h"
 
 namespace Bench {
 namespace {
@@ -112,30 +112,7 @@ BENCHMARK(pickReturnedFloor)->Name("floor/engine/pickReturned");
 // A chip that agrees to everything, so that digests can be handed to the engine one by one.
 class AgreeingChip final : public SdkSeam::Chip {
   public:
-    p4_pd_status_t getPktCounters(p4_pd_sess_hdl_t, std::uint32_t, std::uint32_t,
-                                  std::uint64_t& count) override {
-        count = 0;
-        return 0;
-    }
-    p4_pd_status_t genOnePkt(p4_pd_sess_hdl_t, std::uint32_t, std::uint32_t, std::uint8_t,
-                             std::uint32_t, std::span<std::uint8_t const>,
-                             std::span<std::uint8_t const>, std::uint16_t) override {
-        return 0;
-    }
-    p4_pd_status_t disableAppId(p4_pd_sess_hdl_t, std::uint32_t, std::uint32_t) override {
-        return 0;
-    }
-    p4_pd_status_t disablePktGen(p4_pd_sess_hdl_t, std::uint32_t, std::uint32_t) override {
-        return 0;
-    }
-    p4_pd_status_t digestRegister(p4_pd_sess_hdl_t, std::uint32_t, pipe_flow_lrn_notify_cb,
-                                  void*) override {
-        return 0;
-    }
-    p4_pd_status_t digestDeregister(p4_pd_sess_hdl_t, std::uint32_t) override { return 0; }
-    p4_pd_status_t notifyAck(p4_pd_sess_hdl_t, std::uint32_t, pipe_flow_lrn_msg_t*) override {
-        return 0;
-    }
+    void call(SdkSeam::SdkCall&) override {}
 
   private:
     SdkSeam::Registration registration_{1, *this};
@@ -146,15 +123,15 @@ struct Engine {
         for (std::uint32_t i = 1; i <= entries; ++i) {
             status->statusIs({client, i})->pktIdIs(static_cast<std::uint16_t>(i));
         }
-        fill(bytes[0], {.egressPort = 1, .l2Domain = 10});
-        fill(bytes[1],
-             {.egressPort = 2, .l2Domain = 20, .routed = true, .copyToCpu = true, .drop = true});
+        fill(bytes[0], {.l2Domain = 10, .egrPort = 1});
+        fill(bytes[1], {.copyToCpu = 1, .l2Domain = 20, .egrPort = 2, .routed = 1, .dropCtl = 1});
         message.dev_tgt.device_id = 1;
         message.num_entries = static_cast<std::uint16_t>(entries);
     }
-    void fill(std::vector<std::uint8_t>& to, SoftChip::Decision const& decision) const {
+    void fill(std::vector<std::uint8_t>& to, SdkSeam::TraceDigest digest) const {
         for (std::size_t id = 1; id <= status->status().size(); ++id) {
-            auto const entry = SoftChip::packDigestEntry(static_cast<std::uint16_t>(id), decision);
+            digest.pktId = static_cast<std::uint16_t>(id);
+            auto const entry = packed(digest);
             to.insert(to.end(), entry.begin(), entry.end());
         }
     }
@@ -165,8 +142,7 @@ struct Engine {
     Vanta::Ptr<PktGenStatus> status = PktGenStatus::PktGenStatusIs();
     Vanta::Ptr<VynPacketTracer::PktGenSm> engine = VynPacketTracer::PktGenSm::PktGenSmIs(
         PktGenConfig::PktGenConfigIs(), SoftChip::Phase0Data::Phase0DataIs(loop), status, 1, 1,
-        true, SoftChip::LearnQuanta::LearnQuantaIs(), SoftChip::DigestLayout::DigestLayoutIs(),
-        loop);
+        true, SdkSeam::LearnQuanta::LearnQuantaIs(), SdkSeam::DigestLayout::DigestLayoutIs(), loop);
     std::array<std::vector<std::uint8_t>, 2> bytes;
     pipe_flow_lrn_msg_t message{};
 };

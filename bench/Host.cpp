@@ -2,7 +2,7 @@
 
 #include <array>
 
-#include "softchip/DigestLayout.h"
+#include "sdkseam/DigestLayout.h"
 
 namespace Bench {
 namespace {
@@ -56,7 +56,7 @@ Host::Host(SoftChip::Mode mode)
     chip.drain();
     tracer = VynPacketTracer::packetTracerSmFactory(
         configs, statuses, phase0, true, true, session, device,
-        SoftChip::LearnQuanta::LearnQuantaIs(), SoftChip::DigestLayout::DigestLayoutIs(), loop,
+        SdkSeam::LearnQuanta::LearnQuantaIs(), SdkSeam::DigestLayout::DigestLayoutIs(), loop,
         systemStatus, Fen::FenCommonSmData::FenCommonSmDataIs(), bridging,
         VynSlice::ChipStatus::ChipStatusIs());
 }

@@ -17,7 +17,7 @@ namespace {
 using Fuzz::check;
 
 constexpr std::size_t headerSize = 10;
-constexpr std::size_t entrySize = ScriptChip::digestEntrySize;
+constexpr std::size_t entrySize = SdkSeam::digestEntryBytes;
 constexpr unsigned answers = 8;
 
 // Several answers wait for one packet.

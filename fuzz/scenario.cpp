@@ -59,7 +59,7 @@ class Harmless {
 
     // Digests that say what cannot be, or leave the stream out of step.
     bool operator()(Do::Digest const& e) {
-        constexpr std::size_t most = 4096 / ScriptChip::digestEntrySize;
+        constexpr std::size_t most = 4096 / SdkSeam::digestEntryBytes;
         bool good = e.entries.size() <= most;
         for (auto const& entry : e.entries) {
             bool const floods = entry.egrPort == 456 || entry.egrPort == 511;
@@ -71,7 +71,7 @@ class Harmless {
     }
     bool operator()(Do::DigestField const&) { return false; }
     bool operator()(Do::SdkReturn const& e) {
-        return e.call != ScriptChip::SdkFunction::digestRegister;
+        return e.call != SdkSeam::SdkFunction::digestRegister;
     }
 
     bool operator()(Do::Turn const& e) {

@@ -104,34 +104,14 @@ void writeResult(JsonWriter& json, PacketTracer::Result const& result,
     json.endObject();
 }
 
-void writeArguments(JsonWriter& json, ScriptChip::SdkCall const& call) {
-    using ScriptChip::SdkFunction;
-    json.member("session", call.session);
-    if (call.function != SdkFunction::notifyAck) {
-        json.member("device", call.device);
-    }
-    switch (call.function) {
-        case SdkFunction::getPktCounters:
-        case SdkFunction::disableAppId:
-            json.member("pipe", call.pipe).member("appId", call.appId);
-            break;
-        case SdkFunction::genOnePkt:
-            json.member("pipe", call.pipe)
-                .member("genPort", call.genPort)
-                .member("portIndex", call.portIndex)
-                .member("appId", call.appId);
-            json.name("pkt").hex(call.pkt).name("phase0").hex(call.phase0);
-            json.member("pktId", call.pktId);
-            break;
-        case SdkFunction::disablePktGen:
-            json.member("pipe", call.pipe).member("genPort", call.genPort);
-            break;
-        case SdkFunction::digestRegister:
-        case SdkFunction::digestDeregister:
-        case SdkFunction::notifyAck:
-            json.member("handle", call.handle);
-            break;
-    }
+void writeArguments(JsonWriter& json, SdkSeam::SdkCall const& call) {
+    eachArgument(call, [&json](std::string_view name, auto value) {
+        if constexpr (std::is_integral_v<decltype(value)>) {
+            json.member(name, value);
+        } else {
+            json.name(name).hex(value);
+        }
+    });
 }
 
 }  // namespace
@@ -210,12 +190,12 @@ void Printer::published(Vanta::Change const& change) {
     }
 }
 
-void Printer::sdkCalled(ScriptChip::SdkCall const& call) {
+void Printer::sdkCalled(SdkSeam::SdkCall const& call) {
     print([&](JsonWriter& json) {
-        json.member("sdk", ScriptChip::sdkFunctionName(call.function)).name("args").beginObject();
+        json.member("sdk", sdkFunctionName(call.function)).name("args").beginObject();
         writeArguments(json, call);
         json.endObject().member("rc", call.rc);
-        if (call.function == ScriptChip::SdkFunction::getPktCounters) {
+        if (call.function == SdkSeam::SdkFunction::getPktCounters) {
             json.member("count", call.count);
         }
         json.endObject();

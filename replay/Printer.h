@@ -46,7 +46,7 @@ class Printer final : public ScriptChip::Listener {
 
     void trace(std::string_view handle, unsigned level, std::string_view text);
     void published(Vanta::Change const& change);
-    void sdkCalled(ScriptChip::SdkCall const& call) override;
+    void sdkCalled(SdkSeam::SdkCall const& call) override;
     void phase0ConfigIs(Plexa::IntfId const& intf) override;
     void phase0ConfigDel(Plexa::IntfId const& intf) override;
 

@@ -4,7 +4,7 @@
 
 namespace Scenario {
 
-void ChipAnswers::called(ScriptChip::SdkFunction function, std::int32_t rc) {
+void ChipAnswers::called(SdkSeam::SdkFunction function, std::int32_t rc) {
     auto found = std::ranges::find(calls_, function, &Calls::function);
     if (found == calls_.end()) {
         found = calls_.insert(found, {function, {}});

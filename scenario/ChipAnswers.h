@@ -12,7 +12,7 @@ namespace Scenario {
 class ChipAnswers {
   public:
     // A call was answered; a counter was read, too.
-    void called(ScriptChip::SdkFunction function, std::int32_t rc);
+    void called(SdkSeam::SdkFunction function, std::int32_t rc);
     void counterRead(std::uint32_t pipe, std::uint64_t count);
 
     // Every value that a pipe's counter gave.
@@ -28,7 +28,7 @@ class ChipAnswers {
 
   private:
     struct Calls {
-        ScriptChip::SdkFunction function;
+        SdkSeam::SdkFunction function;
         std::vector<std::int32_t> results;
     };
 

@@ -14,8 +14,8 @@
 #include "PacketTracer/RequestId.h"
 #include "Plexa/IntfId.h"
 #include "Vanta/Bytes.h"
-#include "scriptchip/Digest.h"
-#include "scriptchip/SdkCall.h"
+#include "sdkseam/SdkCall.h"
+#include "sdkseam/TraceDigest.h"
 
 namespace Scenario {
 
@@ -139,16 +139,16 @@ struct Counter {
     std::vector<std::uint64_t> values;  // one or more
 };
 struct SdkReturn {
-    ScriptChip::SdkFunction call{};
+    SdkSeam::SdkFunction call{};
     std::int32_t rc = 0;
     std::uint32_t times = 1;
     std::uint32_t after = 0;
 };
 struct Digest {
-    std::vector<ScriptChip::DigestEntry> entries;
+    std::vector<SdkSeam::TraceDigest> entries;
 };
 struct DigestField {
-    std::string field{ScriptChip::DigestLayout::fieldNames().front()};
+    std::string field{SdkSeam::digestFieldNames.front()};
     std::uint32_t size = 0;
 };
 

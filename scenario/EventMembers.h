@@ -183,7 +183,7 @@ void members(auto& io, Do::Counter& e) {
     io.oneOrList("value", "values", e.values);
 }
 void members(auto& io, Do::SdkReturn& e) {
-    using namespace ScriptChip;
+    using namespace SdkSeam;
     static auto const names = [] {
         std::array<std::string_view, allSdkFunctions.size()> all;
         std::ranges::transform(allSdkFunctions, all.begin(), sdkFunctionName);
@@ -194,7 +194,7 @@ void members(auto& io, Do::SdkReturn& e) {
     io.may("times", e.times, 0, mostTimes);
     io.may("after", e.after);
 }
-void members(auto& io, ScriptChip::DigestEntry& e) {
+void members(auto& io, SdkSeam::TraceDigest& e) {
     io.may("pktId", e.pktId);
     io.may("copyToCpu", e.copyToCpu);
     io.may("l2Domain", e.l2Domain);
@@ -206,7 +206,7 @@ void members(auto& io, Do::Digest& e) {
     io.entries("entries", e.entries, mostDigestEntries);
 }
 void members(auto& io, Do::DigestField& e) {
-    auto const& names = ScriptChip::DigestLayout::fieldNames();
+    auto const& names = SdkSeam::digestFieldNames;
     auto field = static_cast<std::size_t>(std::ranges::find(names, e.field) - names.begin());
     io.mustWord("field", field, names);
     e.field = names[field];

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "Plexa/IntfId.h"
-#include "scriptchip/SdkCall.h"
+#include "sdkseam/SdkCall.h"
 
 namespace ScriptChip {
 
@@ -10,8 +10,8 @@ namespace ScriptChip {
 // throw: some calls come from destructors.
 class Listener {
   public:
-    // A call of an SDK function, its outcome included.
-    virtual void sdkCalled(SdkCall const& call) = 0;
+    // A call of an SDK function, its outcome included. What it refers to lasts as long as it.
+    virtual void sdkCalled(SdkSeam::SdkCall const& call) = 0;
     // Phase-0 data of an interface was asked for, or is not wanted any more.
     virtual void phase0ConfigIs(Plexa::IntfId const& intf) = 0;
     virtual void phase0ConfigDel(Plexa::IntfId const& intf) = 0;

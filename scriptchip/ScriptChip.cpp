@@ -1,13 +1,19 @@
 #include "scriptchip/ScriptChip.h"
 
+#include <algorithm>
+#include <vector>
+
 namespace ScriptChip {
+
+using SdkSeam::SdkCall;
+using SdkSeam::SdkFunction;
 
 ScriptChip::ScriptChip(Listener* listener, VynId::VynDevId device)
     : listener_(listener),
       device_(device),
       phase0Data_(Phase0Data::Phase0DataIs(listener)),
-      digestLayout_(DigestLayout::DigestLayoutIs()),
-      learnQuanta_(LearnQuanta::LearnQuantaIs()),
+      digestLayout_(SdkSeam::DigestLayout::DigestLayoutIs()),
+      learnQuanta_(SdkSeam::LearnQuanta::LearnQuantaIs()),
       scripts_{} {
     deviceIs(device);
 }
@@ -31,17 +37,18 @@ void ScriptChip::sdkReturnIs(SdkFunction function, p4_pd_status_t rc, std::uint3
     scripts_[static_cast<std::size_t>(function)] = {after, times, rc};
 }
 
-std::optional<p4_pd_status_t> ScriptChip::digest(std::span<DigestEntry const> entries) {
-    if (!callback_) {
+std::optional<p4_pd_status_t> ScriptChip::digest(std::span<SdkSeam::TraceDigest const> entries) {
+    if (!receiver_) {
         return std::nullopt;
     }
-    std::vector<std::uint8_t> const bytes = packDigestEntries(entries);
+    std::vector<SdkSeam::DigestEntry> packed(entries.size());
+    std::ranges::transform(entries, packed.begin(), SdkSeam::packed);
     pipe_flow_lrn_msg_t message{};
     message.dev_tgt.device_id = device_;
     message.num_entries = static_cast<std::uint16_t>(entries.size());
-    message.entries = bytes.data();
-    Callback const callback = *callback_;  // it may be deregistered meanwhile
-    return callback.function(callback.session, &message, callback.cookie);
+    message.entries = packed.data();
+    SdkSeam::DigestReceiver const receiver = receiver_;  // it may be deregistered meanwhile
+    return receiver(&message);
 }
 
 p4_pd_status_t ScriptChip::nextReturn(SdkFunction function) noexcept {
@@ -69,74 +76,19 @@ std::uint64_t ScriptChip::nextCount(std::uint32_t pipe) {
     return count;
 }
 
-// Completes a call with the chip's part and tells the listener.
-p4_pd_status_t ScriptChip::finish(SdkCall call) {
-    call.device = device_;
+void ScriptChip::call(SdkCall& call) {
+    if (call.function == SdkFunction::getPktCounters) {
+        call.count = nextCount(call.pipe);
+    }
     call.rc = nextReturn(call.function);
     if (listener_ != nullptr) {
         listener_->sdkCalled(call);
     }
-    return call.rc;
-}
-
-p4_pd_status_t ScriptChip::getPktCounters(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                          std::uint32_t appId, std::uint64_t& count) {
-    count = nextCount(pipe);
-    return finish({.function = SdkFunction::getPktCounters,
-                   .session = session,
-                   .pipe = pipe,
-                   .appId = appId,
-                   .count = count});
-}
-
-p4_pd_status_t ScriptChip::genOnePkt(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                     std::uint32_t genPort, std::uint8_t portIndex,
-                                     std::uint32_t appId, std::span<std::uint8_t const> pkt,
-                                     std::span<std::uint8_t const> phase0, std::uint16_t pktId) {
-    return finish({.function = SdkFunction::genOnePkt,
-                   .session = session,
-                   .pipe = pipe,
-                   .genPort = genPort,
-                   .portIndex = portIndex,
-                   .appId = appId,
-                   .pkt = {pkt.begin(), pkt.end()},
-                   .phase0 = {phase0.begin(), phase0.end()},
-                   .pktId = pktId});
-}
-
-p4_pd_status_t ScriptChip::disableAppId(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                        std::uint32_t appId) {
-    return finish(
-        {.function = SdkFunction::disableAppId, .session = session, .pipe = pipe, .appId = appId});
-}
-
-p4_pd_status_t ScriptChip::disablePktGen(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                         std::uint32_t genPort) {
-    return finish({.function = SdkFunction::disablePktGen,
-                   .session = session,
-                   .pipe = pipe,
-                   .genPort = genPort});
-}
-
-p4_pd_status_t ScriptChip::digestRegister(p4_pd_sess_hdl_t session, std::uint32_t handle,
-                                          pipe_flow_lrn_notify_cb callback, void* cookie) {
-    p4_pd_status_t const rc =
-        finish({.function = SdkFunction::digestRegister, .session = session, .handle = handle});
-    if (rc == 0) {
-        callback_ = Callback{session, callback, cookie};
+    if (call.function == SdkFunction::digestRegister && call.rc == 0) {
+        receiver_ = call.receiver();
+    } else if (call.function == SdkFunction::digestDeregister) {
+        receiver_ = {};
     }
-    return rc;
-}
-
-p4_pd_status_t ScriptChip::digestDeregister(p4_pd_sess_hdl_t session, std::uint32_t handle) {
-    callback_.reset();
-    return finish(
-        {.function = SdkFunction::digestDeregister, .session = session, .handle = handle});
-}
-
-p4_pd_status_t ScriptChip::notifyAck(p4_pd_sess_hdl_t session, std::uint32_t handle,
-                                     pipe_flow_lrn_msg_t*) {
-    return finish({.function = SdkFunction::notifyAck, .session = session, .handle = handle});
 }
 
 }  // namespace ScriptChip

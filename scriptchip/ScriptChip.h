@@ -1,8 +1,8 @@
 // The scripted chip: it does nothing by itself. It tells a listener of every call, gives back what
 // it was told to, and delivers answers and digests when asked.
 //
-//     ScriptChip::Journal journal;
-//     ScriptChip::ScriptChip chip(&journal);
+//     ScriptChip::CallLog log;
+//     ScriptChip::ScriptChip chip(&log);
 //     chip.sdkReturnIs(SdkFunction::genOnePkt, -5);       // the next one fails
 //     chip.phase0Data()->answerIs(ethernet1, bytes);      // delivered at once
 //     chip.counterIs(0, 1);
@@ -21,10 +21,10 @@
 #include <span>
 
 #include "Vanta/Node.h"
-#include "scriptchip/Digest.h"
 #include "scriptchip/Listener.h"
 #include "scriptchip/Phase0Data.h"
 #include "sdkseam/Chip.h"
+#include "sdkseam/DigestLayout.h"
 
 namespace ScriptChip {
 
@@ -44,8 +44,8 @@ class ScriptChip final : public SdkSeam::Chip {
 
     // What the tracer is given beside the functions.
     Vanta::Ptr<Phase0Data> const& phase0Data() const noexcept { return phase0Data_; }
-    Vanta::Ptr<DigestLayout> const& digestLayout() const noexcept { return digestLayout_; }
-    Vanta::Ptr<LearnQuanta> const& learnQuanta() const noexcept { return learnQuanta_; }
+    Vanta::Ptr<SdkSeam::DigestLayout> const& digestLayout() const noexcept { return digestLayout_; }
+    Vanta::Ptr<SdkSeam::LearnQuanta> const& learnQuanta() const noexcept { return learnQuanta_; }
 
     // What getPktCounters gives for a pipe from now on, 0 before. A list gives one value a read,
     // and its last value stays. A failing read counts as a read and gives the value too.
@@ -55,60 +55,40 @@ class ScriptChip final : public SdkSeam::Chip {
 
     // Of the calls of a function, the next `after` return 0, the `times` after those `rc`, then 0
     // again. In place of what the function was told before; `times` 0 cancels that.
-    void sdkReturnIs(SdkFunction function, p4_pd_status_t rc, std::uint32_t times = 1,
+    void sdkReturnIs(SdkSeam::SdkFunction function, p4_pd_status_t rc, std::uint32_t times = 1,
                      std::uint32_t after = 0) noexcept;
 
     // Calls the registered callback with one learn message of these entries (at most 65535), whose
     // first 8 bytes are the device, then zeros; returns what the callback returns. Nothing happens
     // without a callback.
-    std::optional<p4_pd_status_t> digest(std::span<DigestEntry const> entries);
-    std::optional<p4_pd_status_t> digest(std::initializer_list<DigestEntry> entries) {
+    std::optional<p4_pd_status_t> digest(std::span<SdkSeam::TraceDigest const> entries);
+    std::optional<p4_pd_status_t> digest(std::initializer_list<SdkSeam::TraceDigest> entries) {
         return digest(std::span(entries.begin(), entries.size()));
     }
     // Whether a callback is registered. A failing registration registers none; a deregistration
     // removes the callback whatever it returns.
-    bool hasCallback() const noexcept { return callback_.has_value(); }
+    bool hasCallback() const noexcept { return bool(receiver_); }
 
-    p4_pd_status_t getPktCounters(p4_pd_sess_hdl_t session, std::uint32_t pipe, std::uint32_t appId,
-                                  std::uint64_t& count) override;
-    p4_pd_status_t genOnePkt(p4_pd_sess_hdl_t session, std::uint32_t pipe, std::uint32_t genPort,
-                             std::uint8_t portIndex, std::uint32_t appId,
-                             std::span<std::uint8_t const> pkt,
-                             std::span<std::uint8_t const> phase0, std::uint16_t pktId) override;
-    p4_pd_status_t disableAppId(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                std::uint32_t appId) override;
-    p4_pd_status_t disablePktGen(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                 std::uint32_t genPort) override;
-    p4_pd_status_t digestRegister(p4_pd_sess_hdl_t session, std::uint32_t handle,
-                                  pipe_flow_lrn_notify_cb callback, void* cookie) override;
-    p4_pd_status_t digestDeregister(p4_pd_sess_hdl_t session, std::uint32_t handle) override;
-    p4_pd_status_t notifyAck(p4_pd_sess_hdl_t session, std::uint32_t handle,
-                             pipe_flow_lrn_msg_t* message) override;
+    void call(SdkSeam::SdkCall& call) override;
 
   private:
-    struct Callback {
-        p4_pd_sess_hdl_t session;
-        pipe_flow_lrn_notify_cb function;
-        void* cookie;
-    };
     struct Script {
         std::uint32_t after = 0;
         std::uint32_t times = 0;
         p4_pd_status_t rc = 0;
     };
 
-    p4_pd_status_t nextReturn(SdkFunction function) noexcept;
+    p4_pd_status_t nextReturn(SdkSeam::SdkFunction function) noexcept;
     std::uint64_t nextCount(std::uint32_t pipe);
-    p4_pd_status_t finish(SdkCall call);
 
     Listener* listener_;
     VynId::VynDevId device_;
     Vanta::Ptr<Phase0Data> phase0Data_;
-    Vanta::Ptr<DigestLayout> digestLayout_;
-    Vanta::Ptr<LearnQuanta> learnQuanta_;
+    Vanta::Ptr<SdkSeam::DigestLayout> digestLayout_;
+    Vanta::Ptr<SdkSeam::LearnQuanta> learnQuanta_;
     std::map<std::uint32_t, std::deque<std::uint64_t>> counters_;
-    std::array<Script, allSdkFunctions.size()> scripts_;
-    std::optional<Callback> callback_;
+    std::array<Script, SdkSeam::allSdkFunctions.size()> scripts_;
+    SdkSeam::DigestReceiver receiver_;
     std::optional<SdkSeam::Registration> registration_;
 };
 

@@ -4,95 +4,46 @@
 
 namespace Simulate {
 
-p4_pd_status_t Board::getPktCounters(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                     std::uint32_t appId, std::uint64_t& count) {
-    auto const rc = chip_.getPktCounters(session, pipe, appId, count);
-    recorder_.call({rc, count}, "getPktCounters session ", session, " pipe ", pipe, " app ", appId);
-    return rc;
-}
+using SdkSeam::SdkFunction;
 
-p4_pd_status_t Board::genOnePkt(p4_pd_sess_hdl_t session, std::uint32_t pipe, std::uint32_t genPort,
-                                std::uint8_t portIndex, std::uint32_t appId,
-                                std::span<std::uint8_t const> pkt,
-                                std::span<std::uint8_t const> phase0, std::uint16_t pktId) {
-    auto const rc = chip_.genOnePkt(session, pipe, genPort, portIndex, appId, pkt, phase0, pktId);
-    recorder_.call({rc, 0}, "genOnePkt session ", session, " pipe ", pipe, " gen ", genPort,
-                   " port ", unsigned{portIndex}, " app ", appId, " pkt ", pkt.size(), ":",
-                   digestOf(pkt), " phase0 ", phase0.size(), ":", digestOf(phase0), " id ", pktId);
-    packets_.injected(pipe, portIndex, pkt, pktId, rc == 0);
-    return rc;
-}
-
-p4_pd_status_t Board::disableAppId(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                   std::uint32_t appId) {
-    auto const rc = chip_.disableAppId(session, pipe, appId);
-    recorder_.call({rc, 0}, "disableAppId session ", session, " pipe ", pipe, " app ", appId);
-    packets_.appDisabled(rc == 0);
-    return rc;
-}
-
-p4_pd_status_t Board::disablePktGen(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                    std::uint32_t genPort) {
-    auto const rc = chip_.disablePktGen(session, pipe, genPort);
-    recorder_.call({rc, 0}, "disablePktGen session ", session, " pipe ", pipe, " gen ", genPort);
-    packets_.generatorDisabled(rc == 0);
-    return rc;
-}
-
-p4_pd_status_t Board::digestRegister(p4_pd_sess_hdl_t session, std::uint32_t handle,
-                                     pipe_flow_lrn_notify_cb callback, void* cookie) {
-    auto const rc = chip_.digestRegister(
-        session, handle,
-        [](p4_pd_sess_hdl_t, pipe_flow_lrn_msg_t* message, void* self) {
-            static_cast<Board*>(self)->deliver(*message, message);
-            return p4_pd_status_t{0};
-        },
-        this);
-    recorder_.call({rc, 0}, "digestRegister session ", session, " handle ", handle);
-    if (rc == 0) {
-        session_ = session;
-        callback_ = callback;
-        cookie_ = cookie;
+// A forged message is not the chip's to have back.
+void Board::called(SdkSeam::SdkCall& call, SdkSeam::Chip& behind) {
+    if (call.function != SdkFunction::notifyAck || call.message != forged_) {
+        behind.call(call);
     }
-    return rc;
+    recorder_.call(call);
+    if (call.function == SdkFunction::genOnePkt) {
+        packets_.injected(call);
+    } else if (call.function == SdkFunction::disableAppId) {
+        packets_.appDisabled(call.rc == 0);
+    } else if (call.function == SdkFunction::disablePktGen) {
+        packets_.generatorDisabled(call.rc == 0);
+    }
 }
 
-p4_pd_status_t Board::digestDeregister(p4_pd_sess_hdl_t session, std::uint32_t handle) {
-    auto const rc = chip_.digestDeregister(session, handle);
-    recorder_.call({rc, 0}, "digestDeregister session ", session, " handle ", handle);
-    callback_ = nullptr;
-    return rc;
-}
-
-p4_pd_status_t Board::notifyAck(p4_pd_sess_hdl_t session, std::uint32_t handle,
-                                pipe_flow_lrn_msg_t*) {
-    auto const rc = original_ != nullptr ? chip_.notifyAck(session, handle, original_) : 0;
-    recorder_.call({rc, 0}, "notifyAck session ", session, " handle ", handle);
-    return rc;
-}
-
-void Board::forge(std::vector<std::uint8_t> const& entries, std::uint16_t count) {
-    if (callback_ != nullptr) {
+void Board::forge(std::vector<SdkSeam::DigestEntry> const& entries) {
+    if (registered()) {
         pipe_flow_lrn_msg_t message{};
-        message.num_entries = count;
+        message.dev_tgt.device_id = Model::device;
+        message.num_entries = static_cast<std::uint16_t>(entries.size());
         message.entries = entries.data();
-        deliver(message, nullptr);
+        forged_ = &message;
+        static_cast<void>(received(&message, front_.receiver()));
+        forged_ = nullptr;
     }
 }
 
-void Board::deliver(pipe_flow_lrn_msg_t message, pipe_flow_lrn_msg_t* original) {
+p4_pd_status_t Board::received(pipe_flow_lrn_msg_t* message,
+                               SdkSeam::DigestReceiver const& receiver) {
     ++messages_;
-    message.dev_tgt.device_id = Model::device;
-    Wire::Message wired{message.num_entries, Bytes(8)};
-    std::memcpy(wired.bytes.data(), &message.dev_tgt, 8);
-    auto const* const first = static_cast<std::uint8_t const*>(message.entries);
+    Wire::Message wired{message->num_entries, Bytes(8)};
+    std::memcpy(wired.bytes.data(), &message->dev_tgt, 8);
+    auto const* const first = static_cast<std::uint8_t const*>(message->entries);
     wired.bytes.insert(wired.bytes.end(), first,
-                       first + message.num_entries * SoftChip::digestEntryBytes);
-    recorder_.note("message of ", message.num_entries, ":", digestOf(wired.bytes));
+                       first + message->num_entries * SdkSeam::digestEntryBytes);
+    recorder_.note("message of ", message->num_entries, ":", digestOf(wired.bytes));
     recorder_.wire().messages.push_back(std::move(wired));
-    original_ = original;
-    static_cast<void>(callback_(session_, &message, cookie_));
-    original_ = nullptr;
+    return receiver(message);
 }
 
 // ---- Phase 0

@@ -60,7 +60,8 @@ void Model::makeEngine() {
     if (supported_) {
         trace(engine, 9, "initSocket:PktGenSm initSocket");
         trace(engine, 9, "registerPktTracerDigest:");
-        auto const answer = call("digestRegister session ", session, " handle ", digestHandle);
+        auto const answer = call("pipe_mgr_lrn_digest_notification_register session ", session,
+                                 " device ", device, " handle ", digestHandle);
         if (answer.rc != 0) {
             trace(engine, 1,
                   "registerPktTracerDigest:failed to initialize digest, error: ", answer.rc);
@@ -74,7 +75,8 @@ void Model::makeEngine() {
 
 void Model::endEngine() {
     if (supported_) {
-        auto const answer = call("digestDeregister session ", session, " handle ", digestHandle);
+        auto const answer = call("pipe_mgr_lrn_digest_notification_deregister session ", session,
+                                 " device ", device, " handle ", digestHandle);
         trace(engine, 4, "deRegisterPktTracerDigest:pktTracerDigest deregistered:", answer.rc);
     }
     stream_.clear();
@@ -220,7 +222,8 @@ void Model::phase0Changed(Wire::Announcement const& announcement) {
 
 Wire::Answer Model::readCounter() {
     unsigned const pipe = engine_.current->port.pipe;
-    auto const answer = call("getPktCounters session ", session, " pipe ", pipe, " app ", appId);
+    auto const answer = call("getPktCounters session ", session, " device ", device, " pipe ", pipe,
+                             " appId ", appId);
     if (answer.rc != 0) {
         trace(engine, 1, "getPktCounters:error retrieving pktGen counters for pipeId:", pipe);
     }
@@ -242,9 +245,10 @@ void Model::send() {
     auto const response = responses_.find(job.intf);
     Bytes const phase0 = response == responses_.end() ? Bytes() : response->second.data;
     auto const sent =
-        call("genOnePkt session ", session, " pipe ", job.port.pipe, " gen ", genPort, " port ",
-             job.port.port % 256, " app ", appId, " pkt ", job.pkt.size(), ":", digestOf(job.pkt),
-             " phase0 ", phase0.size(), ":", digestOf(phase0), " id ", engine_.pktId);
+        call("genOnePkt session ", session, " device ", device, " pipe ", job.port.pipe,
+             " genPort ", genPort, " portIndex ", job.port.port % 256, " appId ", appId, " pkt ",
+             job.pkt.size(), ":", digestOf(job.pkt), " phase0 ", phase0.size(), ":",
+             digestOf(phase0), " pktId ", engine_.pktId);
     if (sent.rc != 0) {
         engine_.state = State::error;
         trace(engine, 1, "sendPkt:Error sending pkt ", named(job.id));
@@ -291,15 +295,16 @@ void Model::checkCount() {
 
 void Model::disable() {
     unsigned const pipe = engine_.current->port.pipe;
-    auto const app = call("disableAppId session ", session, " pipe ", pipe, " app ", appId);
+    auto const app = call("disableAppId session ", session, " device ", device, " pipe ", pipe,
+                          " appId ", appId);
     if (app.rc != 0) {
         trace(engine, 1, "disablePktGen:Error disabling appId for pipe:", pipe,
               " deviceId:", device);
         engine_.state = State::error;
         return;
     }
-    auto const generator =
-        call("disablePktGen session ", session, " pipe ", pipe, " gen ", genPort);
+    auto const generator = call("disablePktGen session ", session, " device ", device, " pipe ",
+                                pipe, " genPort ", genPort);
     if (generator.rc != 0) {
         trace(engine, 1, "disablePktGen:Error disabling pktGen for pipe:", pipe, " deviceId");
         engine_.state = State::error;
@@ -332,7 +337,8 @@ void Model::receive(Wire::Message const& message) {
         auto const part = static_cast<std::ptrdiff_t>(std::min(free, sent.size()));
         stream_.insert(stream_.end(), sent.begin(), sent.begin() + part);
     }
-    auto const acknowledged = call("notifyAck session ", session, " handle ", digestHandle);
+    auto const acknowledged =
+        call("pipe_mgr_flow_lrn_notify_ack session ", session, " handle ", digestHandle);
     if (acknowledged.rc != 0) {
         trace(engine, 1, "rcvPktTracerLearningDigest:failed to notify ack");
     }

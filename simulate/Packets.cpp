@@ -16,25 +16,24 @@ void Packets::engineIs(VynPacketTracer::PktGenSm const* engine) {
     answersToUse_ = 0;
 }
 
-void Packets::injected(std::uint32_t pipe, std::uint8_t portIndex,
-                       std::span<std::uint8_t const> pkt, std::uint16_t pktId, bool accepted) {
+void Packets::injected(SdkSeam::SdkCall const& call) {
     ++injections_;
-    lastRefused_ = !accepted;
+    lastRefused_ = call.rc != 0;
     auto const breach = [this](auto const&... parts) {
         recorder_.breachIs({"packets", joined(parts...)});
     };
     if (engine_ == nullptr || !engine_->curCfg()) {
-        return breach("packet ", pktId, " was injected without a job");
+        return breach("packet ", call.pktId, " was injected without a job");
     }
     auto const& job = *engine_->curCfg();
-    if (!std::ranges::equal(pkt, job.pkt().view()) || pipe != job.ingPortInfo().pipe() ||
-        portIndex != job.ingPortInfo().port().value() % 256) {
-        breach("packet ", pktId, " is not that of the job in work, ", line(job.req()));
+    if (!std::ranges::equal(call.pkt, job.pkt().view()) || call.pipe != job.ingPortInfo().pipe() ||
+        call.portIndex != job.ingPortInfo().port().value() % 256) {
+        breach("packet ", call.pktId, " is not that of the job in work, ", line(job.req()));
     }
-    if (static_cast<std::uint16_t>(lastPktId_ + 1) != pktId) {
-        breach("packet id ", pktId, " follows ", lastPktId_);
+    if (static_cast<std::uint16_t>(lastPktId_ + 1) != call.pktId) {
+        breach("packet id ", call.pktId, " follows ", lastPktId_);
     }
-    lastPktId_ = pktId;
+    lastPktId_ = call.pktId;
     if (inGenerator_ && *inGenerator_ != job.req()) {
         breach(line(job.req()), " was injected while ", line(*inGenerator_),
                " is in the generator");
@@ -43,10 +42,10 @@ void Packets::injected(std::uint32_t pipe, std::uint8_t portIndex,
         breach(line(job.req()), " was injected without a phase-0 answer of its own");
     }
     answersToUse_ = 0;
-    if (accepted) {
+    if (call.rc == 0) {
         inGenerator_ = job.req();
         appDisabled_ = false;
-        accepted_.push_back({pipe, portIndex, pktId, pkt.size()});
+        accepted_.push_back({call.pipe, call.portIndex, call.pktId, call.pkt.size()});
     }
 }
 

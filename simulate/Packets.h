@@ -5,11 +5,11 @@
 
 #include <cstdint>
 #include <optional>
-#include <span>
 #include <vector>
 
 #include "Plexa/IntfId.h"
 #include "VynPacketTracer/VynPtPktGenSm.h"
+#include "sdkseam/SdkCall.h"
 #include "simulate/Recorder.h"
 #include "softchip/SoftChip.h"
 
@@ -22,8 +22,8 @@ class Packets {
     // A tracer starts: its engine is not the one that the generator knows. Null: it is gone.
     void engineIs(VynPacketTracer::PktGenSm const* engine);
 
-    void injected(std::uint32_t pipe, std::uint8_t portIndex, std::span<std::uint8_t const> pkt,
-                  std::uint16_t pktId, bool accepted);
+    // A call of genOnePkt, with what the chip answered.
+    void injected(SdkSeam::SdkCall const& call);
     void appDisabled(bool done) { appDisabled_ = done; }
     void generatorDisabled(bool done);
     // A phase-0 answer is about to be announced.

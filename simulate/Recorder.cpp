@@ -82,6 +82,30 @@ void Recorder::traced(std::string_view handle, unsigned level, std::string_view 
     }
 }
 
+namespace {
+
+std::string sizeAndDigest(std::span<std::uint8_t const> bytes) {
+    return joined(bytes.size(), ":", digestOf(bytes));
+}
+
+std::uint64_t sizeAndDigest(std::uint64_t number) {
+    return number;
+}
+
+}  // namespace
+
+// A count that the function does not give is whatever its caller had.
+void Recorder::call(SdkSeam::SdkCall const& call) {
+    std::string line = joined("sdk ", sdkFunctionName(call.function));
+    eachArgument(call, [&line](std::string_view name, auto value) {
+        line += joined(" ", name, " ", sizeAndDigest(value));
+    });
+    bool const counts = call.function == SdkSeam::SdkFunction::getPktCounters;
+    Wire::Answer const answer{call.rc, counts ? call.count : 0};
+    note(line, " -> ", answer.rc, " count ", answer.count);
+    wire_.answers.push_back(answer);
+}
+
 void Recorder::breachIs(Breach breach) {
     if (!breach_) {
         breach_ = std::move(breach);

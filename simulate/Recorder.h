@@ -18,6 +18,7 @@
 #include "Trace/Tap.h"
 #include "Vanta/Tap.h"
 #include "VynPacketTracer/VynPtTypes.h"
+#include "sdkseam/SdkCall.h"
 #include "simulate/Text.h"
 #include "simulate/Wire.h"
 
@@ -38,11 +39,7 @@ class Recorder {
         log_.push_back(joined(parts...));
     }
     // A call of the chip: its line, and its answer for the wire.
-    template <class... Parts>
-    void call(Wire::Answer const& answer, Parts const&... parts) {
-        note("sdk ", parts..., " -> ", answer.rc, " count ", answer.count);
-        wire_.answers.push_back(answer);
-    }
+    void call(SdkSeam::SdkCall const& call);
 
     std::vector<std::string> const& log() const { return log_; }
     std::vector<std::string> takeLog() { return std::exchange(log_, {}); }

@@ -24,7 +24,7 @@ std::string listed(std::set<std::string> const& names) {
 }
 
 SoftChip::Config stepwiseChip() {
-    return {.device = 0,
+    return {.device = Model::device,
             .session = Model::session,
             .mode = SoftChip::Mode::stepwise,
             .journalLimit = SoftChip::Journal::unlimited};
@@ -191,7 +191,6 @@ void World::setRequest(Event const& event) {
 }
 
 void World::changeChip(Event const& event) {
-    using SoftChip::Call;
     auto const number = static_cast<unsigned>(event.a);
     switch (event.kind) {
         case Kind::chipStep:
@@ -200,7 +199,8 @@ void World::changeChip(Event const& event) {
             return chip_.change([port = static_cast<SoftChip::DevicePort>(number),
                                  up = event.flag](auto& tables) { tables.portUpIs(port, up); });
         case Kind::callFails:
-            return chip_.faults().failIs(static_cast<Call>(number), event.value, event.b, event.c);
+            return chip_.faults().failIs(static_cast<SdkSeam::SdkFunction>(number), event.value,
+                                         event.b, event.c);
         case Kind::phase0Late:
             return phase0_->lateIs(number, event.b, event.c);
         case Kind::phase0Lost:
@@ -241,20 +241,17 @@ void World::changeChip(Event const& event) {
 }
 
 void World::forge(Event const& event) {
-    std::vector<std::uint8_t> bytes;
-    auto const put = [&bytes](auto value) {
-        auto const* const raw = reinterpret_cast<std::uint8_t const*>(&value);
-        bytes.insert(bytes.end(), raw, raw + sizeof value);
-    };
+    std::vector<SdkSeam::DigestEntry> entries;
     for (auto const& entry : event.entries) {
-        put(static_cast<std::uint16_t>(tracer_->pktGenSm()->pktId() - entry.back));
-        put(entry.copyToCpu);
-        put(entry.l2Domain);
-        put(entry.egrPort);
-        put(entry.routed);
-        put(entry.dropCtl);
+        auto const pktId = static_cast<std::uint16_t>(tracer_->pktGenSm()->pktId() - entry.back);
+        entries.push_back(SdkSeam::packed({.pktId = pktId,
+                                           .copyToCpu = entry.copyToCpu,
+                                           .l2Domain = entry.l2Domain,
+                                           .egrPort = entry.egrPort,
+                                           .routed = entry.routed,
+                                           .dropCtl = entry.dropCtl}));
     }
-    board_.forge(bytes, static_cast<std::uint16_t>(event.entries.size()));
+    board_.forge(entries);
 }
 
 void World::start(bool supported) {

@@ -22,12 +22,12 @@
 #include "VynPacketTracer/VynPtSm.h"
 #include "VynSlice/ChipStatus.h"
 #include "VynSystem/SystemStatus.h"
+#include "sdkseam/DigestLayout.h"
 #include "simulate/Board.h"
 #include "simulate/Event.h"
 #include "simulate/Packets.h"
 #include "simulate/Program.h"
 #include "simulate/Recorder.h"
-#include "softchip/DigestLayout.h"
 #include "softchip/SoftChip.h"
 
 namespace Simulate {
@@ -91,10 +91,10 @@ class World {
     Vanta::Ptr<Orb::TaskSchedulerRoot> loop_ = Orb::TaskSchedulerRoot::TaskSchedulerRootIs();
     SoftChip::SoftChip chip_;
     Vanta::Ptr<SoftChip::Phase0Data> phase0_ = SoftChip::Phase0Data::Phase0DataIs(loop_);
-    Board board_{chip_, recorder_, packets_};
+    Board board_{recorder_, packets_};
     Vanta::Ptr<Phase0Desk> desk_ = Phase0Desk::Phase0DeskIs(phase0_, recorder_, packets_);
-    Vanta::Ptr<SoftChip::DigestLayout> layout_ = SoftChip::DigestLayout::DigestLayoutIs();
-    Vanta::Ptr<SoftChip::LearnQuanta> quanta_ = SoftChip::LearnQuanta::LearnQuantaIs();
+    Vanta::Ptr<SdkSeam::DigestLayout> layout_ = SdkSeam::DigestLayout::DigestLayoutIs();
+    Vanta::Ptr<SdkSeam::LearnQuanta> quanta_ = SdkSeam::LearnQuanta::LearnQuantaIs();
     std::vector<Hand> hands_;
     std::size_t room_;
     Vanta::Ptr<VynPacketTracer::PacketTracerSm> tracer_;

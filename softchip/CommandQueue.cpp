@@ -53,7 +53,7 @@ void CommandQueue::pushInjection(Injection const& injection) {
         command.pipe = injection.pipe;
         command.portIndex = injection.portIndex;
         command.pktId = injection.pktId;
-        command.receiver = injection.receiver;
+        command.registration = injection.registration;
         command.phase0Size = static_cast<std::uint32_t>(injection.phase0.size());
         command.bytes.assign(injection.phase0.begin(), injection.phase0.end());
         command.bytes.insert(command.bytes.end(), injection.pkt.begin(), injection.pkt.end());

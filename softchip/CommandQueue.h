@@ -31,7 +31,7 @@ struct Injection {
     std::uint8_t pipe = 0;
     std::uint8_t portIndex = 0;
     std::uint16_t pktId = 0;
-    std::uint32_t receiver = 0;
+    std::uint32_t registration = 0;
     std::span<std::uint8_t const> phase0;
     std::span<std::uint8_t const> pkt;
 };
@@ -45,7 +45,7 @@ struct Command {
     std::uint8_t pipe = 0;
     std::uint8_t portIndex = 0;
     std::uint16_t pktId = 0;
-    std::uint32_t receiver = 0;
+    std::uint32_t registration = 0;
     std::uint32_t phase0Size = 0;
     std::vector<std::uint8_t> bytes;  // phase-0 bytes, then the packet
     std::function<void(Tables&)> change;

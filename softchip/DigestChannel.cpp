@@ -5,21 +5,37 @@
 
 namespace SoftChip {
 
+using SdkSeam::DigestReceiver;
+using SdkSeam::TraceDigest;
 using Kind = JournalEntry::Kind;
 
-Status DigestChannel::registerCallback(Registration const& registration) {
+namespace {
+
+// What the pipeline tells of a decision.
+TraceDigest digestOf(std::uint16_t pktId, Decision const& decision) {
+    return {.pktId = pktId,
+            .copyToCpu = decision.copyToCpu,
+            .l2Domain = decision.l2Domain,
+            .egrPort = decision.egressPort,
+            .routed = decision.routed,
+            .dropCtl = decision.drop};
+}
+
+}  // namespace
+
+Status DigestChannel::registerCallback(DigestReceiver const& receiver) {
     std::lock_guard const lock(mutex_);
-    if (registration_) {
+    if (receiver_) {
         return Status::digestRegistered;
     }
-    registration_ = registration;
+    receiver_ = receiver;
     ++registrations_;
     return Status::ok;
 }
 
 Status DigestChannel::deregister() {
     std::unique_lock lock(mutex_);
-    if (!registration_) {
+    if (!receiver_) {
         return Status::digestUnregistered;
     }
     if (running_ != std::this_thread::get_id()) {
@@ -27,7 +43,7 @@ Status DigestChannel::deregister() {
         callbackEnded_.wait(lock, [this] { return !running_; });
         closing_ = false;
     }
-    registration_.reset();
+    receiver_ = {};
     starved_ = false;
     free_.splice(free_.end(), outstanding_);
     return Status::ok;
@@ -35,7 +51,7 @@ Status DigestChannel::deregister() {
 
 Status DigestChannel::acknowledge(pipe_flow_lrn_msg_t const* message, bool& resume) {
     std::lock_guard const lock(mutex_);
-    if (!registration_) {
+    if (!receiver_) {
         return Status::digestUnregistered;
     }
     auto const found = std::ranges::find_if(
@@ -53,25 +69,26 @@ std::size_t DigestChannel::outstanding() const {
     return outstanding_.size();
 }
 
-void DigestChannel::add(std::uint16_t pktId, Decision const& decision, Receiver receiver) {
-    Ready const digest{packDigestEntry(pktId, decision), receiver};
+void DigestChannel::add(std::uint16_t pktId, Decision const& decision,
+                        RegistrationNumber registration) {
+    Ready const ready{digestOf(pktId, decision), registration};
     auto const fault = faults_.digest(pktId);
     switch (fault ? fault->fate : DigestFate::sent) {
         case DigestFate::sent:
-            ready_.push_back(digest);
+            ready_.push_back(ready);
             overtakeHeld();
             break;
         case DigestFate::doubled:
-            note(Kind::digestDoubled, digest.entry);
-            ready_.insert(ready_.end(), 2, digest);
+            note(Kind::digestDoubled, pktId);
+            ready_.insert(ready_.end(), 2, ready);
             overtakeHeld();
             break;
         case DigestFate::lost:
-            note(Kind::digestLost, digest.entry);
+            note(Kind::digestLost, pktId);
             break;
         case DigestFate::held:
-            note(Kind::digestHeld, digest.entry);
-            held_.push_back({digest, fault->behind});
+            note(Kind::digestHeld, pktId);
+            held_.push_back({ready, fault->behind});
             break;
     }
 }
@@ -85,14 +102,14 @@ void DigestChannel::overtakeHeld() {
         if (held.behind == 0 || --held.behind > 0) {
             return false;
         }
-        ready_.push_back(held.digest);
+        ready_.push_back(held.ready);
         return true;
     });
 }
 
 void DigestChannel::releaseHeld() {
     for (auto const& held : held_) {
-        ready_.push_back(held.digest);
+        ready_.push_back(held.ready);
     }
     held_.clear();
 }
@@ -112,14 +129,17 @@ void DigestChannel::send() {
 // Hands out, or drops, what stands first and is for the same receiver. Returns how many digests are
 // done with; none if no message is free.
 std::size_t DigestChannel::sendSome(Digests digests) {
-    Registration registration;
+    DigestReceiver receiver;
     pipe_flow_lrn_msg_t* message = nullptr;
     auto const other = std::ranges::find_if(
-        digests, [&](Ready const& digest) { return digest.receiver != digests.front().receiver; });
+        digests, [registration = digests.front().registration](Ready const& ready) {
+            return ready.registration != registration;
+        });
     digests = digests.first(static_cast<std::size_t>(other - digests.begin()));
     {
         std::lock_guard const lock(mutex_);
-        if (closing_ || digests.front().receiver == 0 || digests.front().receiver != receiver()) {
+        if (closing_ || digests.front().registration == 0 ||
+            digests.front().registration != registration()) {
             drop(digests);
             return digests.size();
         }
@@ -127,22 +147,22 @@ std::size_t DigestChannel::sendSome(Digests digests) {
             starved_ = true;
             return 0;
         }
-        digests = digests.first(std::min(digests.size(), maxMessageEntries));
-        registration = *registration_;
+        digests = digests.first(std::min(digests.size(), SdkSeam::maxMessageEntries));
+        receiver = receiver_;
         message = fill(digests);
         running_ = std::this_thread::get_id();
     }
-    call(registration, message);
+    call(receiver, message);
     return digests.size();
 }
 
-void DigestChannel::call(Registration const& registration, pipe_flow_lrn_msg_t* message) {
+void DigestChannel::call(DigestReceiver const& receiver, pipe_flow_lrn_msg_t* message) {
     JournalEntry entry{.kind = Kind::digestMessage};
-    entry.session = registration.session;
-    entry.handle = digestHandle;
+    entry.session = receiver.session;
+    entry.handle = SdkSeam::digestHandle;
     entry.entries = message->num_entries;
     journal_.add(entry);
-    static_cast<void>(registration.callback(registration.session, message, registration.cookie));
+    static_cast<void>(receiver(message));
     std::lock_guard const lock(mutex_);
     running_.reset();
     callbackEnded_.notify_all();
@@ -155,10 +175,8 @@ pipe_flow_lrn_msg_t* DigestChannel::fill(Digests digests) {
     }
     outstanding_.splice(outstanding_.end(), free_, free_.begin());
     auto& message = outstanding_.back();
-    auto* place = message.entries.data();
-    for (auto const& digest : digests) {
-        place = std::ranges::copy(digest.entry, place).out;
-    }
+    std::ranges::transform(digests, message.entries.begin(),
+                           [](Ready const& ready) { return packed(ready.digest); });
     message.header = {};
     message.header.dev_tgt.device_id = device_;
     message.header.num_entries = static_cast<std::uint16_t>(digests.size());
@@ -167,14 +185,14 @@ pipe_flow_lrn_msg_t* DigestChannel::fill(Digests digests) {
 }
 
 void DigestChannel::drop(Digests digests) {
-    for (auto const& digest : digests) {
-        note(Kind::digestUndelivered, digest.entry);
+    for (auto const& ready : digests) {
+        note(Kind::digestUndelivered, ready.digest.pktId);
     }
 }
 
-void DigestChannel::note(JournalEntry::Kind kind, DigestEntry const& entry) {
+void DigestChannel::note(JournalEntry::Kind kind, std::uint16_t pktId) {
     JournalEntry line{.kind = kind};
-    line.pktId = pktIdOf(entry);
+    line.pktId = pktId;
     journal_.add(line);
 }
 

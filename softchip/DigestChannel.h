@@ -16,7 +16,7 @@
 // A packet's digest is for the registration under which the packet was injected, and for no later
 // one, whose packets may bear the same ids. At most `maxOutstanding` messages are outstanding;
 // further entries wait for an acknowledgement. The lock is never held while a callback runs.
-// Threads: registerCallback(), deregister() and receiver() the event thread; acknowledge() and
+// Threads: registerCallback(), deregister() and registration() the event thread; acknowledge() and
 // outstanding() any; the rest the chip's thread.
 #pragma once
 
@@ -30,8 +30,8 @@
 #include <thread>
 #include <vector>
 
-#include "PipeMgr/PipeMgr.h"
-#include "softchip/DigestLayout.h"
+#include "sdkseam/SdkCall.h"
+#include "sdkseam/TraceDigest.h"
 #include "softchip/Faults.h"
 #include "softchip/Journal.h"
 
@@ -41,26 +41,20 @@ class DigestChannel {
   public:
     static constexpr std::size_t maxOutstanding = 64;
 
-    // The number of a registration; none is 0.
-    using Receiver = std::uint32_t;
-
-    struct Registration {
-        p4_pd_sess_hdl_t session = 0;
-        pipe_flow_lrn_notify_cb callback = nullptr;
-        void* cookie = nullptr;
-    };
+    // A registration by its number; none is 0.
+    using RegistrationNumber = std::uint32_t;
 
     DigestChannel(std::uint8_t device, Faults& faults, Journal& journal)
         : device_(device), faults_(faults), journal_(journal) {}
 
     // Refuses a second registration.
-    Status registerCallback(Registration const& registration);
+    Status registerCallback(SdkSeam::DigestReceiver const& receiver);
     // Returns when no callback runs; none will run later. Messages that are outstanding then are
     // the chip's again. Refuses what is not registered.
     Status deregister();
 
-    // Whom the digests of packets that are injected now are for.
-    Receiver receiver() const { return registration_ ? registrations_ : 0; }
+    // The one that the digests of packets that are injected now are for.
+    RegistrationNumber registration() const { return receiver_ ? registrations_ : 0; }
 
     // Gives a message back. Refuses one that is not outstanding. `resume` becomes true if entries
     // waited for it: send() has something to do.
@@ -68,7 +62,7 @@ class DigestChannel {
     std::size_t outstanding() const;
 
     // Makes the digest of a packet ready, or does with it what a fault says.
-    void add(std::uint16_t pktId, Decision const& decision, Receiver receiver);
+    void add(std::uint16_t pktId, Decision const& decision, RegistrationNumber registration);
     // Makes ready what a fault holds back, in the order in which it was held.
     void releaseHeld();
     // Hands out what is ready, in as few messages as it takes. Entries for which nobody is
@@ -78,24 +72,24 @@ class DigestChannel {
   private:
     struct Message {
         pipe_flow_lrn_msg_t header{};
-        std::array<std::uint8_t, maxMessageBytes> entries{};
+        std::array<SdkSeam::DigestEntry, SdkSeam::maxMessageEntries> entries{};
     };
     struct Ready {
-        DigestEntry entry;
-        Receiver receiver;
+        SdkSeam::TraceDigest digest;
+        RegistrationNumber registration;
     };
     struct Held {
-        Ready digest;
+        Ready ready;
         std::uint32_t behind;  // later entries to wait for; 0: until released
     };
     using Digests = std::span<Ready const>;
 
     void overtakeHeld();
     std::size_t sendSome(Digests digests);
-    void call(Registration const& receiver, pipe_flow_lrn_msg_t* message);
+    void call(SdkSeam::DigestReceiver const& receiver, pipe_flow_lrn_msg_t* message);
     pipe_flow_lrn_msg_t* fill(Digests digests);
     void drop(Digests digests);
-    void note(JournalEntry::Kind kind, DigestEntry const& entry);
+    void note(JournalEntry::Kind kind, std::uint16_t pktId);
 
     std::uint8_t const device_;
     Faults& faults_;
@@ -113,8 +107,8 @@ class DigestChannel {
     bool starved_ = false;  // entries wait for an acknowledgement
     // Changed by the event thread alone, which reads them for every packet: apart from what the
     // chip's thread changes for every message.
-    alignas(64) std::optional<Registration> registration_;
-    Receiver registrations_ = 0;
+    alignas(64) SdkSeam::DigestReceiver receiver_;
+    RegistrationNumber registrations_ = 0;
 };
 
 }  // namespace SoftChip

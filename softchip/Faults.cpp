@@ -16,9 +16,10 @@ bool FaultWindow::meets() {
     return true;
 }
 
-void Faults::failIs(Call call, p4_pd_status_t status, std::uint64_t nth, std::uint64_t times) {
+void Faults::failIs(SdkFunction function, p4_pd_status_t status, std::uint64_t nth,
+                    std::uint64_t times) {
     std::lock_guard const lock(mutex_);
-    calls_[static_cast<std::size_t>(call)] = {FaultWindow(nth, times), status};
+    calls_[static_cast<std::size_t>(function)] = {FaultWindow(nth, times), status};
     noteForce();
 }
 
@@ -35,12 +36,12 @@ void Faults::clear() {
     noteForce();
 }
 
-std::optional<p4_pd_status_t> Faults::failure(Call call) {
+std::optional<p4_pd_status_t> Faults::failure(SdkFunction function) {
     if (!callsInForce_.load(std::memory_order_acquire)) {
         return std::nullopt;
     }
     std::lock_guard const lock(mutex_);
-    auto& fault = calls_[static_cast<std::size_t>(call)];
+    auto& fault = calls_[static_cast<std::size_t>(function)];
     bool const fails = fault.window.meets();
     noteForce();
     return fails ? std::optional(fault.status) : std::nullopt;

@@ -57,7 +57,8 @@ class Faults {
   public:
     // Of the calls of a function from now on, the nth and `times` in all return `status`, which is
     // not 0. Takes the place of what was ordered for the function; no times: nothing any more.
-    void failIs(Call call, p4_pd_status_t status, std::uint64_t nth = 1, std::uint64_t times = 1);
+    void failIs(SdkFunction function, p4_pd_status_t status, std::uint64_t nth = 1,
+                std::uint64_t times = 1);
 
     // Adds a fault of digest entries. Each fault counts every entry that is its concern; if several
     // meet an entry, the one ordered first decides.
@@ -67,7 +68,7 @@ class Faults {
     void clear();
 
     // For the chip. Counts a call; the status to fail with, if it is to fail.
-    std::optional<p4_pd_status_t> failure(Call call);
+    std::optional<p4_pd_status_t> failure(SdkFunction function);
     // Counts a digest entry; the fault that decides over it, or none.
     std::optional<DigestFault> digest(std::uint16_t pktId);
 
@@ -84,8 +85,8 @@ class Faults {
     void noteForce();
 
     std::mutex mutex_;
-    std::array<CallFault, callCount> calls_;  // by call
-    std::vector<DigestRule> digests_;         // in the order of ordering; those that are over go
+    std::array<CallFault, SdkSeam::allSdkFunctions.size()> calls_;  // by function
+    std::vector<DigestRule> digests_;  // in the order of ordering; those that are over go
     std::atomic<bool> callsInForce_ = false;
     std::atomic<bool> digestsInForce_ = false;
 };

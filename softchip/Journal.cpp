@@ -1,52 +1,47 @@
 #include "softchip/Journal.h"
 
 #include <algorithm>
+#include <string_view>
+#include <type_traits>
 
 namespace SoftChip {
 namespace {
 
+using SdkSeam::SdkCall;
 using Kind = JournalEntry::Kind;
 
-void add(std::string& line, char const* name, std::uint64_t value) {
+void add(std::string& line, std::string_view name, std::uint64_t value) {
     line.append(" ").append(name).append(" ").append(std::to_string(value));
 }
 
-void addArguments(std::string& line, JournalEntry const& entry) {
-    switch (entry.call) {
-        case Call::getPktCounters:
-            add(line, "pipe", entry.pipe);
-            add(line, "appId", entry.appId);
-            add(line, "count", entry.count);
-            break;
-        case Call::genOnePkt:
-            add(line, "pipe", entry.pipe);
-            add(line, "genPort", entry.genPort);
-            add(line, "portIndex", entry.portIndex);
-            add(line, "appId", entry.appId);
-            add(line, "pktBytes", entry.pktBytes);
-            add(line, "phase0Bytes", entry.phase0Bytes);
-            add(line, "pktId", entry.pktId);
-            break;
-        case Call::disableAppId:
-            add(line, "pipe", entry.pipe);
-            add(line, "appId", entry.appId);
-            break;
-        case Call::disablePktGen:
-            add(line, "pipe", entry.pipe);
-            add(line, "genPort", entry.genPort);
-            break;
-        case Call::digestRegister:
-        case Call::digestDeregister:
-        case Call::notifyAck:
-            add(line, "handle", entry.handle);
-            break;
-    }
+// The call without its bytes, of which an entry has the sizes alone.
+SdkCall callOf(JournalEntry const& entry) {
+    return {.function = entry.function,
+            .session = entry.session,
+            .pipe = entry.pipe,
+            .genPort = entry.genPort,
+            .appId = entry.appId,
+            .handle = entry.handle,
+            .pktId = entry.pktId,
+            .portIndex = entry.portIndex};
 }
 
 std::string callText(JournalEntry const& entry) {
-    std::string line = text(entry.call);
-    add(line, "session", entry.session);
-    addArguments(line, entry);
+    std::string line(sdkFunctionName(entry.function));
+    eachArgument(callOf(entry), [&](std::string_view name, auto value) {
+        if constexpr (std::is_integral_v<decltype(value)>) {
+            if (name != "device") {
+                add(line, name, value);
+            }
+        } else {
+            bool const isPkt = name == "pkt";
+            add(line, isPkt ? "pktBytes" : "phase0Bytes",
+                isPkt ? entry.pktBytes : entry.phase0Bytes);
+        }
+    });
+    if (entry.function == SdkFunction::getPktCounters) {
+        add(line, "count", entry.count);
+    }
     return line + " -> " + std::to_string(entry.result);
 }
 
@@ -85,6 +80,22 @@ char const* digestText(Kind kind) {
 }
 
 }  // namespace
+
+JournalEntry JournalEntry::of(SdkCall const& call) {
+    JournalEntry entry{.kind = Kind::call, .function = call.function};
+    entry.portIndex = call.portIndex;
+    entry.pktId = call.pktId;
+    entry.result = call.rc;
+    entry.session = call.session;
+    entry.pipe = call.pipe;
+    entry.appId = call.appId;
+    entry.genPort = call.genPort;
+    entry.handle = call.handle;
+    entry.pktBytes = static_cast<std::uint32_t>(call.pkt.size());
+    entry.phase0Bytes = static_cast<std::uint32_t>(call.phase0.size());
+    entry.count = call.count;
+    return entry;
+}
 
 std::string JournalEntry::text() const {
     switch (kind) {
@@ -127,16 +138,16 @@ void Journal::add(JournalEntry entry) {
 
 Journal::Lane& Journal::laneOf(JournalEntry const& entry) {
     // Acknowledgements come from inside the callback, which is the chip's thread.
-    bool const call = entry.kind == Kind::call && entry.call != Call::notifyAck;
+    bool const call = entry.kind == Kind::call && entry.function != SdkFunction::notifyAck;
     return call ? calls_ : chip_;
 }
 
 void Journal::count(Counters& counters, JournalEntry const& entry) {
     switch (entry.kind) {
         case Kind::call: {
-            auto const call = static_cast<std::size_t>(entry.call);
-            ++counters.calls[call];
-            counters.failures[call] += entry.result != 0 ? 1 : 0;
+            auto const function = static_cast<std::size_t>(entry.function);
+            ++counters.calls[function];
+            counters.failures[function] += entry.result != 0 ? 1 : 0;
             break;
         }
         case Kind::tableChange:
@@ -176,9 +187,9 @@ std::vector<JournalEntry> Journal::entries() const {
 Counters Journal::counters() const {
     std::scoped_lock const lock(calls_.mutex, chip_.mutex);
     Counters sum = chip_.counters;
-    for (std::size_t call = 0; call < callCount; ++call) {
-        sum.calls[call] += calls_.counters.calls[call];
-        sum.failures[call] += calls_.counters.failures[call];
+    for (std::size_t function = 0; function < Counters::functionCount; ++function) {
+        sum.calls[function] += calls_.counters.calls[function];
+        sum.failures[function] += calls_.counters.failures[function];
     }
     return sum;
 }

@@ -34,28 +34,34 @@ struct JournalEntry {
 
     std::uint64_t number = 0;
     Kind kind = Kind::call;
-    Call call = Call::getPktCounters;
-    std::uint8_t portIndex = 0;     // genOnePkt
-    std::uint16_t pktId = 0;        // genOnePkt, injection, digest...
-    p4_pd_status_t result = 0;      // calls
-    p4_pd_sess_hdl_t session = 0;   // calls
-    std::uint32_t pipe = 0;         // calls about a pipe, injection
-    std::uint32_t appId = 0;        // getPktCounters, genOnePkt, disableAppId
-    std::uint32_t genPort = 0;      // genOnePkt, disablePktGen
-    std::uint32_t handle = 0;       // calls about digests
-    std::uint32_t pktBytes = 0;     // genOnePkt, injection
-    std::uint32_t phase0Bytes = 0;  // genOnePkt
-    std::uint32_t entries = 0;      // digestMessage
-    std::uint64_t count = 0;        // getPktCounters
-    Decision decision{};            // injection
+    SdkFunction function = SdkFunction::getPktCounters;  // calls
+    std::uint8_t portIndex = 0;                          // genOnePkt
+    std::uint16_t pktId = 0;                             // genOnePkt, injection, digest...
+    p4_pd_status_t result = 0;                           // calls
+    p4_pd_sess_hdl_t session = 0;                        // calls
+    std::uint32_t pipe = 0;                              // calls about a pipe, injection
+    std::uint32_t appId = 0;                             // getPktCounters, genOnePkt, disableAppId
+    std::uint32_t genPort = 0;                           // genOnePkt, disablePktGen
+    std::uint32_t handle = 0;                            // calls about digests
+    std::uint32_t pktBytes = 0;                          // genOnePkt, injection
+    std::uint32_t phase0Bytes = 0;                       // genOnePkt
+    std::uint32_t entries = 0;                           // digestMessage
+    std::uint64_t count = 0;                             // getPktCounters
+    Decision decision{};                                 // injection
+
+    // A call as it is now.
+    static JournalEntry of(SdkSeam::SdkCall const& call);
 
     // One line: "genOnePkt session 1 pipe 0 ... -> 0".
     std::string text() const;
 };
 
 struct Counters {
-    std::array<std::uint64_t, callCount> calls{};     // by Call
-    std::array<std::uint64_t, callCount> failures{};  // of those, the ones that did not return 0
+    static constexpr std::size_t functionCount = SdkSeam::allSdkFunctions.size();
+
+    std::array<std::uint64_t, functionCount> calls{};  // by function
+    std::array<std::uint64_t, functionCount>
+        failures{};                                   // of those, the ones that did not return 0
     std::array<std::uint64_t, pipeCount> injected{};  // packets, by pipe
     std::uint64_t tableChanges = 0;
     std::uint64_t digestMessages = 0;
@@ -65,8 +71,12 @@ struct Counters {
     std::uint64_t digestsHeld = 0;
     std::uint64_t digestsUndelivered = 0;
 
-    std::uint64_t callsOf(Call call) const { return calls[static_cast<std::size_t>(call)]; }
-    std::uint64_t failuresOf(Call call) const { return failures[static_cast<std::size_t>(call)]; }
+    std::uint64_t callsOf(SdkFunction function) const {
+        return calls[static_cast<std::size_t>(function)];
+    }
+    std::uint64_t failuresOf(SdkFunction function) const {
+        return failures[static_cast<std::size_t>(function)];
+    }
 };
 
 class Journal {

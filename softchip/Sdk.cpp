@@ -2,26 +2,6 @@
 
 namespace SoftChip {
 
-char const* text(Call call) {
-    switch (call) {
-        case Call::getPktCounters:
-            return "getPktCounters";
-        case Call::genOnePkt:
-            return "genOnePkt";
-        case Call::disableAppId:
-            return "disableAppId";
-        case Call::disablePktGen:
-            return "disablePktGen";
-        case Call::digestRegister:
-            return "pipe_mgr_lrn_digest_notification_register";
-        case Call::digestDeregister:
-            return "pipe_mgr_lrn_digest_notification_deregister";
-        case Call::notifyAck:
-            return "pipe_mgr_flow_lrn_notify_ack";
-    }
-    return "?";
-}
-
 char const* text(Status status) {
     switch (status) {
         case Status::ok:

@@ -1,11 +1,10 @@
-// The SDK's functions by number, what the chip answers when it refuses, and the fixed numbers of
-// its packet generator.
+// What the chip answers when it refuses a call, and the fixed numbers of its packet generator.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
 
-#include "PipeMgr/PipeMgr.h"
+#include "sdkseam/SdkCall.h"
 
 namespace SoftChip {
 
@@ -13,16 +12,7 @@ inline constexpr std::uint32_t generatorPort = 68;          // in every pipe
 inline constexpr std::uint32_t generatorApp = 4;            // the one application that a pipe has
 inline constexpr std::size_t generatorBufferBytes = 16384;  // the longest packet
 
-enum class Call : std::uint8_t {
-    getPktCounters,
-    genOnePkt,
-    disableAppId,
-    disablePktGen,
-    digestRegister,
-    digestDeregister,
-    notifyAck,
-};
-inline constexpr std::size_t callCount = 7;
+using SdkSeam::SdkFunction;
 
 // What a call returns. Everything but `ok` is a refusal: the call has changed nothing.
 enum class Status : p4_pd_status_t {
@@ -40,8 +30,7 @@ enum class Status : p4_pd_status_t {
     unknownMessage,      // no such message is waiting for its acknowledgement
 };
 
-// The function's name, as the SDK spells it; the status in a few words.
-char const* text(Call call);
+// The status in a few words.
 char const* text(Status status);
 
 }  // namespace SoftChip

@@ -3,25 +3,10 @@
 #include "Vanta/Assert.h"
 
 namespace SoftChip {
+
+using SdkSeam::SdkCall;
+
 namespace {
-
-JournalEntry callEntry(Call call, p4_pd_sess_hdl_t session) {
-    JournalEntry entry{.kind = JournalEntry::Kind::call, .call = call};
-    entry.session = session;
-    return entry;
-}
-
-JournalEntry pipeCall(Call call, p4_pd_sess_hdl_t session, std::uint32_t pipe) {
-    auto entry = callEntry(call, session);
-    entry.pipe = pipe;
-    return entry;
-}
-
-JournalEntry digestCall(Call call, p4_pd_sess_hdl_t session, std::uint32_t handle) {
-    auto entry = callEntry(call, session);
-    entry.handle = handle;
-    return entry;
-}
 
 bool portExists(std::uint32_t pipe, std::uint8_t portIndex) {
     return portIndex < 128 && pipe * 128 + portIndex <= maxDevicePort;
@@ -50,125 +35,94 @@ SoftChip::~SoftChip() {
     }
 }
 
-// Counts the call and settles its result: a fault's, the refusal's, or 0.
-bool SoftChip::refused(JournalEntry& entry, Status refusal) {
-    auto const failure = faults_.failure(entry.call);
-    entry.result = failure ? *failure : static_cast<p4_pd_status_t>(refusal);
-    return entry.result != 0;
-}
-
-p4_pd_status_t SoftChip::getPktCounters(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                        std::uint32_t appId, std::uint64_t& count) {
-    auto entry = pipeCall(Call::getPktCounters, session, pipe);
-    entry.appId = appId;
-    if (!refused(entry, checkApp(session, pipe, appId))) {
-        entry.count = generators_[pipe].counter();
+// What was noted first may have its effect on the chip's thread.
+void SoftChip::call(SdkCall& call) {
+    auto const refusal = check(call);
+    auto const failure = faults_.failure(call.function);
+    call.rc = failure ? *failure : static_cast<p4_pd_status_t>(refusal);
+    call.count = 0;
+    bool wakes = false;
+    if (call.rc == 0) {
+        wakes = accept(call);
+    } else if (refusal == Status::ok && call.function == SdkFunction::digestDeregister) {
+        static_cast<void>(channel_.deregister());
     }
-    count = entry.count;
-    journal_.add(entry);
-    return entry.result;
-}
-
-p4_pd_status_t SoftChip::genOnePkt(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                   std::uint32_t genPort, std::uint8_t portIndex,
-                                   std::uint32_t appId, std::span<std::uint8_t const> pkt,
-                                   std::span<std::uint8_t const> phase0, std::uint16_t pktId) {
-    auto entry = pipeCall(Call::genOnePkt, session, pipe);
-    entry.genPort = genPort;
-    entry.portIndex = portIndex;
-    entry.appId = appId;
-    entry.pktBytes = static_cast<std::uint32_t>(pkt.size());
-    entry.phase0Bytes = static_cast<std::uint32_t>(phase0.size());
-    entry.pktId = pktId;
-    auto check = checkApp(session, pipe, appId);
-    check = firstOf(check, genPort == generatorPort, Status::unknownGenPort);
-    check = firstOf(check, portExists(pipe, portIndex), Status::unknownPort);
-    check = firstOf(check, !phase0.empty(), Status::noPhase0);
-    check =
-        firstOf(check, !pkt.empty() && pkt.size() <= generatorBufferBytes, Status::badPacketSize);
-    bool const accepted = !refused(entry, check);
-    journal_.add(entry);
-    if (accepted) {
-        generators_[pipe].enable();
-        queue_.pushInjection(
-            {static_cast<std::uint8_t>(pipe), portIndex, pktId, channel_.receiver(), phase0, pkt});
-    }
-    return entry.result;
-}
-
-p4_pd_status_t SoftChip::disableAppId(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                      std::uint32_t appId) {
-    auto entry = pipeCall(Call::disableAppId, session, pipe);
-    entry.appId = appId;
-    if (!refused(entry, checkApp(session, pipe, appId))) {
-        generators_[pipe].disableApp();
-    }
-    journal_.add(entry);
-    return entry.result;
-}
-
-p4_pd_status_t SoftChip::disablePktGen(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                       std::uint32_t genPort) {
-    auto entry = pipeCall(Call::disablePktGen, session, pipe);
-    entry.genPort = genPort;
-    auto const check =
-        firstOf(checkPipe(session, pipe), genPort == generatorPort, Status::unknownGenPort);
-    if (!refused(entry, check)) {
-        generators_[pipe].disablePort();
-    }
-    journal_.add(entry);
-    return entry.result;
-}
-
-p4_pd_status_t SoftChip::digestRegister(p4_pd_sess_hdl_t session, std::uint32_t handle,
-                                        pipe_flow_lrn_notify_cb callback, void* cookie) {
-    auto entry = digestCall(Call::digestRegister, session, handle);
-    if (!refused(entry, checkDigest(session, handle))) {
-        entry.result =
-            static_cast<p4_pd_status_t>(channel_.registerCallback({session, callback, cookie}));
-    }
-    journal_.add(entry);
-    return entry.result;
-}
-
-p4_pd_status_t SoftChip::digestDeregister(p4_pd_sess_hdl_t session, std::uint32_t handle) {
-    auto entry = digestCall(Call::digestDeregister, session, handle);
-    auto const check = checkDigest(session, handle);
-    bool const fails = refused(entry, check);
-    if (check == Status::ok) {
-        auto const status = channel_.deregister();
-        entry.result = fails ? entry.result : static_cast<p4_pd_status_t>(status);
-    }
-    journal_.add(entry);
-    return entry.result;
-}
-
-p4_pd_status_t SoftChip::notifyAck(p4_pd_sess_hdl_t session, std::uint32_t handle,
-                                   pipe_flow_lrn_msg_t* message) {
-    auto entry = digestCall(Call::notifyAck, session, handle);
-    bool resume = false;
-    if (!refused(entry, checkDigest(session, handle))) {
-        entry.result = static_cast<p4_pd_status_t>(channel_.acknowledge(message, resume));
-    }
-    journal_.add(entry);
-    if (resume) {
+    journal_.add(JournalEntry::of(call));
+    if (wakes) {
         queue_.wake();
+    } else if (call.rc == 0 && call.function == SdkFunction::genOnePkt) {
+        generators_[call.pipe].enable();
+        queue_.pushInjection({static_cast<std::uint8_t>(call.pipe), call.portIndex, call.pktId,
+                              channel_.registration(), call.phase0, call.pkt});
     }
-    return entry.result;
 }
 
-Status SoftChip::checkPipe(p4_pd_sess_hdl_t session, std::uint32_t pipe) const {
-    return firstOf(firstOf(Status::ok, session == config_.session, Status::unknownSession),
-                   pipe < pipeCount, Status::unknownPipe);
+// Does what is done before the call is noted. True if the chip's thread has something to do then.
+bool SoftChip::accept(SdkCall& call) {
+    bool wakes = false;
+    switch (call.function) {
+        case SdkFunction::getPktCounters:
+            call.count = generators_[call.pipe].counter();
+            break;
+        case SdkFunction::genOnePkt:
+            break;
+        case SdkFunction::disableAppId:
+            generators_[call.pipe].disableApp();
+            break;
+        case SdkFunction::disablePktGen:
+            generators_[call.pipe].disablePort();
+            break;
+        case SdkFunction::digestRegister:
+            call.rc = static_cast<p4_pd_status_t>(channel_.registerCallback(call.receiver()));
+            break;
+        case SdkFunction::digestDeregister:
+            call.rc = static_cast<p4_pd_status_t>(channel_.deregister());
+            break;
+        case SdkFunction::notifyAck:
+            call.rc = static_cast<p4_pd_status_t>(channel_.acknowledge(call.message, wakes));
+            break;
+    }
+    return wakes;
 }
 
-Status SoftChip::checkApp(p4_pd_sess_hdl_t session, std::uint32_t pipe, std::uint32_t appId) const {
-    return firstOf(checkPipe(session, pipe), appId == generatorApp, Status::unknownApp);
+Status SoftChip::check(SdkCall const& call) const {
+    switch (call.function) {
+        case SdkFunction::getPktCounters:
+        case SdkFunction::disableAppId:
+            return checkApp(call);
+        case SdkFunction::genOnePkt:
+            return checkInjection(call);
+        case SdkFunction::disablePktGen:
+            return firstOf(checkPipe(call), call.genPort == generatorPort, Status::unknownGenPort);
+        case SdkFunction::digestRegister:
+        case SdkFunction::digestDeregister:
+        case SdkFunction::notifyAck:
+            break;
+    }
+    return checkDigest(call);
 }
 
-Status SoftChip::checkDigest(p4_pd_sess_hdl_t session, std::uint32_t handle) const {
-    return firstOf(firstOf(Status::ok, session == config_.session, Status::unknownSession),
-                   handle == digestHandle, Status::unknownDigest);
+Status SoftChip::checkPipe(SdkCall const& call) const {
+    return firstOf(firstOf(Status::ok, call.session == config_.session, Status::unknownSession),
+                   call.pipe < pipeCount, Status::unknownPipe);
+}
+
+Status SoftChip::checkApp(SdkCall const& call) const {
+    return firstOf(checkPipe(call), call.appId == generatorApp, Status::unknownApp);
+}
+
+Status SoftChip::checkInjection(SdkCall const& call) const {
+    auto status = checkApp(call);
+    status = firstOf(status, call.genPort == generatorPort, Status::unknownGenPort);
+    status = firstOf(status, portExists(call.pipe, call.portIndex), Status::unknownPort);
+    status = firstOf(status, !call.phase0.empty(), Status::noPhase0);
+    bool const fits = !call.pkt.empty() && call.pkt.size() <= generatorBufferBytes;
+    return firstOf(status, fits, Status::badPacketSize);
+}
+
+Status SoftChip::checkDigest(SdkCall const& call) const {
+    return firstOf(firstOf(Status::ok, call.session == config_.session, Status::unknownSession),
+                   call.handle == SdkSeam::digestHandle, Status::unknownDigest);
 }
 
 void SoftChip::change(std::function<void(Tables&)> change) {
@@ -243,7 +197,7 @@ void SoftChip::inject(Command const& command) {
     if (explain) {
         explanations_.add(command.pktId, explanation_);
     }
-    channel_.add(command.pktId, entry.decision, command.receiver);
+    channel_.add(command.pktId, entry.decision, command.registration);
 }
 
 }  // namespace SoftChip

@@ -11,7 +11,7 @@
 // Stepwise: there is no thread; step() does its work, so that runs can be repeated exactly.
 //
 // An exception that leaves a table change ends the process.
-// Threads: notifyAck() any, everything else the event thread.
+// Threads: acknowledgements any, everything else the event thread.
 #pragma once
 
 #include <array>
@@ -47,24 +47,10 @@ class SoftChip final : public SdkSeam::Chip {
     SoftChip& operator=(SoftChip const&) = delete;
     ~SoftChip();
 
-    // The SDK's functions, as VynSdk/VynSdk.h and PipeMgr/PipeMgr.h say. A call that is refused or
-    // fails by order changes nothing, but for a deregistration that fails by order.
-    p4_pd_status_t getPktCounters(p4_pd_sess_hdl_t session, std::uint32_t pipe, std::uint32_t appId,
-                                  std::uint64_t& count) override;
-    p4_pd_status_t genOnePkt(p4_pd_sess_hdl_t session, std::uint32_t pipe, std::uint32_t genPort,
-                             std::uint8_t portIndex, std::uint32_t appId,
-                             std::span<std::uint8_t const> pkt,
-                             std::span<std::uint8_t const> phase0, std::uint16_t pktId) override;
-    p4_pd_status_t disableAppId(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                std::uint32_t appId) override;
-    p4_pd_status_t disablePktGen(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                 std::uint32_t genPort) override;
-    p4_pd_status_t digestRegister(p4_pd_sess_hdl_t session, std::uint32_t handle,
-                                  pipe_flow_lrn_notify_cb callback, void* cookie) override;
-    // Returns when no callback runs; none will run later.
-    p4_pd_status_t digestDeregister(p4_pd_sess_hdl_t session, std::uint32_t handle) override;
-    p4_pd_status_t notifyAck(p4_pd_sess_hdl_t session, std::uint32_t handle,
-                             pipe_flow_lrn_msg_t* message) override;
+    // A call of one of the SDK's functions, as VynSdk/VynSdk.h and PipeMgr/PipeMgr.h say. A call
+    // that is refused or fails by order changes nothing, but for a deregistration that fails by
+    // order. A deregistration returns when no callback runs; none will run later.
+    void call(SdkSeam::SdkCall& call) override;
 
     // Has the tables changed, behind what was injected before. What `change` refers to is used and
     // destroyed on the chip's thread: no counted pointers, texts or bytes of the object framework.
@@ -90,10 +76,12 @@ class SoftChip final : public SdkSeam::Chip {
     std::size_t outstandingMessages() const { return channel_.outstanding(); }
 
   private:
-    bool refused(JournalEntry& entry, Status refusal);
-    Status checkPipe(p4_pd_sess_hdl_t session, std::uint32_t pipe) const;
-    Status checkApp(p4_pd_sess_hdl_t session, std::uint32_t pipe, std::uint32_t appId) const;
-    Status checkDigest(p4_pd_sess_hdl_t session, std::uint32_t handle) const;
+    Status check(SdkSeam::SdkCall const& call) const;
+    Status checkPipe(SdkSeam::SdkCall const& call) const;
+    Status checkApp(SdkSeam::SdkCall const& call) const;
+    Status checkInjection(SdkSeam::SdkCall const& call) const;
+    Status checkDigest(SdkSeam::SdkCall const& call) const;
+    bool accept(SdkSeam::SdkCall& call);
 
     void run();
     void carryOut(std::span<Command> commands);

@@ -44,7 +44,7 @@ inline Lines const deregistered{
 // the chip goes last.
 class Switch : public testing::Test {
   protected:
-    using SdkFunction = ScriptChip::SdkFunction;
+    using SdkFunction = SdkSeam::SdkFunction;
 
     Switch() { loop->yieldAfterIs(Orb::TaskSchedulerRoot::neverYield); }
     void TearDown() override {
@@ -99,7 +99,7 @@ class Switch : public testing::Test {
     void fails(SdkFunction function, p4_pd_status_t rc = -5, std::uint32_t times = 1) {
         chip.sdkReturnIs(function, rc, times);
     }
-    void digest(std::initializer_list<ScriptChip::DigestEntry> entries) { chip.digest(entries); }
+    void digest(std::initializer_list<SdkSeam::TraceDigest> entries) { chip.digest(entries); }
 
     // ---- What came of them
 

@@ -82,12 +82,12 @@ class Recorder final : public ScriptChip::Listener {
     // What is put in front of every line, as it is at that moment.
     std::function<std::string()> mark;
     // What a test does inside a call of the chip or a trace statement, once it is noted.
-    std::function<void(ScriptChip::SdkCall const&)> onSdkCall;
+    std::function<void(SdkSeam::SdkCall const&)> onSdkCall;
     std::function<void()> onTrace;
 
-    void sdkCalled(ScriptChip::SdkCall const& call) override {
+    void sdkCalled(SdkSeam::SdkCall const& call) override {
         if (hears_) {
-            note("sdk " + callText(call));
+            note("sdk " + SdkSeam::text(call));
         }
         if (onSdkCall) {
             onSdkCall(call);
@@ -181,40 +181,6 @@ class Recorder final : public ScriptChip::Listener {
     static std::string text(PacketTracer::ResultEntry const& entry) {
         return "(" + entry.physicalIntf().stringValue() + "," + entry.logicalIntf().stringValue() +
                ")";
-    }
-
-    static std::string callText(ScriptChip::SdkCall const& call) {
-        using Function = ScriptChip::SdkFunction;
-        auto const member = [](std::string_view name, std::uint64_t value) {
-            return " " + std::string(name) + "=" + std::to_string(value);
-        };
-        std::string line(sdkFunctionName(call.function));
-        line += member("session", call.session);
-        if (call.function != Function::notifyAck) {
-            line += member("device", call.device);
-        }
-        switch (call.function) {
-            case Function::getPktCounters:
-            case Function::disableAppId:
-                line += member("pipe", call.pipe) + member("appId", call.appId);
-                break;
-            case Function::disablePktGen:
-                line += member("pipe", call.pipe) + member("genPort", call.genPort);
-                break;
-            case Function::genOnePkt:
-                line += member("pipe", call.pipe) + member("genPort", call.genPort) +
-                        member("portIndex", call.portIndex) + member("appId", call.appId) +
-                        " pkt=" + Vanta::hexText(call.pkt) +
-                        " phase0=" + Vanta::hexText(call.phase0) + member("pktId", call.pktId);
-                break;
-            case Function::digestRegister:
-            case Function::digestDeregister:
-            case Function::notifyAck:
-                line += member("handle", call.handle);
-        }
-        line += " -> " + std::to_string(call.rc);
-        return call.function == Function::getPktCounters ? line + member("count", call.count)
-                                                         : line;
     }
 
     bool hears_ = false;

@@ -12,7 +12,7 @@
 namespace VynPacketTracer {
 namespace {
 
-using ScriptChip::DigestEntry;
+using SdkSeam::TraceDigest;
 
 std::string const acknowledged = "sdk pipe_mgr_flow_lrn_notify_ack session=1 handle=77 -> 0";
 
@@ -40,7 +40,7 @@ class DigestTest : public EngineTest {
         return made;
     }
     // What a digest brings about on the event thread.
-    Lines processed(std::initializer_list<DigestEntry> entries) {
+    Lines processed(std::initializer_list<TraceDigest> entries) {
         chip.digest(entries);
         return turned();
     }
@@ -222,7 +222,7 @@ TEST_F(CallbackTest, AShortSendCountsAsSent) {
     ASSERT_EQ(
         ::setsockopt(engine->socketPairWriteDesc(), SOL_SOCKET, SO_SNDBUF, &small, sizeof small),
         0);
-    std::vector<DigestEntry> const entries(65535);
+    std::vector<TraceDigest> const entries(65535);
     recorder.take();
     chip.digest(entries);
     EXPECT_EQ(happened(), received(65535) + Lines{acknowledged});
@@ -281,13 +281,13 @@ TEST_F(ReadTest, EntriesThatAreNotThereAreTracedWithTheReadsOwnResult) {
 }
 
 TEST_F(ReadTest, AsManyEntriesAsTheBufferTakesAreRead) {
-    std::vector<DigestEntry> const entries(455);  // 4095 bytes
+    std::vector<TraceDigest> const entries(455);  // 4095 bytes
     chip.digest(entries);
     EXPECT_EQ(first(turned()), processing(455));
 }
 
 TEST_F(ReadTest, MoreEntriesThanTheBufferTakesAreRefused) {
-    std::vector<DigestEntry> const entries(456);  // 4104 bytes
+    std::vector<TraceDigest> const entries(456);  // 4104 bytes
     chip.digest(entries);
     EXPECT_EQ(turned(),
               (Lines{engineTrace(1, "processPktTracerDigest:Too many entries:456 bufSize:4096")}));
@@ -296,7 +296,7 @@ TEST_F(ReadTest, MoreEntriesThanTheBufferTakesAreRefused) {
 TEST_F(ReadTest, EntriesThatAreRefusedStayInTheStream) {
     // Ten bytes of them are the next header: its number is made of the first entry's drop control
     // and the low byte of the second one's packet id.
-    std::vector<DigestEntry> entries(456);
+    std::vector<TraceDigest> entries(456);
     entries[1].pktId = 1;
     chip.digest(entries);
     turn();
@@ -549,7 +549,7 @@ TEST_F(DigestTest, APortThatIsTheLastOfItsPipeIsReportedInThatPipe) {
 
 TEST_F(DigestTest, ATapThatFailsOnTheSdksThreadEndsTheProcess) {
     failsAtTrace("Received pkt tracer digest");
-    expectEnd([&] { chip.digest({DigestEntry{.pktId = 1}}); }, {received(1)[0]}, "runtime_error",
+    expectEnd([&] { chip.digest({TraceDigest{.pktId = 1}}); }, {received(1)[0]}, "runtime_error",
               "the tap");
 }
 
@@ -565,7 +565,7 @@ class WideLayout final : public VyPd::VyPdIntf {
 
   private:
     friend struct Vanta::NodeFactory;
-    Vanta::Ptr<ScriptChip::DigestLayout> layout_ = ScriptChip::DigestLayout::DigestLayoutIs();
+    Vanta::Ptr<SdkSeam::DigestLayout> layout_ = SdkSeam::DigestLayout::DigestLayoutIs();
 };
 
 TEST_F(EngineTest, EntriesThatFillTheBufferExactlyAreProcessed) {

@@ -36,8 +36,7 @@ class BentLayout final : public VyPd::VyPdIntf {
     }
 
   private:
-    Vanta::Ptr<ScriptChip::DigestLayout> const straight_ =
-        ScriptChip::DigestLayout::DigestLayoutIs();
+    Vanta::Ptr<SdkSeam::DigestLayout> const straight_ = SdkSeam::DigestLayout::DigestLayoutIs();
 };
 
 class LayoutTest : public EngineTest {
@@ -53,7 +52,7 @@ class LayoutTest : public EngineTest {
         status->statusIs(id("noc", number))->pktIdIs(pktId);
         recorder.take();
     }
-    Lines processed(std::initializer_list<ScriptChip::DigestEntry> entries) {
+    Lines processed(std::initializer_list<SdkSeam::TraceDigest> entries) {
         chip.digest(entries);
         return turned();
     }

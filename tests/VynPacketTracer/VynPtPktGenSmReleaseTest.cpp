@@ -61,7 +61,7 @@ class EngineReleaseTest : public EngineTest {
     // What the engine is when its destructor begins to work.
     void release() {
         task = engine->task();
-        recorder.onSdkCall = [this, raw = engine.get()](ScriptChip::SdkCall const& call) {
+        recorder.onSdkCall = [this, raw = engine.get()](SdkSeam::SdkCall const& call) {
             if (call.function == SdkFunction::digestDeregister) {
                 stateAtEnd = raw->state();
                 scheduledAtEnd = task->isScheduled();
@@ -70,7 +70,7 @@ class EngineReleaseTest : public EngineTest {
         engine = nullptr;
     }
     void releaseAtCall(SdkFunction function) {
-        recorder.onSdkCall = [this, function](ScriptChip::SdkCall const& call) {
+        recorder.onSdkCall = [this, function](SdkSeam::SdkCall const& call) {
             if (call.function == function) {
                 release();
             }

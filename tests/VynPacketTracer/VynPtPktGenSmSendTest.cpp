@@ -320,29 +320,7 @@ TEST_F(CounterTest, ACounterThatCannotBeReadIsLikeOneThatDidNotMove) {
 
 // A chip that refuses every call and writes nothing.
 struct RefusingChip final : SdkSeam::Chip {
-    p4_pd_status_t getPktCounters(p4_pd_sess_hdl_t, std::uint32_t, std::uint32_t,
-                                  std::uint64_t&) override {
-        return -5;
-    }
-    p4_pd_status_t genOnePkt(p4_pd_sess_hdl_t, std::uint32_t, std::uint32_t, std::uint8_t,
-                             std::uint32_t, std::span<std::uint8_t const>,
-                             std::span<std::uint8_t const>, std::uint16_t) override {
-        return -5;
-    }
-    p4_pd_status_t disableAppId(p4_pd_sess_hdl_t, std::uint32_t, std::uint32_t) override {
-        return -5;
-    }
-    p4_pd_status_t disablePktGen(p4_pd_sess_hdl_t, std::uint32_t, std::uint32_t) override {
-        return -5;
-    }
-    p4_pd_status_t digestRegister(p4_pd_sess_hdl_t, std::uint32_t, pipe_flow_lrn_notify_cb,
-                                  void*) override {
-        return -5;
-    }
-    p4_pd_status_t digestDeregister(p4_pd_sess_hdl_t, std::uint32_t) override { return -5; }
-    p4_pd_status_t notifyAck(p4_pd_sess_hdl_t, std::uint32_t, pipe_flow_lrn_msg_t*) override {
-        return -5;
-    }
+    void call(SdkSeam::SdkCall& call) override { call.rc = -5; }
 };
 
 TEST_F(CounterTest, ACounterThatIsNotWrittenIsTracedAsNone) {

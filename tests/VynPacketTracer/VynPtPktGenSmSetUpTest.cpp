@@ -42,7 +42,7 @@ TEST_F(SetUpTest, HandleInitializedAgainChangesNothing) {
               (Lines{engineTrace(7, "handleInitialized:")}));
     EXPECT_EQ(engine->state(), State::waitPktSent);
     EXPECT_EQ(engine->pktId(), 1);
-    EXPECT_EQ(engine->learnQuantaIndex(), ScriptChip::digestLearnQuantaIndex);
+    EXPECT_EQ(engine->learnQuantaIndex(), SdkSeam::digestQuantaIndex);
 }
 
 TEST_F(SetUpTest, InitSocketAgainKeepsTheSocketPair) {

@@ -93,12 +93,12 @@ TEST_F(EngineOfTracerTest, OfAnotherTraceSupportIsReplaced) {
 }
 
 TEST_F(EngineOfTracerTest, OfAnotherResourceInfoIsReplaced) {
-    std::get<6>(given) = ScriptChip::LearnQuanta::LearnQuantaIs();
+    std::get<6>(given) = SdkSeam::LearnQuanta::LearnQuantaIs();
     expectReplaced();
 }
 
 TEST_F(EngineOfTracerTest, OfAnotherDigestLayoutIsReplaced) {
-    std::get<7>(given) = ScriptChip::DigestLayout::DigestLayoutIs();
+    std::get<7>(given) = SdkSeam::DigestLayout::DigestLayoutIs();
     expectReplaced();
 }
 

@@ -13,8 +13,8 @@
 namespace Agent {
 namespace {
 
-using SoftChip::Call;
 using SoftChip::JournalEntry;
+using SoftChip::SdkFunction;
 using Lines = std::vector<std::string>;
 
 constexpr int failure = -5;
@@ -100,7 +100,7 @@ class Road {
         Lines names;
         for (auto const& entry : agent.chip().journal().entries()) {
             if (entry.kind == JournalEntry::Kind::call) {
-                names.emplace_back(SoftChip::text(entry.call));
+                names.emplace_back(sdkFunctionName(entry.function));
             }
         }
         return names;
@@ -133,7 +133,7 @@ Lines const takenLeave{"deRegisterPktTracerDigest:pktTracerDigest deregistered:0
 // The failing call, by its place among those of its function, and what comes of it.
 struct Failing {
     char const* name;
-    Call call;
+    SdkFunction call;
     unsigned nth;
     Lines told;
     Lines calls;
@@ -170,32 +170,32 @@ std::string const counterNotRead = "getPktCounters:error retrieving pktGen count
 INSTANTIATE_TEST_SUITE_P(
     Each, FailingChipCall,
     testing::Values(
-        Failing{"CounterBeforeTheInjection", Call::getPktCounters, 1,
+        Failing{"CounterBeforeTheInjection", SdkFunction::getPktCounters, 1,
                 Lines{counterNotRead} + takenLeave, counter + disable + wholeTrace},
-        Failing{"Injection", Call::genOnePkt, 1,
+        Failing{"Injection", SdkFunction::genOnePkt, 1,
                 Lines{"sendPkt:Error sending pkt clientName:noc reqId:1"} + takenLeave,
                 injection + disable + wholeTrace},
-        Failing{"CounterBeforeThePacketWasSent", Call::getPktCounters, 2,
+        Failing{"CounterBeforeThePacketWasSent", SdkFunction::getPktCounters, 2,
                 Lines{counterNotRead} + takenLeave, wholeTrace},
-        Failing{"Acknowledgement", Call::notifyAck, 1,
+        Failing{"Acknowledgement", SdkFunction::notifyAck, 1,
                 Lines{"rcvPktTracerLearningDigest:failed to notify ack"} + takenLeave, wholeTrace,
                 1},
-        Failing{"CounterAfterThePacketWasSent", Call::getPktCounters, 3,
+        Failing{"CounterAfterThePacketWasSent", SdkFunction::getPktCounters, 3,
                 Lines{counterNotRead} + takenLeave,
                 injection + counter + ack + counter + counter + disable},
-        Failing{"DisablingTheApplication", Call::disableAppId, 1,
+        Failing{"DisablingTheApplication", SdkFunction::disableAppId, 1,
                 Lines{"disablePktGen:Error disabling appId for pipe:1 deviceId:0"} + takenLeave,
                 injection + counter + ack + counter + Lines{"disableAppId"} + disable + wholeTrace},
-        Failing{"DisablingTheGenerator", Call::disablePktGen, 1,
+        Failing{"DisablingTheGenerator", SdkFunction::disablePktGen, 1,
                 Lines{"disablePktGen:Error disabling pktGen for pipe:1 deviceId"} + takenLeave,
                 injection + counter + ack + counter + disable + disable + wholeTrace},
-        Failing{"Deregistration", Call::digestDeregister, 1,
+        Failing{"Deregistration", SdkFunction::digestDeregister, 1,
                 Lines{"deRegisterPktTracerDigest:pktTracerDigest deregistered:-5"}, wholeTrace}),
     [](auto const& failing) { return std::string(failing.param.name); });
 
 TEST(ChipCall, ARegistrationThatFailsEndsTheProcess) {
     Road road;
-    road.agent.chip().faults().failIs(Call::digestRegister, failure);
+    road.agent.chip().faults().failIs(SdkFunction::digestRegister, failure);
     EXPECT_EXIT(
         {
             Vanta::LastStep const step(

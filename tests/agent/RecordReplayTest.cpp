@@ -16,8 +16,8 @@ namespace Agent {
 namespace {
 
 using namespace std::chrono_literals;
-using SoftChip::Call;
 using SoftChip::DigestFate;
+using SoftChip::SdkFunction;
 
 constexpr char const* switchFile = R"({
     "routerMac": "02:00:00:00:ff:01",
@@ -137,7 +137,7 @@ TEST_F(RecordReplay, ARequestByItsFields) {
     EXPECT_EQ(count(scenario, R"("raw":"020000000002020000000001)"), 1U);
 }
 
-class FailingCall : public RecordReplay, public testing::WithParamInterface<Call> {};
+class FailingCall : public RecordReplay, public testing::WithParamInterface<SdkFunction> {};
 
 TEST_P(FailingCall, EachTimeInTurn) {
     for (std::uint64_t nth = 1; nth <= 4; ++nth) {
@@ -155,11 +155,11 @@ TEST_P(FailingCall, EachTimeInTurn) {
 }
 
 INSTANTIATE_TEST_SUITE_P(Calls, FailingCall,
-                         testing::Values(Call::getPktCounters, Call::genOnePkt, Call::disableAppId,
-                                         Call::disablePktGen, Call::notifyAck,
-                                         Call::digestDeregister),
+                         testing::Values(SdkFunction::getPktCounters, SdkFunction::genOnePkt,
+                                         SdkFunction::disableAppId, SdkFunction::disablePktGen,
+                                         SdkFunction::notifyAck, SdkFunction::digestDeregister),
                          [](auto const& instance) {
-                             return std::string(SoftChip::text(instance.param));
+                             return std::string(sdkFunctionName(instance.param));
                          });
 
 TEST_F(RecordReplay, DigestsLostDoubledAndHeld) {
@@ -403,8 +403,8 @@ TEST_F(RecordReplay, AChipWithAThreadOfItsOwn) {
             auto& faults = agent.chip().faults();
             faults.digestIs({.fate = DigestFate::doubled, .nth = 5, .times = 5});
             faults.digestIs({.fate = DigestFate::held, .nth = 20, .times = 3, .behind = 2});
-            faults.failIs(Call::disableAppId, 4, 30, 2);
-            faults.failIs(Call::notifyAck, 5, 11);
+            faults.failIs(SdkFunction::disableAppId, 4, 30, 2);
+            faults.failIs(SdkFunction::notifyAck, 5, 11);
             Client client(agent);
             unsigned answers = 0;
             for (unsigned i = 0; i < 100; ++i) {

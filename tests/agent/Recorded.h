@@ -16,8 +16,7 @@
 #include "agent/ForwardingAgent.h"
 #include "replay/Printer.h"
 #include "replay/Replay.h"
-#include "scriptchip/SdkCall.h"
-#include "sdkseam/Interposition.h"
+#include "sdkseam/ForwardingChip.h"
 
 namespace Agent {
 
@@ -60,92 +59,20 @@ inline void dropEnds(std::string& eventThread) {
 }
 
 // Prints a live run as a replay prints its own: taps and, in front of the chip, its calls.
-class LiveObservation final : public SdkSeam::Chip {
+class LiveObservation final : public SdkSeam::CallHook {
   public:
     LiveObservation() = default;
     LiveObservation(LiveObservation const&) = delete;
     LiveObservation& operator=(LiveObservation const&) = delete;
 
-    // Stands in front of whoever has the device's place.
-    void calls(VynId::VynDevId device) {
-        device_ = device;
-        front_.emplace(device, *this);
-    }
+    // Stands in front of what stands before the device's chip already.
+    void calls(VynId::VynDevId device) { front_.emplace(device, *this); }
     void callsNoMore() { front_.reset(); }
 
     Observed take() {
         std::scoped_lock const lock(mutex_);
         printer_.flush();
         return sorted(out_.str());
-    }
-
-    p4_pd_status_t getPktCounters(p4_pd_sess_hdl_t session, std::uint32_t pipe, std::uint32_t appId,
-                                  std::uint64_t& count) override {
-        auto const rc = front_->behind().getPktCounters(session, pipe, appId, count);
-        return called({.function = ScriptChip::SdkFunction::getPktCounters,
-                       .session = session,
-                       .pipe = pipe,
-                       .appId = appId,
-                       .rc = rc,
-                       .count = count});
-    }
-    p4_pd_status_t genOnePkt(p4_pd_sess_hdl_t session, std::uint32_t pipe, std::uint32_t genPort,
-                             std::uint8_t portIndex, std::uint32_t appId,
-                             std::span<std::uint8_t const> pkt,
-                             std::span<std::uint8_t const> phase0, std::uint16_t pktId) override {
-        auto const rc = front_->behind().genOnePkt(session, pipe, genPort, portIndex, appId, pkt,
-                                                   phase0, pktId);
-        return called({.function = ScriptChip::SdkFunction::genOnePkt,
-                       .session = session,
-                       .pipe = pipe,
-                       .genPort = genPort,
-                       .portIndex = portIndex,
-                       .appId = appId,
-                       .pkt = {pkt.begin(), pkt.end()},
-                       .phase0 = {phase0.begin(), phase0.end()},
-                       .pktId = pktId,
-                       .rc = rc});
-    }
-    p4_pd_status_t disableAppId(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                std::uint32_t appId) override {
-        auto const rc = front_->behind().disableAppId(session, pipe, appId);
-        return called({.function = ScriptChip::SdkFunction::disableAppId,
-                       .session = session,
-                       .pipe = pipe,
-                       .appId = appId,
-                       .rc = rc});
-    }
-    p4_pd_status_t disablePktGen(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                 std::uint32_t genPort) override {
-        auto const rc = front_->behind().disablePktGen(session, pipe, genPort);
-        return called({.function = ScriptChip::SdkFunction::disablePktGen,
-                       .session = session,
-                       .pipe = pipe,
-                       .genPort = genPort,
-                       .rc = rc});
-    }
-    p4_pd_status_t digestRegister(p4_pd_sess_hdl_t session, std::uint32_t handle,
-                                  pipe_flow_lrn_notify_cb callback, void* cookie) override {
-        auto const rc = front_->behind().digestRegister(session, handle, callback, cookie);
-        return called({.function = ScriptChip::SdkFunction::digestRegister,
-                       .session = session,
-                       .handle = handle,
-                       .rc = rc});
-    }
-    p4_pd_status_t digestDeregister(p4_pd_sess_hdl_t session, std::uint32_t handle) override {
-        auto const rc = front_->behind().digestDeregister(session, handle);
-        return called({.function = ScriptChip::SdkFunction::digestDeregister,
-                       .session = session,
-                       .handle = handle,
-                       .rc = rc});
-    }
-    p4_pd_status_t notifyAck(p4_pd_sess_hdl_t session, std::uint32_t handle,
-                             pipe_flow_lrn_msg_t* message) override {
-        auto const rc = front_->behind().notifyAck(session, handle, message);
-        return called({.function = ScriptChip::SdkFunction::notifyAck,
-                       .session = session,
-                       .handle = handle,
-                       .rc = rc});
     }
 
   private:
@@ -160,17 +87,15 @@ class LiveObservation final : public SdkSeam::Chip {
         std::scoped_lock const lock(mutex_);
         print(printer_);
     }
-    p4_pd_status_t called(ScriptChip::SdkCall call) {
-        call.device = device_;
+    void called(SdkSeam::SdkCall& call, SdkSeam::Chip& behind) override {
+        behind.call(call);
         print([&](Replay::Printer& printer) { printer.sdkCalled(call); });
-        return call.rc;
     }
 
     std::mutex mutex_;
     std::ostringstream out_;
     Replay::Printer printer_{out_};
-    VynId::VynDevId device_ = 0;
-    std::optional<SdkSeam::Interposition> front_;
+    std::optional<SdkSeam::ForwardingChip> front_;
     Vanta::Tap const publications_ = Vanta::Tap::to<&LiveObservation::published>(this);
     Trace::Tap const traces_ = Trace::Tap::to<&LiveObservation::traced>(this);
 };

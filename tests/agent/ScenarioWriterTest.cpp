@@ -154,11 +154,11 @@ TEST_F(ScenarioWriterTest, CountersStandAheadOfTheEventThatReadsOthers) {
 
 TEST_F(ScenarioWriterTest, CallsThatFailStandAheadOfTheirEvent) {
     turn(1);
-    writer.called(ScriptChip::SdkFunction::genOnePkt, 0);
-    writer.called(ScriptChip::SdkFunction::disableAppId, 0);
-    writer.called(ScriptChip::SdkFunction::disableAppId, 5);
-    writer.called(ScriptChip::SdkFunction::disableAppId, 5);
-    writer.called(ScriptChip::SdkFunction::disableAppId, 0);
+    writer.called(SdkSeam::SdkFunction::genOnePkt, 0);
+    writer.called(SdkSeam::SdkFunction::disableAppId, 0);
+    writer.called(SdkSeam::SdkFunction::disableAppId, 5);
+    writer.called(SdkSeam::SdkFunction::disableAppId, 5);
+    writer.called(SdkSeam::SdkFunction::disableAppId, 0);
     EXPECT_EQ(finished(),
               "{\"do\":\"sdkReturn\",\"call\":\"disableAppId\",\"rc\":5,\"times\":2,\"after\":1}\n"
               "{\"do\":\"turn\"}\n");
@@ -166,8 +166,8 @@ TEST_F(ScenarioWriterTest, CallsThatFailStandAheadOfTheirEvent) {
 
 TEST_F(ScenarioWriterTest, RemarksOnCallsThatFailInTwoWays) {
     turn(1);
-    writer.called(ScriptChip::SdkFunction::disableAppId, 5);
-    writer.called(ScriptChip::SdkFunction::disableAppId, 6);
+    writer.called(SdkSeam::SdkFunction::disableAppId, 5);
+    writer.called(SdkSeam::SdkFunction::disableAppId, 6);
     EXPECT_EQ(finished(),
               "# a later call of disableAppId in this event failed in another way\n"
               "{\"do\":\"sdkReturn\",\"call\":\"disableAppId\",\"rc\":5,\"times\":1,\"after\":0}\n"

@@ -212,7 +212,7 @@ class World {
         add("injection", true, [this] { loop->turn(); });
         add("counter", false, [this, number] { chip->counterIs(0, number); });
         add("digest", true, [this, pktId] {
-            ScriptChip::DigestEntry entry{.pktId = pktId, .l2Domain = floodedVlan, .egrPort = 5};
+            SdkSeam::TraceDigest entry{.pktId = pktId, .l2Domain = floodedVlan, .egrPort = 5};
             if (pktId % 3 == 0) {
                 entry.egrPort = 511;
                 entry.routed = 1;

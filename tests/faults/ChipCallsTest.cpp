@@ -17,7 +17,7 @@ class ChipCallTest : public TracerTest {
   protected:
     ChipCallTest() {
         client("noc");
-        recorder.onSdkCall = [this](ScriptChip::SdkCall const& call) {
+        recorder.onSdkCall = [this](SdkSeam::SdkCall const& call) {
             calls.push_back(std::string(sdkFunctionName(call.function)));
             if (call.function == SdkFunction::genOnePkt && call.rc == 0) {
                 counter(++packets);

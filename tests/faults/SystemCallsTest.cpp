@@ -90,7 +90,7 @@ class SystemCallTest : public EngineTest {
     }
 
     Vanta::Ptr<PktGenStatusData> answer;
-    ScriptChip::DigestEntry entry{.pktId = 1, .l2Domain = 10, .egrPort = 132};
+    SdkSeam::TraceDigest entry{.pktId = 1, .l2Domain = 10, .egrPort = 132};
 };
 
 // ---- Setting up

@@ -1,6 +1,6 @@
 // A tracer on the software chip, made and released: all that a forwarding agent needs to begin.
 #include "VynPacketTracer/VynPtSm.h"
-#include "softchip/DigestLayout.h"
+#include "sdkseam/DigestLayout.h"
 #include "softchip/Phase0Data.h"
 #include "softchip/SoftChip.h"
 
@@ -9,8 +9,8 @@ int main() {
     auto const loop = Orb::TaskSchedulerRoot::TaskSchedulerRootIs();
     auto const tracer = VynPacketTracer::packetTracerSmFactory(
         Kel::Dir::DirIs(), Kel::Dir::DirIs(), SoftChip::Phase0Data::Phase0DataIs(loop), true, true,
-        1, 0, SoftChip::LearnQuanta::LearnQuantaIs(), SoftChip::DigestLayout::DigestLayoutIs(),
-        loop, VynSystem::SystemStatus::SystemStatusIs(), Fen::FenCommonSmData::FenCommonSmDataIs(),
+        1, 0, SdkSeam::LearnQuanta::LearnQuantaIs(), SdkSeam::DigestLayout::DigestLayoutIs(), loop,
+        VynSystem::SystemStatus::SystemStatusIs(), Fen::FenCommonSmData::FenCommonSmDataIs(),
         Bridging::Config::ConfigIs(), VynSlice::ChipStatus::ChipStatusIs());
     loop->turn();
     return tracer->pktGenSm()->state() == VynPacketTracer::PktGenState::idle ? 0 : 1;

@@ -120,19 +120,18 @@ TEST_F(PrinterTest, PrintsPhase0Requests) {
 }
 
 TEST_F(PrinterTest, PrintsEachSdkCallWithItsOwnArguments) {
-    using ScriptChip::SdkFunction;
-    for (auto const function : ScriptChip::allSdkFunctions) {
+    std::vector<std::uint8_t> const pkt{0xab};
+    for (auto const function : SdkSeam::allSdkFunctions) {
         printer.sdkCalled({.function = function,
-                           .session = 1,
                            .device = 2,
+                           .session = 1,
                            .pipe = 3,
                            .genPort = 68,
-                           .portIndex = 200,
                            .appId = 4,
-                           .pkt = {0xab},
-                           .phase0 = {},
-                           .pktId = 6,
                            .handle = 77,
+                           .pktId = 6,
+                           .portIndex = 200,
+                           .pkt = pkt,
                            .rc = -8,
                            .count = 18446744073709551615U});
     }

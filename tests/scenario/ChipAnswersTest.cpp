@@ -5,7 +5,7 @@
 namespace Scenario {
 namespace {
 
-using ScriptChip::SdkFunction;
+using SdkSeam::SdkFunction;
 
 TEST(ChipAnswers, GiveEveryValueOfACounter) {
     ChipAnswers answers;

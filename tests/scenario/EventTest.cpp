@@ -362,8 +362,8 @@ TEST(SdkReturnEvent, HasDefaultsAndRanges) {
 }
 
 TEST(SdkReturnEvent, TakesTheSevenPrintedNames) {
-    for (auto const function : ScriptChip::allSdkFunctions) {
-        std::string const name(ScriptChip::sdkFunctionName(function));
+    for (auto const function : SdkSeam::allSdkFunctions) {
+        std::string const name(SdkSeam::sdkFunctionName(function));
         EXPECT_EQ(
             function,
             read<Do::SdkReturn>(R"({"do":"sdkReturn","call":")" + name + R"(","rc":1})").call);
@@ -421,7 +421,7 @@ TEST(DigestEvent, HasAtMostAsManyEntriesAsAMessageCanCount) {
 }
 
 TEST(DigestFieldEvent, TakesTheSixFields) {
-    for (auto const field : ScriptChip::DigestLayout::fieldNames()) {
+    for (auto const field : SdkSeam::digestFieldNames) {
         std::string const line =
             R"({"do":"digestField","size":0,"field":")" + std::string(field) + "\"}";
         EXPECT_EQ(field, read<Do::DigestField>(line).field);

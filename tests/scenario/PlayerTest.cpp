@@ -5,7 +5,7 @@
 #include <algorithm>
 
 #include "scenario/Reader.h"
-#include "scriptchip/Journal.h"
+#include "scriptchip/CallLog.h"
 
 namespace Scenario {
 namespace {
@@ -34,8 +34,8 @@ class PlayerTest : public testing::Test {
         return names;
     }
 
-    ScriptChip::Journal journal;
-    ScriptChip::ScriptChip chip{&journal};
+    ScriptChip::CallLog log;
+    ScriptChip::ScriptChip chip{&log};
     Player player{chip};
 };
 
@@ -110,13 +110,13 @@ TEST_F(PlayerTest, RefusesWithoutChangingAnything) {
 }
 
 TEST(Player, TakesTheTracerDownWithItself) {
-    ScriptChip::Journal journal;
+    ScriptChip::CallLog log;
     {
-        ScriptChip::ScriptChip chip(&journal);
+        ScriptChip::ScriptChip chip(&log);
         Player player(chip);
         player.carryOut(readEvent(R"({"do":"start","device":9})"));
     }
-    EXPECT_EQ("pipe_mgr_lrn_digest_notification_deregister", journal.steps().back());
+    EXPECT_EQ("pipe_mgr_lrn_digest_notification_deregister", log.steps().back());
 }
 
 }  // namespace

@@ -3,7 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "Vanta/Publisher.h"
-#include "scriptchip/Journal.h"
+#include "scriptchip/CallLog.h"
 
 namespace ScriptChip {
 namespace {
@@ -18,8 +18,8 @@ class Phase0DataTest : public testing::Test {
         announced.push_back(key.get<Plexa::IntfId>().stringValue());
     }
 
-    Journal journal;
-    Vanta::Ptr<Phase0Data> phase0 = Phase0Data::Phase0DataIs(&journal);
+    CallLog log;
+    Vanta::Ptr<Phase0Data> phase0 = Phase0Data::Phase0DataIs(&log);
     Plexa::IntfId ethernet1 = *Plexa::IntfId::fromName("Ethernet1");
     std::vector<std::string> announced;
     Vanta::Subscriber subscriber;
@@ -28,8 +28,7 @@ class Phase0DataTest : public testing::Test {
 TEST_F(Phase0DataTest, RequestsAreRecordedAndNothingElse) {
     phase0->configDel(ethernet1);
     phase0->configIs(ethernet1);
-    EXPECT_EQ((std::vector<std::string>{"configDel Ethernet1", "configIs Ethernet1"}),
-              journal.steps());
+    EXPECT_EQ((std::vector<std::string>{"configDel Ethernet1", "configIs Ethernet1"}), log.steps());
     EXPECT_TRUE(phase0->response().empty());
     EXPECT_TRUE(announced.empty());
 }
@@ -73,7 +72,7 @@ TEST_F(Phase0DataTest, NobodyNeedListen) {
     phase0->listenerIs(nullptr);
     phase0->configIs(ethernet1);
     phase0->configDel(ethernet1);
-    EXPECT_TRUE(journal.steps().empty());
+    EXPECT_TRUE(log.steps().empty());
 }
 
 }  // namespace

@@ -6,10 +6,12 @@
 #include <stdexcept>
 
 #include "VynSdk/VynSdk.h"
-#include "scriptchip/Journal.h"
+#include "scriptchip/CallLog.h"
 
 namespace ScriptChip {
 namespace {
+
+using SdkSeam::SdkFunction;
 
 using Numbers = std::vector<std::uint64_t>;
 using Returns = std::vector<p4_pd_status_t>;
@@ -31,13 +33,16 @@ class ScriptChipTest : public testing::Test {
         static_cast<std::vector<Message>*>(cookie)->push_back(
             {session,
              {target, target + sizeof message->dev_tgt},
-             {entries, entries + message->num_entries * digestEntrySize},
+             {entries, entries + message->num_entries * SdkSeam::digestEntryBytes},
              message->num_entries});
         return 42;
     }
     p4_pd_status_t registerCallback(p4_pd_sess_hdl_t session = 3) {
-        return pipe_mgr_lrn_digest_notification_register(session, chip.device(), digestHandle,
-                                                         callback, &messages);
+        return pipe_mgr_lrn_digest_notification_register(
+            session, chip.device(), SdkSeam::digestHandle, callback, &messages);
+    }
+    static std::vector<std::uint8_t> bytes(std::span<std::uint8_t const> view) {
+        return {view.begin(), view.end()};
     }
     std::uint64_t read(std::uint32_t pipe) {
         std::uint64_t count = 99;
@@ -59,8 +64,8 @@ class ScriptChipTest : public testing::Test {
         return values;
     }
 
-    Journal journal;
-    ScriptChip chip{&journal};
+    CallLog log;
+    ScriptChip chip{&log};
     std::vector<Message> messages;
 };
 
@@ -68,15 +73,16 @@ TEST_F(ScriptChipTest, RecordsAnInjectionWithItsArguments) {
     std::uint8_t const pkt[] = {1, 2, 3};
     std::uint8_t const phase0[] = {4, 0};
     EXPECT_EQ(0, VynSdk::genOnePkt(1, 0, 2, 68, 200, 4, pkt, phase0, 9));
-    SdkCall const call = journal.calls().at(0);
+    SdkSeam::KeptCall const kept = log.calls().at(0);
+    SdkSeam::SdkCall const& call = *kept;
     EXPECT_EQ(SdkFunction::genOnePkt, call.function);
     EXPECT_EQ(1U, call.session);
     EXPECT_EQ(2U, call.pipe);
     EXPECT_EQ(68U, call.genPort);
     EXPECT_EQ(200, call.portIndex);
     EXPECT_EQ(4U, call.appId);
-    EXPECT_EQ((std::vector<std::uint8_t>{1, 2, 3}), call.pkt);
-    EXPECT_EQ((std::vector<std::uint8_t>{4, 0}), call.phase0);
+    EXPECT_EQ((std::vector<std::uint8_t>{1, 2, 3}), bytes(call.pkt));
+    EXPECT_EQ((std::vector<std::uint8_t>{4, 0}), bytes(call.phase0));
     EXPECT_EQ(9, call.pktId);
 }
 
@@ -87,9 +93,9 @@ TEST_F(ScriptChipTest, RecordsTheOtherCallsInTheirOrder) {
     pipe_mgr_flow_lrn_notify_ack(1, 77, &message);
     EXPECT_EQ(
         (std::vector<std::string>{"disableAppId", "disablePktGen", "pipe_mgr_flow_lrn_notify_ack"}),
-        journal.steps());
-    EXPECT_EQ(68U, journal.calls().at(1).genPort);
-    EXPECT_EQ(77U, journal.calls().at(2).handle);
+        log.steps());
+    EXPECT_EQ(68U, log.calls().at(1)->genPort);
+    EXPECT_EQ(77U, log.calls().at(2)->handle);
 }
 
 TEST_F(ScriptChipTest, CountersAreZeroAtFirst) {
@@ -120,8 +126,8 @@ TEST_F(ScriptChipTest, AFailingReadGivesItsValueAndUsesItUp) {
     std::uint64_t count = 99;
     EXPECT_EQ(-1, VynSdk::getPktCounters(1, 0, 0, 4, count));
     EXPECT_EQ(5U, count);
-    EXPECT_EQ(5U, journal.calls().at(0).count);
-    EXPECT_EQ(-1, journal.calls().at(0).rc);
+    EXPECT_EQ(5U, log.calls().at(0)->count);
+    EXPECT_EQ(-1, log.calls().at(0)->rc);
     EXPECT_EQ(6U, read(0));
 }
 
@@ -159,8 +165,11 @@ TEST_F(ScriptChipTest, ADigestCallsTheCallbackWithTheRegisteredSession) {
     ASSERT_EQ(1U, messages.size());
     EXPECT_EQ(3U, messages[0].session);
     EXPECT_EQ(2U, messages[0].count);
-    DigestEntry const entries[] = {{.pktId = 1}, {.pktId = 2}};
-    EXPECT_EQ(packDigestEntries(entries), messages[0].entries);
+    auto const first = SdkSeam::packed({.pktId = 1});
+    auto const second = SdkSeam::packed({.pktId = 2});
+    std::vector<std::uint8_t> both(first.begin(), first.end());
+    both.insert(both.end(), second.begin(), second.end());
+    EXPECT_EQ(both, messages[0].entries);
 }
 
 TEST_F(ScriptChipTest, AMessageBeginsWithTheDevice) {
@@ -174,7 +183,7 @@ TEST_F(ScriptChipTest, AMessageBeginsWithTheDevice) {
 TEST_F(ScriptChipTest, ADigestWithoutACallbackDoesNothing) {
     EXPECT_FALSE(chip.hasCallback());
     EXPECT_FALSE(chip.digest({{.pktId = 1}}));
-    EXPECT_TRUE(journal.steps().empty());
+    EXPECT_TRUE(log.steps().empty());
 }
 
 TEST_F(ScriptChipTest, AFailingRegistrationRegistersNobody) {
@@ -186,7 +195,7 @@ TEST_F(ScriptChipTest, AFailingRegistrationRegistersNobody) {
 TEST_F(ScriptChipTest, ADeregistrationRemovesTheCallbackWhateverItReturns) {
     registerCallback();
     chip.sdkReturnIs(SdkFunction::digestDeregister, -1);
-    EXPECT_EQ(-1, pipe_mgr_lrn_digest_notification_deregister(3, 0, digestHandle));
+    EXPECT_EQ(-1, pipe_mgr_lrn_digest_notification_deregister(3, 0, SdkSeam::digestHandle));
     EXPECT_FALSE(chip.hasCallback());
 }
 
@@ -194,26 +203,26 @@ TEST_F(ScriptChipTest, IsFoundUnderItsDeviceAlone) {
     chip.deviceIs(200);
     EXPECT_EQ(0, VynSdk::disableAppId(1, 200, 0, 4));
     EXPECT_EQ(SdkSeam::unknownDevice, VynSdk::disableAppId(1, 0, 0, 4));
-    EXPECT_EQ(200, journal.calls().at(0).device);
-    EXPECT_EQ(1U, journal.calls().size());
+    EXPECT_EQ(200, log.calls().at(0)->device);
+    EXPECT_EQ(1U, log.calls().size());
 }
 
 TEST_F(ScriptChipTest, TwoChipsDoNotShareADevice) {
     EXPECT_THROW(ScriptChip(nullptr, 0), std::logic_error);
     ScriptChip other(nullptr, 1);
     EXPECT_EQ(0, VynSdk::disableAppId(1, 1, 0, 4));
-    EXPECT_TRUE(journal.steps().empty());
+    EXPECT_TRUE(log.steps().empty());
 }
 
 TEST_F(ScriptChipTest, ItsPhase0RequestsReachTheListenerWhileItLives) {
     Vanta::Ptr<Phase0Data> phase0;
     {
-        ScriptChip other(&journal, 1);
+        ScriptChip other(&log, 1);
         phase0 = other.phase0Data();
         phase0->configIs(*Plexa::IntfId::fromName("Ethernet1"));
     }
     phase0->configIs(*Plexa::IntfId::fromName("Ethernet2"));
-    EXPECT_EQ(std::vector<std::string>{"configIs Ethernet1"}, journal.steps());
+    EXPECT_EQ(std::vector<std::string>{"configIs Ethernet1"}, log.steps());
 }
 
 }  // namespace

@@ -14,55 +14,27 @@ namespace {
 using Calls = std::vector<std::string>;
 using SdkSeam::Registration;
 
-// Notes every call with its arguments and returns `status`.
+// Notes every call and gives back a status and a count.
 struct NotingChip final : SdkSeam::Chip {
-    p4_pd_status_t note(std::string const& call) {
-        calls.push_back(call);
-        return status;
-    }
-    static std::string text(std::uint64_t number) { return " " + std::to_string(number); }
-
-    p4_pd_status_t getPktCounters(p4_pd_sess_hdl_t session, std::uint32_t pipe, std::uint32_t appId,
-                                  std::uint64_t& count) override {
-        count = 77;
-        return note("getPktCounters" + text(session) + text(pipe) + text(appId));
-    }
-    p4_pd_status_t genOnePkt(p4_pd_sess_hdl_t session, std::uint32_t pipe, std::uint32_t genPort,
-                             std::uint8_t portIndex, std::uint32_t appId,
-                             std::span<std::uint8_t const> pkt,
-                             std::span<std::uint8_t const> phase0, std::uint16_t pktId) override {
-        return note("genOnePkt" + text(session) + text(pipe) + text(genPort) + text(portIndex) +
-                    text(appId) + text(pkt.size()) + text(phase0.size()) + text(pktId));
-    }
-    p4_pd_status_t disableAppId(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                std::uint32_t appId) override {
-        return note("disableAppId" + text(session) + text(pipe) + text(appId));
-    }
-    p4_pd_status_t disablePktGen(p4_pd_sess_hdl_t session, std::uint32_t pipe,
-                                 std::uint32_t genPort) override {
-        return note("disablePktGen" + text(session) + text(pipe) + text(genPort));
-    }
-    p4_pd_status_t digestRegister(p4_pd_sess_hdl_t session, std::uint32_t digestHandle,
-                                  pipe_flow_lrn_notify_cb callback, void* cookie) override {
-        bool const complete = callback == &onDigest && cookie == this;
-        return note("digestRegister" + text(session) + text(digestHandle) + text(complete));
-    }
-    p4_pd_status_t digestDeregister(p4_pd_sess_hdl_t session, std::uint32_t digestHandle) override {
-        return note("digestDeregister" + text(session) + text(digestHandle));
-    }
-    p4_pd_status_t notifyAck(p4_pd_sess_hdl_t session, std::uint32_t digestHandle,
-                             pipe_flow_lrn_msg_t* message) override {
-        return note("notifyAck" + text(session) + text(digestHandle) + text(message->num_entries));
+    void call(SdkSeam::SdkCall& call) override {
+        calls.push_back(SdkSeam::text(call));
+        bool const complete = call.callback == &onDigest && call.cookie == this;
+        registersThis = registersThis || complete;
+        messages.push_back(call.message);
+        call.rc = status;
+        call.count = 77;
     }
     static p4_pd_status_t onDigest(p4_pd_sess_hdl_t, pipe_flow_lrn_msg_t*, void*) { return 0; }
 
     Calls calls;
+    bool registersThis = false;
+    std::vector<pipe_flow_lrn_msg_t*> messages;
     p4_pd_status_t status = 0;
 };
 
 // Every function of the SDK with arguments that tell it from the others.
 std::vector<p4_pd_status_t> callEverything(VynId::VynDevId device, NotingChip& cookie) {
-    std::uint64_t count = 0;
+    std::uint64_t count = 5;
     std::vector<std::uint8_t> const pkt(60);
     std::vector<std::uint8_t> const phase0(16);
     pipe_flow_lrn_msg_t message{{device, {}}, 5, nullptr};
@@ -81,10 +53,28 @@ TEST(SdkSeam, HandsEveryFunctionToTheChipOfItsDevice) {
     NotingChip chip;
     Registration const registration(3, chip);
     callEverything(3, chip);
-    EXPECT_EQ(chip.calls,
-              (Calls{"getPktCounters 1 2 4", "genOnePkt 1 2 68 7 4 60 16 9", "disableAppId 1 2 4",
-                     "disablePktGen 1 2 68", "digestRegister 1 77 1", "digestDeregister 1 77",
-                     "notifyAck 1 77 5"}));
+    std::string const pkt(120, '0');
+    std::string const phase0(32, '0');
+    EXPECT_EQ(
+        chip.calls,
+        (Calls{"getPktCounters session=1 device=3 pipe=2 appId=4 -> 0 count=5",
+               "genOnePkt session=1 device=3 pipe=2 genPort=68 portIndex=7 appId=4 pkt=" + pkt +
+                   " phase0=" + phase0 + " pktId=9 -> 0",
+               "disableAppId session=1 device=3 pipe=2 appId=4 -> 0",
+               "disablePktGen session=1 device=3 pipe=2 genPort=68 -> 0",
+               "pipe_mgr_lrn_digest_notification_register session=1 device=3 handle=77 -> 0",
+               "pipe_mgr_lrn_digest_notification_deregister session=1 device=3 handle=77 -> 0",
+               "pipe_mgr_flow_lrn_notify_ack session=1 handle=77 -> 0"}));
+}
+
+TEST(SdkSeam, HandsCallbackCookieAndMessageToTheChip) {
+    NotingChip chip;
+    Registration const registration(3, chip);
+    pipe_mgr_lrn_digest_notification_register(1, 3, 77, &NotingChip::onDigest, &chip);
+    EXPECT_TRUE(chip.registersThis);
+    pipe_flow_lrn_msg_t message{{3, {}}, 5, nullptr};
+    pipe_mgr_flow_lrn_notify_ack(1, 77, &message);
+    EXPECT_EQ(chip.messages.back(), &message);
 }
 
 TEST(SdkSeam, ReturnsWhatTheChipReturns) {
@@ -95,6 +85,17 @@ TEST(SdkSeam, ReturnsWhatTheChipReturns) {
     std::uint64_t count = 0;
     VynSdk::getPktCounters(1, 3, 2, 4, count);
     EXPECT_EQ(count, 77U);
+}
+
+TEST(SdkSeam, LeavesACountAloneThatTheChipDoesNotSet) {
+    struct RefusingChip final : SdkSeam::Chip {
+        void call(SdkSeam::SdkCall& call) override { call.rc = -1; }
+    };
+    RefusingChip refusing;
+    Registration const registration(3, refusing);
+    std::uint64_t count = 5;
+    VynSdk::getPktCounters(1, 3, 2, 4, count);
+    EXPECT_EQ(count, 5U);
 }
 
 TEST(SdkSeam, RefusesEveryFunctionForAnUnknownDevice) {
@@ -129,7 +130,7 @@ TEST(SdkSeam, TakesAnotherChipOnceTheFirstHasLeft) {
     Registration const registration(3, other);
     EXPECT_EQ(registration.device(), 3);
     EXPECT_EQ(VynSdk::disableAppId(1, 3, 0, 4), 0);
-    EXPECT_EQ(other.calls, (Calls{"disableAppId 1 0 4"}));
+    EXPECT_EQ(other.calls, (Calls{"disableAppId session=1 device=3 pipe=0 appId=4 -> 0"}));
 }
 
 TEST(SdkSeam, HandsTheAcknowledgementToTheChipOfTheMessagesFirstByte) {
@@ -141,7 +142,7 @@ TEST(SdkSeam, HandsTheAcknowledgementToTheChipOfTheMessagesFirstByte) {
     *reinterpret_cast<std::uint8_t*>(&message) = 255;
     EXPECT_EQ(pipe_mgr_flow_lrn_notify_ack(1, 77, &message), 0);
     EXPECT_EQ(chip.calls, Calls{});
-    EXPECT_EQ(other.calls, (Calls{"notifyAck 1 77 1"}));
+    EXPECT_EQ(other.calls, (Calls{"pipe_mgr_flow_lrn_notify_ack session=1 handle=77 -> 0"}));
 }
 
 TEST(SdkSeam, GivesThePipeOfADevicePort) {

@@ -16,29 +16,7 @@ using SdkSeam::Registration;
 struct NumberChip final : SdkSeam::Chip {
     explicit NumberChip(p4_pd_status_t ownNumber) : number(ownNumber) {}
 
-    p4_pd_status_t getPktCounters(p4_pd_sess_hdl_t, std::uint32_t, std::uint32_t,
-                                  std::uint64_t&) override {
-        return number;
-    }
-    p4_pd_status_t genOnePkt(p4_pd_sess_hdl_t, std::uint32_t, std::uint32_t, std::uint8_t,
-                             std::uint32_t, std::span<std::uint8_t const>,
-                             std::span<std::uint8_t const>, std::uint16_t) override {
-        return number;
-    }
-    p4_pd_status_t disableAppId(p4_pd_sess_hdl_t, std::uint32_t, std::uint32_t) override {
-        return number;
-    }
-    p4_pd_status_t disablePktGen(p4_pd_sess_hdl_t, std::uint32_t, std::uint32_t) override {
-        return number;
-    }
-    p4_pd_status_t digestRegister(p4_pd_sess_hdl_t, std::uint32_t, pipe_flow_lrn_notify_cb,
-                                  void*) override {
-        return number;
-    }
-    p4_pd_status_t digestDeregister(p4_pd_sess_hdl_t, std::uint32_t) override { return number; }
-    p4_pd_status_t notifyAck(p4_pd_sess_hdl_t, std::uint32_t, pipe_flow_lrn_msg_t*) override {
-        return number;
-    }
+    void call(SdkSeam::SdkCall& call) override { call.rc = number; }
 
     p4_pd_status_t number;
 };
@@ -54,10 +32,10 @@ TEST(Interposition, TakesTheCallsOfItsDeviceWhileItLives) {
     Registration const registration(5, chip);
     Registration const otherRegistration(6, other);
     {
-        Interposition const place(5, front);
+        Interposition const inFront(5, front);
         EXPECT_EQ(answer(5), 3);
         EXPECT_EQ(answer(6), 2);
-        EXPECT_EQ(&place.behind(), &chip);
+        EXPECT_EQ(&inFront.behind(), &chip);
     }
     EXPECT_EQ(answer(5), 1);
 }
@@ -67,11 +45,11 @@ TEST(Interposition, SeveralStandInFrontOfEachOther) {
     NumberChip near(2);
     NumberChip far(3);
     Registration const registration(5, chip);
-    Interposition const nearPlace(5, near);
-    std::optional<Interposition> farPlace(std::in_place, 5, far);
-    EXPECT_EQ(&farPlace->behind(), &near);
+    Interposition const nearOne(5, near);
+    std::optional<Interposition> farOne(std::in_place, 5, far);
+    EXPECT_EQ(&farOne->behind(), &near);
     EXPECT_EQ(answer(5), 3);
-    farPlace.reset();
+    farOne.reset();
     EXPECT_EQ(answer(5), 2);
 }
 

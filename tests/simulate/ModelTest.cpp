@@ -141,7 +141,8 @@ TEST_F(ModelTest, TheStopLetsAnswersGoBeforeJobs) {
     inject();
     wire.answers = {{0, 0}};
     auto const lines = play({.kind = Kind::stop});
-    EXPECT_EQ(lines, (Lines{"sdk digestDeregister session 1 handle 77 -> 0 count 0",
+    EXPECT_EQ(lines, (Lines{"sdk pipe_mgr_lrn_digest_notification_deregister session 1 device 1 "
+                            "handle 77 -> 0 count 0",
                             "status del A/1", "cfg del A/1"}));
 }
 

@@ -67,10 +67,18 @@ TEST(Recorder, ATraceInTheSilenceIsABreach) {
 
 TEST(Recorder, CallsAreForTheWireToo) {
     Recorder recorder;
-    recorder.call({3, 0}, "disableAppId pipe ", 1);
-    EXPECT_EQ(recorder.takeLog(), std::vector<std::string>{"sdk disableAppId pipe 1 -> 3 count 0"});
+    recorder.call({.function = SdkSeam::SdkFunction::disableAppId,
+                   .device = 1,
+                   .session = 2,
+                   .pipe = 3,
+                   .appId = 4,
+                   .rc = 5,
+                   .count = 6});
+    EXPECT_EQ(recorder.takeLog(),
+              std::vector<std::string>{
+                  "sdk disableAppId session 2 device 1 pipe 3 appId 4 -> 5 count 0"});
     ASSERT_EQ(recorder.wire().answers.size(), 1U);
-    EXPECT_EQ(recorder.wire().answers.front().rc, 3);
+    EXPECT_EQ(recorder.wire().answers.front().rc, 5);
 }
 
 }  // namespace

@@ -40,13 +40,23 @@ class WorldTest : public testing::Test {
         return false;
     }
 
+    // An injection at Ethernet1 that the chip has accepted. Refers to the packet.
+    SdkSeam::SdkCall injection(Bytes const& pkt, std::uint16_t pktId) const {
+        auto const port = program.drawn.model.interface(*Plexa::IntfId::fromName("Ethernet1"));
+        return {.function = SdkSeam::SdkFunction::genOnePkt,
+                .pipe = port->devicePort / 128U,
+                .pktId = pktId,
+                .portIndex = static_cast<std::uint8_t>(port->devicePort % 128),
+                .pkt = pkt};
+    }
+
     Bytes const packet = Bytes(64, 2);
     Program const program = drawProgram(1, 0);
     World world{program.drawn};
 };
 
 TEST_F(WorldTest, CallsComeOnTheRecordAsTheTracerMakesThem) {
-    EXPECT_TRUE(logHas("sdk genOnePkt session 1 pipe "));
+    EXPECT_TRUE(logHas("sdk genOnePkt session 1 device 1 pipe "));
     EXPECT_TRUE(logHas("phase0 answer Ethernet1 there"));
     EXPECT_EQ(breachOf(), "none");
     EXPECT_EQ(world.packets().accepted(), 1U);
@@ -55,7 +65,7 @@ TEST_F(WorldTest, CallsComeOnTheRecordAsTheTracerMakesThem) {
 TEST_F(WorldTest, ADigestComesThroughTheBoard) {
     world.carryOut({.kind = Kind::chipStep});
     EXPECT_TRUE(logHas("message of 1:"));
-    EXPECT_TRUE(logHas("sdk notifyAck session 1 handle 77 -> 0"));
+    EXPECT_TRUE(logHas("sdk pipe_mgr_flow_lrn_notify_ack session 1 handle 77 -> 0"));
     world.packets().checkJournal(world.chip().journal(), true);
     EXPECT_EQ(breachOf(), "none");
 }
@@ -70,35 +80,39 @@ TEST_F(WorldTest, AChipThatHasNotWorkedDiffersFromTheRecordOnlyWhenItShouldHave)
 TEST_F(WorldTest, APacketThatNobodyAskedForIsABreach) {
     world.packets().engineIs(nullptr);
     Bytes const phase0(8);
-    EXPECT_EQ(world.chip().genOnePkt(Model::session, 0, SoftChip::generatorPort, 3,
-                                     SoftChip::generatorApp, packet, phase0, 9),
-              0);
+    SdkSeam::SdkCall call{.function = SdkSeam::SdkFunction::genOnePkt,
+                          .session = Model::session,
+                          .genPort = SoftChip::generatorPort,
+                          .appId = SoftChip::generatorApp,
+                          .pktId = 9,
+                          .portIndex = 3,
+                          .pkt = packet,
+                          .phase0 = phase0};
+    world.chip().call(call);
+    EXPECT_EQ(call.rc, 0);
     world.chip().step();
     world.packets().checkJournal(world.chip().journal(), false);
     EXPECT_EQ(breachOf(), "packets: 1 packets were accepted, 2 others went through the chip");
 }
 
 TEST_F(WorldTest, APacketOfAnotherJobIsABreach) {
-    auto const port = program.drawn.model.interface(*Plexa::IntfId::fromName("Ethernet1"));
-    world.packets().injected(port->devicePort / 128, port->devicePort % 128, Bytes(64, 9), 2, true);
+    world.packets().injected(injection(Bytes(64, 9), 2));
     EXPECT_EQ(breachOf(), "packets: packet 2 is not that of the job in work, A/1");
 }
 
 TEST_F(WorldTest, APacketIdThatSkipsOneIsABreach) {
-    auto const port = program.drawn.model.interface(*Plexa::IntfId::fromName("Ethernet1"));
-    world.packets().injected(port->devicePort / 128, port->devicePort % 128, packet, 3, true);
+    world.packets().injected(injection(packet, 3));
     EXPECT_EQ(breachOf(), "packets: packet id 3 follows 1");
 }
 
 TEST_F(WorldTest, AnInjectionThatNobodyAnsweredForIsABreach) {
-    auto const port = program.drawn.model.interface(*Plexa::IntfId::fromName("Ethernet1"));
-    world.packets().injected(port->devicePort / 128, port->devicePort % 128, packet, 2, true);
+    world.packets().injected(injection(packet, 2));
     EXPECT_EQ(breachOf(), "packets: A/1 was injected without a phase-0 answer of its own");
 }
 
 TEST_F(WorldTest, APacketWithoutAJobIsABreach) {
     world.packets().engineIs(nullptr);
-    world.packets().injected(0, 0, packet, 1, true);
+    world.packets().injected(injection(packet, 1));
     EXPECT_EQ(breachOf(), "packets: packet 1 was injected without a job");
 }
 

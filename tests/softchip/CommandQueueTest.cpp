@@ -13,7 +13,8 @@ std::vector<std::uint8_t> const phase0{1, 2};
 std::vector<std::uint8_t> const pkt{3, 4, 5};
 
 Injection injection(std::uint16_t pktId) {
-    return {.pipe = 1, .portIndex = 7, .pktId = pktId, .receiver = 2, .phase0 = phase0, .pkt = pkt};
+    return {
+        .pipe = 1, .portIndex = 7, .pktId = pktId, .registration = 2, .phase0 = phase0, .pkt = pkt};
 }
 
 TEST(CommandQueue, HandsOutAnInjectionAsItWasPushed) {
@@ -25,7 +26,7 @@ TEST(CommandQueue, HandsOutAnInjectionAsItWasPushed) {
     EXPECT_EQ(taken[0].pipe, 1u);
     EXPECT_EQ(taken[0].portIndex, 7u);
     EXPECT_EQ(taken[0].pktId, 9u);
-    EXPECT_EQ(taken[0].receiver, 2u);
+    EXPECT_EQ(taken[0].registration, 2u);
     EXPECT_TRUE(std::ranges::equal(taken[0].phase0(), phase0));
     EXPECT_TRUE(std::ranges::equal(taken[0].pkt(), pkt));
 }

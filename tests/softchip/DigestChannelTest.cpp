@@ -23,9 +23,9 @@ class DigestChannelTest : public testing::Test {
     Status acknowledge(pipe_flow_lrn_msg_t const* message) {
         return channel.acknowledge(message, resume);
     }
-    void add(unsigned count, DigestChannel::Receiver receiver) {
+    void add(unsigned count, DigestChannel::RegistrationNumber registration) {
         for (unsigned i = 0; i < count; ++i) {
-            channel.add(1, {}, receiver);
+            channel.add(1, {}, registration);
         }
     }
 
@@ -39,13 +39,13 @@ class DigestChannelTest : public testing::Test {
 };
 
 TEST_F(DigestChannelTest, NumbersItsRegistrations) {
-    EXPECT_EQ(channel.receiver(), 0u);
+    EXPECT_EQ(channel.registration(), 0u);
     registerCallback();
-    EXPECT_EQ(channel.receiver(), 1u);
+    EXPECT_EQ(channel.registration(), 1u);
     channel.deregister();
-    EXPECT_EQ(channel.receiver(), 0u);
+    EXPECT_EQ(channel.registration(), 0u);
     registerCallback();
-    EXPECT_EQ(channel.receiver(), 2u);
+    EXPECT_EQ(channel.registration(), 2u);
 }
 
 TEST_F(DigestChannelTest, SendsNothingWhenNothingIsReady) {

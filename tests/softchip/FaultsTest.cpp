@@ -21,25 +21,25 @@ TEST(FaultWindow, OfNoTimesMeetsNothing) {
 
 TEST(Faults, LeaveEveryCallAloneAtFirst) {
     Faults faults;
-    EXPECT_FALSE(faults.failure(Call::genOnePkt));
+    EXPECT_FALSE(faults.failure(SdkFunction::genOnePkt));
     EXPECT_FALSE(faults.digest(1));
 }
 
 TEST(Faults, CountTheCallsOfTheirFunctionAlone) {
     Faults faults;
-    faults.failIs(Call::genOnePkt, 7, 2);
-    EXPECT_FALSE(faults.failure(Call::genOnePkt));
-    EXPECT_FALSE(faults.failure(Call::disableAppId));
-    EXPECT_EQ(faults.failure(Call::genOnePkt), 7);
+    faults.failIs(SdkFunction::genOnePkt, 7, 2);
+    EXPECT_FALSE(faults.failure(SdkFunction::genOnePkt));
+    EXPECT_FALSE(faults.failure(SdkFunction::disableAppId));
+    EXPECT_EQ(faults.failure(SdkFunction::genOnePkt), 7);
 }
 
 TEST(Faults, OfAFunctionTakeThePlaceOfEarlierOnes) {
     Faults faults;
-    faults.failIs(Call::genOnePkt, 7, 1, 5);
-    faults.failIs(Call::genOnePkt, 8, 2, 1);
-    EXPECT_FALSE(faults.failure(Call::genOnePkt));
-    EXPECT_EQ(faults.failure(Call::genOnePkt), 8);
-    EXPECT_FALSE(faults.failure(Call::genOnePkt));
+    faults.failIs(SdkFunction::genOnePkt, 7, 1, 5);
+    faults.failIs(SdkFunction::genOnePkt, 8, 2, 1);
+    EXPECT_FALSE(faults.failure(SdkFunction::genOnePkt));
+    EXPECT_EQ(faults.failure(SdkFunction::genOnePkt), 8);
+    EXPECT_FALSE(faults.failure(SdkFunction::genOnePkt));
 }
 
 TEST(Faults, OfDigestsCountTheirPacketIdAlone) {
@@ -63,10 +63,10 @@ TEST(Faults, OfDigestsStandBesideEachOtherAndTheFirstDecides) {
 
 TEST(Faults, AreCleared) {
     Faults faults;
-    faults.failIs(Call::notifyAck, 7);
+    faults.failIs(SdkFunction::notifyAck, 7);
     faults.digestIs({.fate = DigestFate::lost});
     faults.clear();
-    EXPECT_FALSE(faults.failure(Call::notifyAck));
+    EXPECT_FALSE(faults.failure(SdkFunction::notifyAck));
     EXPECT_FALSE(faults.digest(1));
 }
 

@@ -7,8 +7,8 @@ namespace {
 
 using Kind = JournalEntry::Kind;
 
-JournalEntry call(Call function, p4_pd_status_t result = 0) {
-    JournalEntry entry{.kind = Kind::call, .call = function};
+JournalEntry call(SdkFunction function, p4_pd_status_t result = 0) {
+    JournalEntry entry{.kind = Kind::call, .function = function};
     entry.session = 1;
     entry.result = result;
     return entry;
@@ -31,9 +31,9 @@ std::vector<std::uint64_t> numbers(Journal const& journal) {
 
 TEST(Journal, NumbersTheEntriesOfBothWritersInOneRow) {
     Journal journal;
-    journal.add(call(Call::genOnePkt));
+    journal.add(call(SdkFunction::genOnePkt));
     journal.add(injection(1));
-    journal.add(call(Call::getPktCounters));
+    journal.add(call(SdkFunction::getPktCounters));
     EXPECT_EQ(numbers(journal), (std::vector<std::uint64_t>{1, 2, 3}));
     EXPECT_EQ(journal.entries()[1].kind, Kind::injection);
 }
@@ -42,7 +42,7 @@ TEST(Journal, KeepsTheNewestEntriesOfEachWriterUpToTheLimit) {
     Journal journal(2);
     journal.add(injection(1));
     for (int i = 0; i < 5; ++i) {
-        journal.add(call(Call::genOnePkt));
+        journal.add(call(SdkFunction::genOnePkt));
     }
     EXPECT_EQ(numbers(journal), (std::vector<std::uint64_t>{1, 5, 6}));
 }
@@ -57,21 +57,21 @@ TEST(Journal, KeepsEverythingWithoutALimit) {
 
 TEST(Journal, CountsWithoutKeepingAnything) {
     Journal journal(0);
-    journal.add(call(Call::genOnePkt));
-    journal.add(call(Call::genOnePkt, 7));
+    journal.add(call(SdkFunction::genOnePkt));
+    journal.add(call(SdkFunction::genOnePkt, 7));
     journal.add(injection(1, 3));
     EXPECT_TRUE(journal.entries().empty());
     auto const counters = journal.counters();
-    EXPECT_EQ(counters.callsOf(Call::genOnePkt), 2u);
-    EXPECT_EQ(counters.failuresOf(Call::genOnePkt), 1u);
+    EXPECT_EQ(counters.callsOf(SdkFunction::genOnePkt), 2u);
+    EXPECT_EQ(counters.failuresOf(SdkFunction::genOnePkt), 1u);
     EXPECT_EQ(counters.injected[3], 1u);
 }
 
 TEST(Journal, CountsAcknowledgementsWhereverTheyAreKept) {
     Journal journal;
-    journal.add(call(Call::notifyAck, 3));
-    EXPECT_EQ(journal.counters().callsOf(Call::notifyAck), 1u);
-    EXPECT_EQ(journal.counters().failuresOf(Call::notifyAck), 1u);
+    journal.add(call(SdkFunction::notifyAck, 3));
+    EXPECT_EQ(journal.counters().callsOf(SdkFunction::notifyAck), 1u);
+    EXPECT_EQ(journal.counters().failuresOf(SdkFunction::notifyAck), 1u);
 }
 
 TEST(Journal, CountsEveryKindOfEntry) {
@@ -94,7 +94,7 @@ TEST(Journal, CountsEveryKindOfEntry) {
 }
 
 TEST(Journal, PrintsACallWithItsArgumentsAndResult) {
-    auto entry = call(Call::genOnePkt, 6);
+    auto entry = call(SdkFunction::genOnePkt, 6);
     entry.pipe = 2;
     entry.genPort = 68;
     entry.portIndex = 5;
@@ -108,7 +108,7 @@ TEST(Journal, PrintsACallWithItsArgumentsAndResult) {
 }
 
 TEST(Journal, PrintsACounterReadingWithTheCount) {
-    auto entry = call(Call::getPktCounters);
+    auto entry = call(SdkFunction::getPktCounters);
     entry.appId = 4;
     entry.count = 12;
     EXPECT_EQ(entry.text(), "getPktCounters session 1 pipe 0 appId 4 count 12 -> 0");
@@ -136,7 +136,8 @@ TEST(Journal, PrintsTheOtherKindsInAWordAndANumber) {
     lost.pktId = 8;
     EXPECT_EQ(lost.text(), "digestLost pktId 8");
     EXPECT_EQ(JournalEntry{.kind = Kind::tableChange}.text(), "tableChange");
-    EXPECT_EQ(call(Call::notifyAck).text(), "pipe_mgr_flow_lrn_notify_ack session 1 handle 0 -> 0");
+    EXPECT_EQ(call(SdkFunction::notifyAck).text(),
+              "pipe_mgr_flow_lrn_notify_ack session 1 handle 0 -> 0");
 }
 
 }  // namespace

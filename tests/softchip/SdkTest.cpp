@@ -16,13 +16,5 @@ TEST(Sdk, HasATextOfItsOwnForEveryStatus) {
     EXPECT_EQ(texts.size(), static_cast<std::size_t>(Status::unknownMessage) + 1);
 }
 
-TEST(Sdk, HasANameOfItsOwnForEveryCall) {
-    std::set<std::string> texts;
-    for (std::size_t call = 0; call < callCount; ++call) {
-        texts.insert(text(static_cast<Call>(call)));
-    }
-    EXPECT_EQ(texts.size(), callCount);
-}
-
 }  // namespace
 }  // namespace SoftChip

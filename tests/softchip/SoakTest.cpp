@@ -19,7 +19,7 @@
 #include "VynSdk/VynSdk.h"
 #include "VynSlice/ChipStatus.h"
 #include "VynSystem/SystemStatus.h"
-#include "softchip/DigestLayout.h"
+#include "sdkseam/DigestLayout.h"
 #include "softchip/Phase0Data.h"
 #include "softchip/SoftChip.h"
 #include "tests/softchip/FrameBuilder.h"
@@ -57,9 +57,9 @@ struct Agent {
             addPort(port);
         }
         tracer = VynPacketTracer::packetTracerSmFactory(
-            config, status, phase0, true, true, session, device, LearnQuanta::LearnQuantaIs(),
-            DigestLayout::DigestLayoutIs(), loop, systemStatus,
-            Fen::FenCommonSmData::FenCommonSmDataIs(), bridging,
+            config, status, phase0, true, true, session, device,
+            SdkSeam::LearnQuanta::LearnQuantaIs(), SdkSeam::DigestLayout::DigestLayoutIs(), loop,
+            systemStatus, Fen::FenCommonSmData::FenCommonSmDataIs(), bridging,
             VynSlice::ChipStatus::ChipStatusIs());
     }
 
@@ -263,7 +263,8 @@ class Soak : public testing::TestWithParam<unsigned> {
             EXPECT_EQ(VynSdk::getPktCounters(session, device, pipe, generatorApp, count), 0);
             sum += count;
         }
-        EXPECT_EQ(sum, counters.callsOf(Call::genOnePkt) - counters.failuresOf(Call::genOnePkt));
+        EXPECT_EQ(sum, counters.callsOf(SdkFunction::genOnePkt) -
+                           counters.failuresOf(SdkFunction::genOnePkt));
         EXPECT_LT(sum, 65536u);  // so packet ids are unique
     }
 
@@ -340,7 +341,7 @@ class Trouble {
         }
         switch (random() % 400) {
             case 0:
-                return agent_.chip.faults().failIs(static_cast<Call>(random() % 4), 50,
+                return agent_.chip.faults().failIs(static_cast<SdkFunction>(random() % 4), 50,
                                                    1 + random() % 3, 1 + random() % 3);
             case 1:
                 return agent_.chip.faults().digestIs(
@@ -348,7 +349,7 @@ class Trouble {
                      .nth = 1 + random() % 3,
                      .behind = static_cast<std::uint32_t>(random() % 3)});
             case 2:
-                return agent_.chip.faults().failIs(Call::notifyAck, 51);
+                return agent_.chip.faults().failIs(SdkFunction::notifyAck, 51);
             case 3:
                 return agent_.chip.generator(random() % 4).stalledIs(true);
             case 4:
@@ -390,7 +391,8 @@ TEST_P(Soak, AnswersOrWithdrawsEveryRequestWhateverGoesWrong) {
     for (unsigned pipe = 0; pipe < pipeCount; ++pipe) {
         generated += agent.chip.generator(pipe).generated();
     }
-    EXPECT_EQ(generated, counters.callsOf(Call::genOnePkt) - counters.failuresOf(Call::genOnePkt));
+    EXPECT_EQ(generated, counters.callsOf(SdkFunction::genOnePkt) -
+                             counters.failuresOf(SdkFunction::genOnePkt));
     expectOneInjectionAnAnswer(driver, injections(agent.chip));
     EXPECT_GE(answered(driver), requests / 10);
 }

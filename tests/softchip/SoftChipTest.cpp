@@ -155,7 +155,7 @@ TEST_F(SoftChipCalls, SucceedInDisablingWhatIsNotEnabled) {
 
 TEST_F(SoftChipCalls, OfAnotherDeviceDoNotReachTheChip) {
     EXPECT_EQ(VynSdk::disableAppId(session, device + 1, 0, 4), SdkSeam::unknownDevice);
-    EXPECT_EQ(chip.journal().counters().callsOf(Call::disableAppId), 0u);
+    EXPECT_EQ(chip.journal().counters().callsOf(SdkFunction::disableAppId), 0u);
 }
 
 TEST(SoftChipSeam, RefusesASecondChipForADevice) {
@@ -363,7 +363,7 @@ class SoftChipFaults : public ChipFixture {
 };
 
 TEST_F(SoftChipFaults, FailTheNthCallOfAFunctionSoManyTimes) {
-    chip.faults().failIs(Call::disableAppId, 40, 2, 2);
+    chip.faults().failIs(SdkFunction::disableAppId, 40, 2, 2);
     std::vector<p4_pd_status_t> results;
     for (int i = 0; i < 4; ++i) {
         results.push_back(VynSdk::disableAppId(session, device, 0, 4));
@@ -372,8 +372,8 @@ TEST_F(SoftChipFaults, FailTheNthCallOfAFunctionSoManyTimes) {
 }
 
 TEST_F(SoftChipFaults, KeepAFailingCallFromDoingAnything) {
-    chip.faults().failIs(Call::genOnePkt, 41);
-    chip.faults().failIs(Call::disablePktGen, 42);
+    chip.faults().failIs(SdkFunction::genOnePkt, 41);
+    chip.faults().failIs(SdkFunction::disablePktGen, 42);
     EXPECT_EQ(inject(1), 41);
     chip.drain();
     EXPECT_EQ(chip.generator(0).generated(), 0u);
@@ -385,7 +385,7 @@ TEST_F(SoftChipFaults, KeepAFailingCallFromDoingAnything) {
 TEST_F(SoftChipFaults, FailACounterReading) {
     inject(1);
     chip.drain();
-    chip.faults().failIs(Call::getPktCounters, 43);
+    chip.faults().failIs(SdkFunction::getPktCounters, 43);
     std::uint64_t count = 7;
     EXPECT_EQ(VynSdk::getPktCounters(session, device, 0, 4, count), 43);
     EXPECT_EQ(count, 0u);
@@ -394,19 +394,19 @@ TEST_F(SoftChipFaults, FailACounterReading) {
 
 TEST_F(SoftChipFaults, FailARegistration) {
     deregisterDigest();
-    chip.faults().failIs(Call::digestRegister, 44);
+    chip.faults().failIs(SdkFunction::digestRegister, 44);
     EXPECT_EQ(registerDigest(), 44);
     EXPECT_EQ(registerDigest(), 0);
 }
 
 TEST_F(SoftChipFaults, LetAFailingDeregistrationTakeEffect) {
-    chip.faults().failIs(Call::digestDeregister, 45);
+    chip.faults().failIs(SdkFunction::digestDeregister, 45);
     EXPECT_EQ(deregisterDigest(), 45);
     EXPECT_EQ(deregisterDigest(), code(Status::digestUnregistered));
 }
 
 TEST_F(SoftChipFaults, LeaveAMessageOutstandingWhenItsAcknowledgementFails) {
-    chip.faults().failIs(Call::notifyAck, 46);
+    chip.faults().failIs(SdkFunction::notifyAck, 46);
     inject(1);
     chip.drain();
     EXPECT_EQ(receiver.calls.at(0).acknowledged, 46);

@@ -161,7 +161,7 @@ TEST_F(SoftChipThreads, TakeFaultsAtAnyTime) {
         inject(id);
         if (id % 100 == 50) {
             chip.faults().digestIs({.fate = DigestFate::lost, .pktId = id});
-            chip.faults().failIs(Call::notifyAck, 1);
+            chip.faults().failIs(SdkFunction::notifyAck, 1);
         } else if (id % 100 == 99) {
             chip.faults().clear();
         }
@@ -178,7 +178,7 @@ TEST_F(SoftChipThreads, LetTheirJournalBeReadAtAnyTime) {
         auto const entries = chip.journal().entries();
         EXPECT_GE(entries.back().number, newest);
         newest = entries.back().number;
-        EXPECT_EQ(chip.journal().counters().callsOf(Call::genOnePkt), id + 1u);
+        EXPECT_EQ(chip.journal().counters().callsOf(SdkFunction::genOnePkt), id + 1u);
     }
 }
 
@@ -194,7 +194,7 @@ TEST_F(SoftChipThreads, WriteEveryCauseAheadOfItsEffect) {
     for (auto const& entry : chip.journal().entries()) {
         EXPECT_GT(entry.number, number);
         number = entry.number;
-        calls += entry.kind == Kind::call && entry.call == Call::genOnePkt ? 1 : 0;
+        calls += entry.kind == Kind::call && entry.function == SdkFunction::genOnePkt ? 1 : 0;
         injections += entry.kind == Kind::injection ? 1 : 0;
         digests += entry.entries;
         EXPECT_LE(injections, calls);

@@ -1,8 +1,10 @@
-#include "scriptchip/SdkCall.h"
+#include "sdkseam/SdkCall.h"
 
 #include <algorithm>
 
-namespace ScriptChip {
+#include "Vanta/Bytes.h"
+
+namespace SdkSeam {
 
 std::string_view sdkFunctionName(SdkFunction function) noexcept {
     switch (function) {
@@ -29,4 +31,28 @@ std::optional<SdkFunction> sdkFunctionOf(std::string_view name) noexcept {
     return found != allSdkFunctions.end() ? std::optional(*found) : std::nullopt;
 }
 
-}  // namespace ScriptChip
+namespace {
+
+std::string valueText(std::uint64_t number) {
+    return std::to_string(number);
+}
+
+std::string valueText(std::span<std::uint8_t const> bytes) {
+    return Vanta::hexText(bytes);
+}
+
+}  // namespace
+
+std::string text(SdkCall const& call) {
+    std::string line(sdkFunctionName(call.function));
+    eachArgument(call, [&line](std::string_view name, auto value) {
+        line.append(" ").append(name).append("=").append(valueText(value));
+    });
+    line.append(" -> ").append(std::to_string(call.rc));
+    if (call.function == SdkFunction::getPktCounters) {
+        line.append(" count=").append(std::to_string(call.count));
+    }
+    return line;
+}
+
+}  // namespace SdkSeam

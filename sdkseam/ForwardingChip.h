@@ -1,0 +1,71 @@
+// A chip that stands before another one and hands its calls on, through a hook.
+//
+// Towards its callers it is the chip of its device; the chip behind it gets what the hook lets
+// through. With a digest hook the chip's learn messages come back the same way: it is then this
+// object that registers with the chip, in the tracer's name.
+//
+//     struct Slow final : SdkSeam::CallHook {
+//         void called(SdkSeam::SdkCall& call, SdkSeam::Chip& behind) override {
+//             behind.call(call);                  // `call` then has what the chip answered
+//         }
+//         SdkSeam::ForwardingChip front{device, *this};
+//     };
+//
+// A device without such a chip pays nothing for it. Threads: as Chip.h says of the calls and
+// PipeMgr.h of the messages; it comes and goes on the event thread, with a digest hook only while
+// no digest is registered.
+#pragma once
+
+#include "sdkseam/Chip.h"
+#include "sdkseam/Interposition.h"
+
+namespace SdkSeam {
+
+class CallHook {
+  public:
+    // A call on its way. Hands it to the chip behind, or not; the caller gets the status and the
+    // count that `call` has afterwards, and the chip gets the arguments that it has before.
+    virtual void called(SdkCall& call, Chip& behind) = 0;
+
+  protected:
+    ~CallHook() = default;
+};
+
+class DigestHook {
+  public:
+    // A learn message on its way. Hands it to its receiver, or not; returns what the chip gets. A
+    // message that is not handed on is not acknowledged by anybody.
+    virtual p4_pd_status_t received(pipe_flow_lrn_msg_t* message,
+                                    DigestReceiver const& receiver) = 0;
+
+  protected:
+    ~DigestHook() = default;
+};
+
+class ForwardingChip final : public Chip {
+  public:
+    // Precondition: the hooks outlive it. Errors: std::logic_error if the device has no chip.
+    ForwardingChip(VynId::VynDevId device, CallHook& hook, DigestHook* digestHook = nullptr)
+        : hook_(hook), digestHook_(digestHook), front_(device, *this) {}
+    ForwardingChip(ForwardingChip const&) = delete;
+    ForwardingChip& operator=(ForwardingChip const&) = delete;
+    ~ForwardingChip() = default;
+
+    void call(SdkCall& call) override;
+
+    // Whom the messages are for, with a digest hook: who has registered last. Nobody after a
+    // deregistration, whatever that returned.
+    DigestReceiver const& receiver() const noexcept { return receiver_; }
+
+  private:
+    void registerDigest(SdkCall& call);
+    static p4_pd_status_t onMessage(p4_pd_sess_hdl_t session, pipe_flow_lrn_msg_t* message,
+                                    void* self);
+
+    CallHook& hook_;
+    DigestHook* const digestHook_;
+    DigestReceiver receiver_;  // written while nothing is registered with the chip
+    Interposition front_;
+};
+
+}  // namespace SdkSeam
