@@ -2,16 +2,12 @@
 
 #include <array>
 
+#include "softchip/EnumTexts.h"
+
 namespace SoftChip {
 namespace {
 
-template <class Key>
-struct Row {
-    Key key;
-    std::string_view code;
-};
-
-constexpr std::array<Row<Step>, stepCount> steps{{
+constexpr std::array<EnumText<Step>, stepCount> steps{{
     {Step::parse, "parse"},
     {Step::portUp, "portUp"},
     {Step::vlanClassification, "vlanClassification"},
@@ -27,7 +23,7 @@ constexpr std::array<Row<Step>, stepCount> steps{{
     {Step::egressPortUp, "egressPortUp"},
 }};
 
-constexpr std::array<Row<Reason>, reasonCount> reasons{{
+constexpr std::array<EnumText<Reason>, reasonCount> reasons{{
     {Reason::parsed, "parsed"},
     {Reason::phase0Unknown, "phase0Unknown"},
     {Reason::frameTooShort, "frameTooShort"},
@@ -92,26 +88,16 @@ constexpr std::array<Row<Reason>, reasonCount> reasons{{
     {Reason::noCpuPort, "noCpuPort"},
 }};
 
-// Whether each row stands where its key's number says, counted from `first`.
-template <class Table>
-constexpr bool inOrder(Table const& table, unsigned first) {
-    for (auto const& row : table) {
-        if (static_cast<unsigned>(row.key) != first++) {
-            return false;
-        }
-    }
-    return true;
-}
 static_assert(inOrder(steps, 1) && inOrder(reasons, 0));
 
 }  // namespace
 
 std::string_view code(Step step) {
-    return steps.at(static_cast<std::size_t>(step) - 1).code;
+    return steps.at(static_cast<std::size_t>(step) - 1).text;
 }
 
 std::string_view code(Reason reason) {
-    return reasons.at(static_cast<std::size_t>(reason)).code;
+    return reasons.at(static_cast<std::size_t>(reason)).text;
 }
 
 }  // namespace SoftChip
