@@ -107,13 +107,13 @@ void deriveRoutes(SwitchModel const& model, Tables& tables) {
     }
 }
 
-// Every place that names an access list: the list, what its rules must match besides, and the
-// place.
+// An access list bound to an interface or a VLAN: the list, what its rules must match besides, and
+// what it is bound to.
 struct AclBinding {
     std::uint16_t acl = 0;
     LogicalPort ingress;
     DomainId domain = SoftChip::noDomain;
-    std::string place;
+    std::string boundTo;
 };
 
 AclBinding bindingOf(SwitchModel const& model, Interface const& intf) {
@@ -164,12 +164,12 @@ LogicalPort logicalPort(SwitchModel const& model, Plexa::IntfId const& id) {
                                   : LogicalPort::port(model.interface(id)->devicePort);
 }
 
-std::vector<std::string> aclPlaces(SwitchModel const& model) {
-    std::vector<std::string> places;
+std::vector<std::string> aclBindingNames(SwitchModel const& model) {
+    std::vector<std::string> names;
     for (AclBinding const& binding : aclBindings(model)) {
-        places.push_back(model.acls[binding.acl].name + " on " + binding.place);
+        names.push_back(model.acls[binding.acl].name + " on " + binding.boundTo);
     }
-    return places;
+    return names;
 }
 
 SoftChip::Tables deriveTables(SwitchModel const& model) {

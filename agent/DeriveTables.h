@@ -5,8 +5,9 @@
 //   - What routes has a domain: a VLAN interface its VLAN, everything else its internal VLAN.
 //   - Each subnet of an interface becomes a connected route, each address one of the switch's own.
 //     IPv6's link-local subnets become none, being on every link alike.
-//   - Each place that names an access list gets a list of its own, numbered from 1: VLANs first,
-//     then interfaces, both in the order of the model. `aclPlaces` says where a list came from.
+//   - An access list becomes one list for each binding to a VLAN or an interface, numbered from 1:
+//     VLANs first, then interfaces, both in the order of the model. `aclBindingNames` says which
+//     binding a list stands for.
 #pragma once
 
 #include <string>
@@ -21,7 +22,7 @@ namespace Agent {
 SoftChip::Tables deriveTables(SwitchFile::SwitchModel const& model);
 
 // What the chip's list n + 1 is for people: "edge on Ethernet7", "edge on VLAN 10".
-std::vector<std::string> aclPlaces(SwitchFile::SwitchModel const& model);
+std::vector<std::string> aclBindingNames(SwitchFile::SwitchModel const& model);
 
 // How the chip names a physical port or LAG, or the parent of a sub-interface.
 SoftChip::LogicalPort logicalPort(SwitchFile::SwitchModel const& model, Plexa::IntfId const& id);

@@ -94,10 +94,10 @@ void TraceClient::resultChanged(Vanta::Change const& change) {
 }
 
 TraceClient::Waiting* TraceClient::find(std::uint32_t number) noexcept {
-    auto const place = std::ranges::lower_bound(
+    auto const found = std::ranges::lower_bound(
         waiting_, number, {}, [](std::unique_ptr<Waiting> const& w) { return w->number; });
-    bool const found = place != waiting_.end() && (*place)->number == number;
-    return found ? place->get() : nullptr;
+    bool const isThere = found != waiting_.end() && (*found)->number == number;
+    return isThere ? found->get() : nullptr;
 }
 
 std::optional<Answer> TraceClient::poll(Clock::duration maxWait) {

@@ -56,7 +56,7 @@ struct InWords {
 }  // namespace
 
 ChipNames::ChipNames(SwitchFile::SwitchModel const& model)
-    : lists_(Agent::aclPlaces(model)), vrfs_(model.vrfs) {
+    : lists_(Agent::aclBindingNames(model)), vrfs_(model.vrfs) {
     for (auto const& intf : model.interfaces) {
         if (intf.id.kind() == Plexa::IntfId::Kind::physical) {
             ports_.emplace(intf.devicePort, intf.id.stringValue());

@@ -10,7 +10,7 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
         auto const model = SwitchFile::parseSwitchFile(Fuzz::textOf(data, size), "input");
         static_cast<void>(Agent::deriveTables(model));
         static_cast<void>(Agent::deriveForwardingState(model));
-        static_cast<void>(Agent::aclPlaces(model));
+        static_cast<void>(Agent::aclBindingNames(model));
     } catch (SwitchFile::InputError const& error) {
         Fuzz::check(std::string_view(error.what()).starts_with("input:"), "an error has a place");
     }

@@ -1,4 +1,4 @@
-// A place in front of a chip: whoever stands there gets the chip's calls and hands them on, or not.
+// What stands in front of a chip gets the chip's calls and hands them on, or not.
 //
 // Several may stand in front of one chip; they leave in the reverse order, and before the chip.
 // Thread: the event thread; no call of the device is under way on another one meanwhile.
@@ -10,14 +10,14 @@ namespace SdkSeam {
 
 class Interposition {
   public:
-    // Puts `front` in the place of the chip of a device, for as long as this object lives.
+    // Puts `front` before the chip of a device, for as long as this object lives.
     // Errors: std::logic_error if the device has no chip.
     Interposition(VynId::VynDevId device, Chip& front);
     Interposition(Interposition const&) = delete;
     Interposition& operator=(Interposition const&) = delete;
     ~Interposition();
 
-    // Who had the place before.
+    // Who got the calls before.
     Chip& behind() const noexcept { return *behind_; }
 
   private:

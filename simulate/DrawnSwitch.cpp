@@ -7,7 +7,7 @@ namespace {
 
 // A port's text: "pipe/index", each pipe's indexes used once. One draw a statement: in one sum each
 // compiler would draw in an order of its own, and a seed be another history.
-std::string place(Random& random, std::uint64_t number) {
+std::string portText(Random& random, std::uint64_t number) {
     auto const index = number * 7 + random.below(7);
     auto const pipe = random.below(4);
     return std::to_string(pipe) + "/" + std::to_string(index);
@@ -22,8 +22,8 @@ std::string drawSwitch(Random& random) {
     };
     auto const port = [&](unsigned number, std::string const& more) {
         bool const down = random.chance(8);
-        add("Ethernet" + std::to_string(number),
-            "\"port\": \"" + place(random, number) + "\"" + more + (down ? ", \"up\": false" : ""));
+        add("Ethernet" + std::to_string(number), "\"port\": \"" + portText(random, number) + "\"" +
+                                                     more + (down ? ", \"up\": false" : ""));
     };
     port(1, ", \"access\": 10");
     port(2, ", \"trunk\": \"10,20\", \"native\": 10");

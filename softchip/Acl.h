@@ -1,3 +1,8 @@
+// Ingress access lists: what a rule matches, and what the rules of all lists say of a frame.
+//
+// Lists are looked at independently of one another (one for a port and one for its VLAN, say);
+// within a list the matching rule with the lowest sequence number decides. A list without a matching
+// rule permits: an implicit end is a rule like any other.
 #pragma once
 
 #include <cstddef>
@@ -81,9 +86,7 @@ struct FrameMatch {
     bool matches(ParsedFrame const& frame, LogicalPort from, DomainId in) const;
 };
 
-// One rule of an ingress access list. Lists are looked at independently of one another (one for a
-// port and one for its VLAN, say); within a list the matching rule with the lowest sequence number
-// decides. A list without a matching rule permits: an implicit end is a rule like any other.
+// One rule of a list.
 struct AclRule {
     enum class Action : std::uint8_t { permit, drop };
 

@@ -1,3 +1,10 @@
+// A hash table in one array, for the chip's exact-match tables: a hundred thousand entries load in
+// milliseconds, a lookup touches one or two cache lines. Key and Value are plain default
+// constructible values; Key compares with == and has `std::uint64_t hash() const`, all of whose
+// bits are well mixed. Owned by one thread, as every table of the chip.
+//
+// Invariants: the number of slots is zero or a power of two; at most three quarters are used; from
+// the slot that a key's hash names to the slot it is in, every slot is used.
 #pragma once
 
 #include <cstddef>
@@ -7,13 +14,6 @@
 
 namespace SoftChip {
 
-// A hash table in one array, for the chip's exact-match tables: a hundred thousand entries load in
-// milliseconds, a lookup touches one or two cache lines. Key and Value are plain default
-// constructible values; Key compares with == and has `std::uint64_t hash() const`, all of whose
-// bits are well mixed. Owned by one thread, as every table of the chip.
-//
-// Invariants: the number of slots is zero or a power of two; at most three quarters are used; from
-// the slot that a key's hash names to the slot it is in, every slot is used.
 template <class Key, class Value>
 class FlatHash {
   public:

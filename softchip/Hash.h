@@ -1,12 +1,3 @@
-#pragma once
-
-#include <cstddef>
-#include <cstdint>
-
-namespace SoftChip {
-
-struct ParsedFrame;
-
 // The chip's flow hashes. Stated in full, because a tracer is asked why a flow went this way, and a
 // flow must go the same way in every build.
 //
@@ -23,6 +14,15 @@ struct ParsedFrame;
 //   EtherType.
 //
 // The seeds differ so that the flows which ECMP sends one way still spread over that way's LAG.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+
+namespace SoftChip {
+
+struct ParsedFrame;
+
 std::uint64_t ecmpHash(ParsedFrame const& frame);
 std::uint64_t lagHash(ParsedFrame const& frame);
 

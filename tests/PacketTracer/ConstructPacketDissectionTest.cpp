@@ -1,3 +1,5 @@
+// What tshark, which knows nothing of this code, says of the frames: it dissects every one of them
+// down to the last protocol, verifies each checksum, and has nothing to complain of.
 #include "PacketTracer/ConstructPacket.h"
 
 #include <gtest/gtest.h>
@@ -16,9 +18,6 @@
 #include "PacketTracer/PacketSize.h"
 #include "PacketTracer/SomeFields.h"
 #include "ScratchPath.h"
-
-// What tshark, which knows nothing of this code, says of the frames: it dissects every one of them
-// down to the last protocol, verifies each checksum, and has nothing to complain of.
 
 namespace {
 

@@ -1,3 +1,4 @@
+// Frames of every kind, with everything in them drawn at random, are read back.
 #include "PacketTracer/ConstructPacket.h"
 
 #include <gtest/gtest.h>
@@ -13,8 +14,6 @@
 #include "PacketTracer/PacketSize.h"
 #include "PacketTracer/ReadFrame.h"
 #include "PacketTracer/SomeFields.h"
-
-// Frames of every kind, with everything in them drawn at random, are read back.
 
 namespace {
 

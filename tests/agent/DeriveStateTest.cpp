@@ -18,7 +18,7 @@ class DeriveState : public testing::Test {
     bool hasPortInfo(std::string_view name) const {
         return state.systemStatus->portInfo().has(id(name));
     }
-    std::string place(std::string_view name) const {
+    std::string pipeAndIndex(std::string_view name) const {
         VynSystem::PortInfo const info = state.systemStatus->portInfo().get(id(name));
         return std::to_string(info.pipe()) + "/" + std::to_string(info.port().value());
     }
@@ -63,20 +63,20 @@ class DeriveState : public testing::Test {
 };
 
 TEST_F(DeriveState, PhysicalPortsHavePipeAndIndexInThePipe) {
-    EXPECT_EQ(place("Ethernet1"), "0/0");
-    EXPECT_EQ(place("Ethernet2"), "1/127");
-    EXPECT_EQ(place("Ethernet3"), "3/71");
-    EXPECT_EQ(place("Ethernet64"), "1/64");
+    EXPECT_EQ(pipeAndIndex("Ethernet1"), "0/0");
+    EXPECT_EQ(pipeAndIndex("Ethernet2"), "1/127");
+    EXPECT_EQ(pipeAndIndex("Ethernet3"), "3/71");
+    EXPECT_EQ(pipeAndIndex("Ethernet64"), "1/64");
 }
 
 TEST_F(DeriveState, LagMembersHavePortInformationOfTheirOwn) {
-    EXPECT_EQ(place("Ethernet4"), "2/4");
-    EXPECT_EQ(place("Ethernet5"), "2/5");
+    EXPECT_EQ(pipeAndIndex("Ethernet4"), "2/4");
+    EXPECT_EQ(pipeAndIndex("Ethernet5"), "2/5");
 }
 
 TEST_F(DeriveState, SubInterfaceHasItsParentsPortInformation) {
-    EXPECT_EQ(place("Ethernet7.100"), "2/7");
-    EXPECT_EQ(place("Ethernet7.200"), "2/7");
+    EXPECT_EQ(pipeAndIndex("Ethernet7.100"), "2/7");
+    EXPECT_EQ(pipeAndIndex("Ethernet7.200"), "2/7");
 }
 
 TEST_F(DeriveState, LagsAndVlanInterfacesHaveNoPortInformation) {

@@ -194,8 +194,8 @@ TEST_F(DeriveTables, FdbPointsAtPortsLagsAndParents) {
     EXPECT_TRUE(tables.fdb(10, mac("02:00:00:00:00:bb")).isNone());
 }
 
-TEST_F(DeriveTables, EachPlaceOfAnAccessListGetsAListOfItsOwn) {
-    EXPECT_EQ(aclPlaces(model),
+TEST_F(DeriveTables, EachBindingOfAnAccessListGetsAListOfItsOwn) {
+    EXPECT_EQ(aclBindingNames(model),
               (std::vector<std::string>{"core on VLAN 10", "edge on Ethernet1",
                                         "core on Ethernet6.100", "edge on Ethernet6.200"}));
     EXPECT_EQ(rulesOfList(1).size(), 1U);
@@ -203,7 +203,7 @@ TEST_F(DeriveTables, EachPlaceOfAnAccessListGetsAListOfItsOwn) {
     EXPECT_EQ(tables.acl().rules().size(), 6U);
 }
 
-TEST_F(DeriveTables, AccessListsMatchTheirPlaceOnly) {
+TEST_F(DeriveTables, AccessListsMatchWhatTheyAreBoundToOnly) {
     EXPECT_EQ(rulesOfList(1)[0].match.domain, 10);
     EXPECT_TRUE(rulesOfList(1)[0].match.ingress.isNone());
     EXPECT_EQ(rulesOfList(2)[0].match.ingress, LogicalPort::port(1));

@@ -53,13 +53,13 @@ TEST(CommandQueue, HandsOutNothingTwice) {
 
 TEST(CommandQueue, UsesTheRoomOfItsSlotsAgain) {
     CommandQueue queue;
-    std::uint8_t const* places[2]{};
+    std::uint8_t const* blocks[2]{};
     for (int row = 0; row < 4; ++row) {
         queue.pushInjection(injection(1));
-        auto const* const place = queue.take()[0].bytes.data();
-        auto const*& known = places[row % 2];
-        EXPECT_TRUE(known == nullptr || known == place);
-        known = place;
+        auto const* const block = queue.take()[0].bytes.data();
+        auto const*& known = blocks[row % 2];
+        EXPECT_TRUE(known == nullptr || known == block);
+        known = block;
     }
 }
 

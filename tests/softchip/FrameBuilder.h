@@ -1,3 +1,5 @@
+// Frames for tests, made of parts that are joined: join({ethernet(...), tag(10), ipv4(...)}). The
+// EtherType belongs to the part that it announces. Nothing here shares code with the parser.
 #pragma once
 
 #include <cstdint>
@@ -7,8 +9,6 @@
 
 #include "softchip/Addresses.h"
 
-// Frames for tests, made of parts that are joined: join({ethernet(...), tag(10), ipv4(...)}). The
-// EtherType belongs to the part that it announces. Nothing here shares code with the parser.
 namespace SoftChip::FrameBuilder {
 
 using Bytes = std::vector<std::uint8_t>;

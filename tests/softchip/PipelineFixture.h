@@ -1,3 +1,10 @@
+// What the tests of the pipeline are written with: a small switch. Its ports by what they are:
+//   1, 2 access VLAN 10      3 trunk of 10, 20, 30, native 10       4 access VLAN 20
+//   5 routed, 4094           6 access VLAN 30 (not routed)          7 no domain of its own, its
+//   8, 9, 10 LAG 1, access VLAN 20                                    sub-interface 100 is 4093
+//   11, 12 LAG 2, routed, 4092                                        in VRF 1
+//   13 no mode               14 trunk of 20 without native          15 access VLAN 10, down
+//   192 CPU
 #pragma once
 
 #include <gtest/gtest.h>
@@ -32,13 +39,6 @@ inline void PrintTo(Reason reason, std::ostream* out) {
     *out << code(reason);
 }
 
-// A small switch. Ports by what they are:
-//   1, 2 access VLAN 10      3 trunk of 10, 20, 30, native 10       4 access VLAN 20
-//   5 routed, 4094           6 access VLAN 30 (not routed)          7 no domain of its own, its
-//   8, 9, 10 LAG 1, access VLAN 20                                    sub-interface 100 is 4093
-//   11, 12 LAG 2, routed, 4092                                        in VRF 1
-//   13 no mode               14 trunk of 20 without native          15 access VLAN 10, down
-//   192 CPU
 class PipelineFixture : public testing::Test {
   protected:
     PipelineFixture() {

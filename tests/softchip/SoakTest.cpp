@@ -132,13 +132,13 @@ class Driver {
             agent.config->entryIs(name, configs_.back());
             agent.status->entryIs(name, statuses_.back());
         }
-        for (auto* place : {&early_, &late_}) {
-            place->subscriber.subscribe<&Driver::run>(place->task->publisher(), this);
-            place->task->schedule();
+        for (auto* actor : {&early_, &late_}) {
+            actor->subscriber.subscribe<&Driver::run>(actor->task->publisher(), this);
+            actor->task->schedule();
         }
     }
 
-    // What a test does besides at every place where the driver acts.
+    // What a test does besides whenever the driver acts.
     std::function<void(std::mt19937&)> besides = [](std::mt19937&) {};
     // Turns after which an unanswered request is withdrawn; none: never.
     std::optional<std::uint64_t> patience;
@@ -158,7 +158,7 @@ class Driver {
     std::vector<std::unique_ptr<Asked>> const& asked() const { return asked_; }
 
   private:
-    struct Place {
+    struct Actor {
         Vanta::Ptr<Orb::Task> task;
         Vanta::Subscriber subscriber;
     };
@@ -235,8 +235,8 @@ class Driver {
     std::vector<Vanta::Ptr<PacketTracer::ClientStatus>> statuses_;
     std::vector<std::unique_ptr<Asked>> asked_;
     std::vector<Asked*> open_;
-    Place early_{Orb::Task::TaskIs(agent_.loop, Orb::TaskPriority::p0, "early"), {}};
-    Place late_{Orb::Task::TaskIs(agent_.loop, Orb::TaskPriority::p7, "late"), {}};
+    Actor early_{Orb::Task::TaskIs(agent_.loop, Orb::TaskPriority::p0, "early"), {}};
+    Actor late_{Orb::Task::TaskIs(agent_.loop, Orb::TaskPriority::p7, "late"), {}};
 };
 
 class Soak : public testing::TestWithParam<unsigned> {
