@@ -1,7 +1,8 @@
 // A request's road through the tracer, taken from what the tracer's modules trace on the way.
 //
-// What it hears belongs to one request only if no other one is under way. Threads: it hears statements of any thread; it is made
-// before other threads trace and destroyed after them; start() and take() are the event thread's.
+// What it hears belongs to one request only if no other one is under way. Threads: it hears
+// statements of any thread; it is made before other threads trace and destroyed after them; start()
+// and take() are the event thread's.
 #pragma once
 
 #include <chrono>
