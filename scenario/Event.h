@@ -55,7 +55,7 @@ struct PortToLagDel {
 };
 struct Vlan {
     Bridging::VlanId id{Bridging::VlanId::min};
-    std::vector<Plexa::IntfId> intf;
+    std::vector<Plexa::IntfId> intf{};
     bool internal = false;
 };
 struct VlanDel {
@@ -103,7 +103,7 @@ struct ClientStatusDel {
 };
 struct Request {
     PacketTracer::RequestId id;
-    Plexa::IntfId intf;
+    Plexa::IntfId intf{};
     std::uint16_t etherType = 0x0800;
     bool mpls = false;
     bool gre = false;
@@ -116,7 +116,7 @@ enum class RequestAttribute : std::uint8_t { valid, etherType, mpls, gre, intf, 
 struct RequestSet {
     PacketTracer::RequestId id;
     RequestAttribute attribute = RequestAttribute::valid;
-    std::variant<bool, std::uint16_t, Plexa::IntfId, Vanta::Bytes> value;
+    std::variant<bool, std::uint16_t, Plexa::IntfId, Vanta::Bytes> value{};
 };
 struct RequestDel {
     PacketTracer::RequestId id;
@@ -129,7 +129,7 @@ struct Result {
 struct Phase0 {
     Plexa::IntfId intf;
     std::uint32_t status = 0;
-    Vanta::Bytes data;
+    Vanta::Bytes data{};
 };
 struct Phase0Del {
     Plexa::IntfId intf;

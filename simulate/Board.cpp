@@ -11,7 +11,7 @@ void Board::called(SdkSeam::SdkCall& call, SdkSeam::Chip& behind) {
     if (call.function != SdkFunction::notifyAck || call.message != forged_) {
         behind.call(call);
     }
-    recorder_.call(call);
+    logbook_.call(call);
     if (call.function == SdkFunction::genOnePkt) {
         packets_.injected(call);
     } else if (call.function == SdkFunction::disableAppId) {
@@ -41,30 +41,30 @@ p4_pd_status_t Board::received(pipe_flow_lrn_msg_t* message,
     auto const* const first = static_cast<std::uint8_t const*>(message->entries);
     wired.bytes.insert(wired.bytes.end(), first,
                        first + message->num_entries * SdkSeam::digestEntryBytes);
-    recorder_.note("message of ", message->num_entries, ":", digestOf(wired.bytes));
-    recorder_.wire().messages.push_back(std::move(wired));
+    logbook_.note("message of ", message->num_entries, ":", digestOf(wired.bytes));
+    logbook_.wire().messages.push_back(std::move(wired));
     return receiver(message);
 }
 
 // ---- Phase 0
 
 Vanta::Ptr<Phase0Desk> Phase0Desk::Phase0DeskIs(Vanta::Ptr<SoftChip::Phase0Data> chip,
-                                                Recorder& recorder, Packets& packets) {
-    return Vanta::makeNode<Phase0Desk>(std::move(chip), recorder, packets);
+                                                Logbook& logbook, Packets& packets) {
+    return Vanta::makeNode<Phase0Desk>(std::move(chip), logbook, packets);
 }
 
-Phase0Desk::Phase0Desk(Vanta::Ptr<SoftChip::Phase0Data> chip, Recorder& recorder, Packets& packets)
-    : chip_(std::move(chip)), recorder_(recorder), packets_(packets) {
+Phase0Desk::Phase0Desk(Vanta::Ptr<SoftChip::Phase0Data> chip, Logbook& logbook, Packets& packets)
+    : chip_(std::move(chip)), logbook_(logbook), packets_(packets) {
     subscriber_.subscribe<&Phase0Desk::announced>(chip_->publisher(), this);
 }
 
 void Phase0Desk::configIs(Plexa::IntfId const& intf) {
-    recorder_.note("phase0 configIs ", intf);
+    logbook_.note("phase0 configIs ", intf);
     chip_->configIs(intf);
 }
 
 void Phase0Desk::configDel(Plexa::IntfId const& intf) {
-    recorder_.note("phase0 configDel ", intf);
+    logbook_.note("phase0 configDel ", intf);
     dropElsewhere(intf);
 }
 
@@ -84,8 +84,8 @@ void Phase0Desk::announced(Vanta::Change const& change) {
         responseIs(intf, response->value);
         packets_.answered(intf);
     }
-    recorder_.note("phase0 answer ", intf, response != nullptr ? " there" : " gone");
-    recorder_.wire().announcements.push_back(std::move(announcement));
+    logbook_.note("phase0 answer ", intf, response != nullptr ? " there" : " gone");
+    logbook_.wire().announcements.push_back(std::move(announcement));
     publishResponse(intf);
 }
 

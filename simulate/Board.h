@@ -9,9 +9,9 @@
 #include "VynSdk/Phase0DataIntf.h"
 #include "sdkseam/ForwardingChip.h"
 #include "sdkseam/TraceDigest.h"
+#include "simulate/Logbook.h"
 #include "simulate/Model.h"
 #include "simulate/Packets.h"
-#include "simulate/Recorder.h"
 #include "softchip/Phase0Data.h"
 
 namespace Simulate {
@@ -19,8 +19,8 @@ namespace Simulate {
 class Board final : SdkSeam::CallHook, SdkSeam::DigestHook {
   public:
     // Precondition: the device has its chip.
-    Board(Recorder& recorder, Packets& packets)
-        : recorder_(recorder), packets_(packets), front_(Model::device, *this, this) {}
+    Board(Logbook& logbook, Packets& packets)
+        : logbook_(logbook), packets_(packets), front_(Model::device, *this, this) {}
 
     // A learn message that no packet caused.
     void forge(std::vector<SdkSeam::DigestEntry> const& entries);
@@ -32,7 +32,7 @@ class Board final : SdkSeam::CallHook, SdkSeam::DigestHook {
     p4_pd_status_t received(pipe_flow_lrn_msg_t* message,
                             SdkSeam::DigestReceiver const& receiver) override;
 
-    Recorder& recorder_;
+    Logbook& logbook_;
     Packets& packets_;
     pipe_flow_lrn_msg_t const* forged_ = nullptr;  // the forged message that is being handed on
     std::uint64_t messages_ = 0;
@@ -43,7 +43,7 @@ class Board final : SdkSeam::CallHook, SdkSeam::DigestHook {
 class Phase0Desk final : public VynSdk::Phase0DataIntf {
   public:
     static Vanta::Ptr<Phase0Desk> Phase0DeskIs(Vanta::Ptr<SoftChip::Phase0Data> chip,
-                                               Recorder& recorder, Packets& packets);
+                                               Logbook& logbook, Packets& packets);
 
     void configIs(Plexa::IntfId const& intf) override;
     void configDel(Plexa::IntfId const& intf) override;
@@ -57,13 +57,13 @@ class Phase0Desk final : public VynSdk::Phase0DataIntf {
 
   private:
     friend struct Vanta::NodeFactory;
-    Phase0Desk(Vanta::Ptr<SoftChip::Phase0Data> chip, Recorder& recorder, Packets& packets);
+    Phase0Desk(Vanta::Ptr<SoftChip::Phase0Data> chip, Logbook& logbook, Packets& packets);
     ~Phase0Desk() override = default;
 
     void announced(Vanta::Change const& change);
 
     Vanta::Ptr<SoftChip::Phase0Data> chip_;
-    Recorder& recorder_;
+    Logbook& logbook_;
     Packets& packets_;
     Vanta::Subscriber subscriber_;
 };

@@ -46,7 +46,7 @@ Report readReport(std::string const& text) {
     return report;
 }
 
-void writeScenario(Scenario const& scenario, Program const& program, Report const& report,
+void writeScenario(Transcript const& transcript, Program const& program, Report const& report,
                    std::string const& file) {
     std::ofstream out(file);
     std::istringstream detail(report.detail);
@@ -59,9 +59,9 @@ void writeScenario(Scenario const& scenario, Program const& program, Report cons
         out << "# A replay may print nothing of this as it happens; with --dump it prints what\n"
                "# everything holds at the end.\n";
     }
-    out << scenario.text();
-    if (!scenario.endedBy().empty()) {
-        out << "# This is not the whole run: " << scenario.endedBy() << ".\n";
+    out << transcript.text();
+    if (!transcript.endedBy().empty()) {
+        out << "# This is not the whole run: " << transcript.endedBy() << ".\n";
     }
 }
 
@@ -71,10 +71,10 @@ void writeScenario(Scenario const& scenario, Program const& program, Report cons
     int const nowhere = ::open("/dev/null", O_WRONLY);
     int const complaints = ::dup(STDERR_FILENO);
     ::dup2(nowhere, STDERR_FILENO);
-    Scenario scenario;
+    Transcript transcript;
     auto const finish = [&](Report const& report) {
         if (report.failed && !file.empty()) {
-            writeScenario(scenario, program, report, file);
+            writeScenario(transcript, program, report, file);
         }
         std::string const text = written(report);
         static_cast<void>(!::write(pipe, text.data(), text.size()));
@@ -83,7 +83,7 @@ void writeScenario(Scenario const& scenario, Program const& program, Report cons
     };
     Run run(program, finish);
     if (!file.empty()) {
-        run.scenarioIs(scenario);
+        run.transcriptIs(transcript);
     }
     finish(run.go());
     ::_exit(1);

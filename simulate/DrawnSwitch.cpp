@@ -53,34 +53,8 @@ std::string drawSwitch(Random& random) {
 }
 
 std::vector<Event> tellForwarding(SwitchFile::SwitchModel const& model) {
-    auto const state = Agent::deriveForwardingState(model);
-    std::vector<Event> events;
-    for (auto const& entry : state.systemStatus->portInfo()) {
-        events.push_back({.kind = Kind::port,
-                          .intf = entry.key,
-                          .a = entry.value.pipe(),
-                          .b = entry.value.port().value()});
-    }
-    for (auto const& entry : state.systemStatus->portToIntfId()) {
-        events.push_back({.kind = Kind::portToIntfId, .intf = entry.value, .a = entry.key.value()});
-    }
-    for (auto const& entry : state.fcsd->lagToPort()) {
-        events.push_back({.kind = Kind::lagToPort, .intf = entry.key});
-    }
-    for (auto const& entry : state.fcsd->portToLag()) {
-        events.push_back({.kind = Kind::portToLag, .intf = entry.key, .lag = entry.value});
-    }
-    for (auto const& entry : state.bridgingConfig->vlanConfig()) {
-        Event vlan{.kind = Kind::vlan, .a = entry.key.value(), .flag = entry.value->internal()};
-        for (auto const& member : entry.value->intf()) {
-            vlan.intfs.push_back(member.key);
-        }
-        events.push_back(vlan);
-    }
-    for (auto const& entry : state.chipStatus->cpuIntf()) {
-        events.push_back({.kind = Kind::cpuPort, .intf = entry.key});
-    }
-    return events;
+    auto const events = Scenario::eventsOf(Agent::deriveForwardingState(model));
+    return {events.begin(), events.end()};
 }
 
 }  // namespace Simulate

@@ -1,103 +1,134 @@
-// What happens to the tracer in a run: one outside event a step.
+// What happens to the tracer in a run: one outside event a step. An event of a scenario, or one
+// that scenarios do not have.
 //
 // A program is drawn whole before it runs, so that events can be left out of it and the rest still
 // means something: an event that makes no sense at its turn (a withdrawal of what is not there, say)
-// is passed over. Plain values throughout.
+// is passed over.
+//
+// Clients. Each name has one configuration and one status object in hand, which events about
+// requests concern whether or not the directories have them.
 #pragma once
 
 #include <cstdint>
 #include <string>
+#include <variant>
 #include <vector>
 
-#include "Plexa/IntfId.h"
+#include "scenario/Event.h"
+#include "sdkseam/SdkCall.h"
+#include "sdkseam/TraceDigest.h"
+#include "softchip/Faults.h"
 
 namespace Simulate {
 
+namespace Do = Scenario::Do;
 using Bytes = std::vector<std::uint8_t>;
 
 inline constexpr unsigned clientCount = 5;
 
-enum class Kind : std::uint8_t {
-    // Forwarding state, as the tracer reads it.
-    port,             // intf, a: pipe, b: port index
-    portDel,          // intf
-    portToIntfId,     // a: egress port index, intf
-    portToIntfIdDel,  // a
-    lagToPort,        // intf
-    lagToPortDel,     // intf
-    portToLag,        // intf, lag
-    portToLagDel,     // intf
-    vlan,             // a: number, intfs: members, flag: internal
-    vlanDel,          // a
-    cpuPort,          // intf
-    cpuPortDel,       // intf
-    // Life of the tracer.
-    start,  // flag: the program carries the trace digest
-    stop,
-    turn,        // a: how many; flag: the chip does its work after each
-    yieldAfter,  // a: checks
-    // Clients. Each name has one configuration and one status object in hand, which events about
-    // requests concern whether or not the directories have them.
-    clientConfig,     // client, a: 0 fresh object, 1 none, 2 of another type, 3 the one in hand
-    clientConfigDel,  // client
-    clientStatus,     // client, a: as above
-    clientStatusDel,  // client
-    request,          // client, req, intf, a: EtherType, raw, flag: valid, b: bit 0 MPLS, bit 1 GRE
-    requestSet,       // client, req, a: a RequestAttribute, b: value, or intf, or raw
-    requestDel,       // client, req
-    requestDelAll,    // client: withdraws each of its requests
-    result,           // client, req: an empty result, as one left over
-    // The chip.
-    chipStep,
-    chipPortUp,    // a: device port, flag
-    callFails,     // a: number of the SDK function, b: nth, c: times, value: status
-    phase0Late,    // a: turns, b: nth, c: times
-    phase0Lost,    // b: nth, c: times
-    phase0Status,  // a: status, b: nth, c: times
-    phase0Ask,     // intf: somebody else asks, so an answer for another interface comes
-    phase0Drop,    // intf: and withdraws it again
-    stall,         // a: pipe, flag
-    counter,       // a: pipe, b: what it reads from now on
-    digestFate,    // a: 1 lost, 2 doubled, 3 held; b: nth, c: times, value: held behind
-    releaseHeld,
-    forge,      // entries: a learn message of them, from nowhere
-    room,       // a: bytes that the digest socket holds unread before it is full
-    faultsEnd,  // no fault is in force any more
+// Which of a row of occurrences a fault meets: the nth from now on, and so many in all.
+struct Window {
+    std::uint64_t nth = 1;
+    std::uint64_t times = 1;
 };
 
-enum RequestAttribute : std::uint64_t { valid, etherType, mpls, gre, intf, raw };
+// ---- Clients
 
-// A digest entry from nowhere. Its packet id is counted back from the engine's newest one; `back`
-// above 60000 is an id that nobody has.
-struct Forged {
-    std::uint16_t back = 0;
-    std::uint8_t copyToCpu = 0;
-    std::uint16_t l2Domain = 0;
-    std::uint16_t egrPort = 511;
-    std::uint8_t routed = 0;
-    std::uint8_t dropCtl = 0;
+// The object in hand goes into its directory again.
+struct ConfigReturns {
+    Vanta::String client;
+};
+struct StatusReturns {
+    Vanta::String client;
+};
+// The client withdraws each of its requests.
+struct RequestDelAll {
+    Vanta::String client;
 };
 
-struct Event {
-    Kind kind = Kind::turn;
-    unsigned client = 0;
-    std::uint32_t req = 0;
-    Plexa::IntfId intf{};
-    Plexa::IntfId lag{};
-    std::uint64_t a = 0;
-    std::uint64_t b = 0;
-    std::uint64_t c = 0;
-    std::int32_t value = 0;
-    bool flag = false;
-    std::vector<Plexa::IntfId> intfs{};
-    Bytes raw{};
-    std::vector<Forged> entries{};
+// ---- Time, and the chip
+
+// So many turns; with `chipWorks` the chip does its work after each.
+struct Turns {
+    std::uint64_t times = 1;
+    bool chipWorks = false;
+};
+struct ChipStep {};
+struct ChipPortUp {
+    std::uint16_t devicePort = 0;
+    bool up = true;
 };
 
-// A client's name by its number: "A", "B", ...
+// ---- Faults
+
+struct CallFails {
+    SdkSeam::SdkFunction call{};
+    Window window;
+    std::int32_t rc = 0;
+};
+struct Phase0Late {
+    std::uint32_t turns = 0;
+    Window window;
+};
+struct Phase0Lost {
+    Window window;
+};
+struct Phase0Status {
+    std::uint32_t status = 0;
+    Window window;
+};
+// Somebody else asks, so an answer for another interface comes, or withdraws it again.
+struct Phase0Ask {
+    Plexa::IntfId intf;
+};
+struct Phase0Drop {
+    Plexa::IntfId intf;
+};
+// A pipe's counter stands still, or goes on.
+struct Stall {
+    std::uint8_t pipe = 0;
+    bool stalled = true;
+};
+// What a pipe's counter reads from now on, before it counts on.
+struct CounterStarts {
+    std::uint8_t pipe = 0;
+    std::uint64_t count = 0;
+};
+struct DigestsSuffer {
+    SoftChip::DigestFate fate{};
+    Window window;
+    std::uint32_t behind = 0;  // held ones are sent behind so many later ones
+};
+struct ReleaseHeld {};
+// A learn message from nowhere. The packet ids of its entries are counted back from the engine's
+// newest one; above 60000 it is an id that nobody has.
+struct Forge {
+    std::vector<SdkSeam::TraceDigest> entries;
+};
+// Bytes that the digest socket holds unread before it is full.
+struct Room {
+    std::uint64_t bytes = 0;
+};
+// No fault is in force any more.
+struct FaultsEnd {};
+
+using Event =
+    std::variant<Scenario::Event, ConfigReturns, StatusReturns, RequestDelAll, Turns, ChipStep,
+                 ChipPortUp, CallFails, Phase0Late, Phase0Lost, Phase0Status, Phase0Ask, Phase0Drop,
+                 Stall, CounterStarts, DigestsSuffer, ReleaseHeld, Forge, Room, FaultsEnd>;
+
+// The event of a scenario as that kind; null for any other event.
+template <class T>
+T const* scenarioEvent(Event const& event) {
+    auto const* const known = std::get_if<Scenario::Event>(&event);
+    return known != nullptr ? std::get_if<T>(known) : nullptr;
+}
+
+// A client's name by its number: "A", "B", ... and a request of it.
 std::string clientName(unsigned client);
+PacketTracer::RequestId requestId(unsigned client, std::uint32_t req);
 
-// One line for people: "request client A req 3 intf Ethernet2 ...".
+// One line for people, as a scenario has it or would: {"do":"stall","pipe":2,"stalled":true}.
 std::string text(Event const& event);
 
 }  // namespace Simulate

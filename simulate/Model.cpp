@@ -13,204 +13,226 @@ std::string line(Id const& id) {
     return joined(id.first, "/", id.second);
 }
 
+std::string nameOf(Vanta::String const& client) {
+    return std::string(client.view());
+}
+
+Id idOf(PacketTracer::RequestId const& id) {
+    return {nameOf(id.clientName()), id.number()};
+}
+
+Bytes bytesOf(Vanta::Bytes const& bytes) {
+    return {bytes.view().begin(), bytes.view().end()};
+}
+
 }  // namespace
 
-Model::Model()
-    : configsInHand_(clientCount), statusesInHand_(clientCount), room_(DigestSocket::plenty) {}
+Model::Model() : room_(DigestSocket::plenty) {}
+
+Model::Hand Model::hand(Vanta::String const& client) const {
+    auto const found = hands_.find(nameOf(client));
+    return found != hands_.end() ? found->second : Hand();
+}
+
+// ---- Whether an event means anything now; most always do
+
+struct Model::Applies {
+    Model const& model;
+
+    template <class AnyOther>
+    bool operator()(AnyOther const&) const {
+        return true;
+    }
+    bool operator()(Scenario::Event const& e) const { return std::visit(*this, e); }
+
+    bool operator()(Do::PortDel const& e) const { return model.ports_.has(e.intf); }
+    bool operator()(Do::PortToIntfIdDel const& e) const {
+        return model.portToIntfId_.contains(e.port);
+    }
+    bool operator()(Do::LagToPortDel const& e) const { return model.lags_.contains(e.lag); }
+    bool operator()(Do::PortToLagDel const& e) const { return model.portToLag_.contains(e.intf); }
+    bool operator()(Do::VlanDel const& e) const { return model.vlans_.contains(e.id.value()); }
+    bool operator()(Do::CpuPortDel const& e) const { return model.cpuPorts_.contains(e.intf); }
+
+    bool operator()(Do::Start const&) const { return !model.running_; }
+    bool operator()(Do::Stop const&) const { return model.running_; }
+
+    bool operator()(ConfigReturns const& e) const { return model.hand(e.client).config != nullptr; }
+    bool operator()(StatusReturns const& e) const { return model.hand(e.client).status != nullptr; }
+    bool operator()(Do::ClientConfigDel const& e) const {
+        return model.configs_.has(nameOf(e.client));
+    }
+    bool operator()(Do::ClientStatusDel const& e) const {
+        return model.statuses_.has(nameOf(e.client));
+    }
+    bool operator()(Do::Request const& e) const {
+        return model.hand(e.id.clientName()).config != nullptr;
+    }
+    bool operator()(Do::RequestSet const& e) const { return hasRequest(e.id); }
+    bool operator()(Do::RequestDel const& e) const { return hasRequest(e.id); }
+    bool operator()(RequestDelAll const& e) const {
+        auto const config = model.hand(e.client).config;
+        return config && !config->requests.empty();
+    }
+    bool operator()(Do::Result const& e) const {
+        auto const status = model.hand(e.id.clientName()).status;
+        return status && !status->results.has(idOf(e.id));
+    }
+    bool operator()(Forge const&) const { return model.running_ && model.supported_; }
+
+    bool hasRequest(PacketTracer::RequestId const& id) const {
+        auto const config = model.hand(id.clientName()).config;
+        return config && config->requests.has(idOf(id));
+    }
+};
 
 bool Model::applies(Event const& event) const {
-    auto const name = clientName(event.client);
-    auto const& config = configsInHand_[event.client];
-    auto const& status = statusesInHand_[event.client];
-    Id const id{name, event.req};
-    switch (event.kind) {
-        case Kind::portDel:
-            return ports_.has(event.intf);
-        case Kind::portToIntfIdDel:
-            return portToIntfId_.contains(static_cast<unsigned>(event.a));
-        case Kind::lagToPortDel:
-            return lags_.contains(event.intf);
-        case Kind::portToLagDel:
-            return portToLag_.contains(event.intf);
-        case Kind::vlanDel:
-            return vlans_.contains(static_cast<unsigned>(event.a));
-        case Kind::cpuPortDel:
-            return cpuPorts_.contains(event.intf);
-        case Kind::start:
-            return !running_;
-        case Kind::stop:
-            return running_;
-        case Kind::clientConfig:
-            return event.a != 3 || config;
-        case Kind::clientConfigDel:
-            return configs_.has(name);
-        case Kind::clientStatus:
-            return event.a != 3 || status;
-        case Kind::clientStatusDel:
-            return statuses_.has(name);
-        case Kind::request:
-            return config != nullptr;
-        case Kind::requestSet:
-        case Kind::requestDel:
-            return config && config->requests.has(id);
-        case Kind::requestDelAll:
-            return config && !config->requests.empty();
-        case Kind::result:
-            return status && !status->results.has(id);
-        case Kind::forge:
-            return running_ && supported_;
-        default:
-            return true;
-    }
+    return std::visit(Applies{*this}, event);
 }
+
+// ---- What an event leads to; one operator an event that the model knows of
+
+struct Model::Applying {
+    Model& model;
+
+    template <class AnyOther>
+    void operator()(AnyOther const&) const {}
+    void operator()(Scenario::Event const& e) const { std::visit(*this, e); }
+
+    void operator()(Do::Port const& e) const { model.ports_.put(e.intf, {e.pipe, e.port}); }
+    void operator()(Do::PortDel const& e) const { model.ports_.remove(e.intf); }
+    void operator()(Do::PortToIntfId const& e) const { model.portToIntfId_[e.port] = e.intf; }
+    void operator()(Do::PortToIntfIdDel const& e) const { model.portToIntfId_.erase(e.port); }
+    void operator()(Do::LagToPort const& e) const { model.lags_.insert(e.lag); }
+    void operator()(Do::LagToPortDel const& e) const { model.lags_.erase(e.lag); }
+    void operator()(Do::PortToLag const& e) const { model.portToLag_[e.intf] = e.lag; }
+    void operator()(Do::PortToLagDel const& e) const { model.portToLag_.erase(e.intf); }
+    void operator()(Do::Vlan const& e) const { model.vlans_[e.id.value()] = {e.intf, e.internal}; }
+    void operator()(Do::VlanDel const& e) const { model.vlans_.erase(e.id.value()); }
+    void operator()(Do::CpuPort const& e) const { model.cpuPorts_.insert(e.intf); }
+    void operator()(Do::CpuPortDel const& e) const { model.cpuPorts_.erase(e.intf); }
+
+    void operator()(Do::Start const& e) const { model.start(e.pktTracerSupported); }
+    void operator()(Do::Stop const&) const { model.stop(); }
+    void operator()(Do::Turn const&) const { model.turn(); }
+    void operator()(Do::YieldAfter const& e) const { model.yieldAfter_ = e.checks; }
+
+    void operator()(Do::ClientConfig const& e) const {
+        if (e.entity == Do::Entity::own) {
+            model.hands_[nameOf(e.client)].config = std::make_shared<Config>();
+        }
+        model.mount(model.configs_, e.client, model.hand(e.client).config, e.entity);
+    }
+    void operator()(Do::ClientStatus const& e) const {
+        if (e.entity == Do::Entity::own) {
+            model.hands_[nameOf(e.client)].status = std::make_shared<Status>();
+        }
+        model.mount(model.statuses_, e.client, model.hand(e.client).status, e.entity);
+    }
+    void operator()(ConfigReturns const& e) const {
+        model.mount(model.configs_, e.client, model.hand(e.client).config, Do::Entity::own);
+    }
+    void operator()(StatusReturns const& e) const {
+        model.mount(model.statuses_, e.client, model.hand(e.client).status, Do::Entity::own);
+    }
+    void operator()(Do::ClientConfigDel const& e) const { model.unmount(model.configs_, e.client); }
+    void operator()(Do::ClientStatusDel const& e) const {
+        model.unmount(model.statuses_, e.client);
+    }
+
+    void operator()(Do::Request const& e) const { model.putRequest(e); }
+    void operator()(Do::RequestSet const& e) const { model.setRequest(e); }
+    void operator()(Do::RequestDel const& e) const { model.withdraw(idOf(e.id)); }
+    void operator()(RequestDelAll const& e) const {
+        for (auto const& id : model.requestsOf(nameOf(e.client))) {
+            model.withdraw(id);
+        }
+    }
+    void operator()(Do::Result const& e) const {
+        model.resultIs(*model.hand(e.id.clientName()).status, idOf(e.id));
+    }
+
+    void operator()(ChipStep const&) const { model.receiveAll(); }
+    void operator()(Forge const&) const { model.receiveAll(); }
+    void operator()(Room const& e) const { model.room_ = static_cast<std::size_t>(e.bytes); }
+    void operator()(FaultsEnd const&) const { model.room_ = DigestSocket::plenty; }
+    void operator()(Phase0Drop const& e) const { model.responses_.erase(e.intf); }
+};
 
 void Model::apply(Event const& event, Wire& wire) {
     wire_ = &wire;
-    if (event.kind <= Kind::cpuPortDel) {
-        applyForwarding(event);
-    } else if (event.kind >= Kind::clientConfig && event.kind <= Kind::clientStatusDel) {
-        applyDirectory(event);
-    } else if (event.kind >= Kind::request && event.kind <= Kind::result) {
-        applyRequest(event);
-    } else if (event.kind == Kind::start) {
-        start(event.flag);
-    } else if (event.kind == Kind::stop) {
-        stop();
-    } else if (event.kind == Kind::turn) {
-        turn();
-    } else if (event.kind == Kind::yieldAfter) {
-        yieldAfter_ = static_cast<unsigned>(event.a);
-    } else if (event.kind == Kind::room) {
-        room_ = static_cast<std::size_t>(event.a);
-    } else if (event.kind == Kind::faultsEnd) {
-        room_ = DigestSocket::plenty;
-    } else if (event.kind == Kind::phase0Drop) {
-        responses_.erase(event.intf);
-    }
-    if (event.kind == Kind::chipStep || event.kind == Kind::forge) {
-        while (!wire.messages.empty()) {
-            receive(wire.messages.front());
-            wire.messages.pop_front();
-        }
+    std::visit(Applying{*this}, event);
+}
+
+void Model::receiveAll() {
+    while (!wire_->messages.empty()) {
+        receive(wire_->messages.front());
+        wire_->messages.pop_front();
     }
 }
 
-void Model::applyForwarding(Event const& event) {
-    auto const number = static_cast<unsigned>(event.a);
-    if (event.kind == Kind::port) {
-        ports_.put(event.intf, {number, static_cast<unsigned>(event.b)});
-    } else if (event.kind == Kind::portDel) {
-        ports_.remove(event.intf);
-    } else if (event.kind == Kind::portToIntfId) {
-        portToIntfId_[number] = event.intf;
-    } else if (event.kind == Kind::portToIntfIdDel) {
-        portToIntfId_.erase(number);
-    } else if (event.kind == Kind::lagToPort) {
-        lags_.insert(event.intf);
-    } else if (event.kind == Kind::lagToPortDel) {
-        lags_.erase(event.intf);
-    } else if (event.kind == Kind::portToLag) {
-        portToLag_[event.intf] = event.lag;
-    } else if (event.kind == Kind::portToLagDel) {
-        portToLag_.erase(event.intf);
-    } else if (event.kind == Kind::vlan) {
-        vlans_[number] = {event.intfs, event.flag};
-    } else if (event.kind == Kind::vlanDel) {
-        vlans_.erase(number);
-    } else if (event.kind == Kind::cpuPort) {
-        cpuPorts_.insert(event.intf);
-    } else {
-        cpuPorts_.erase(event.intf);
-    }
-}
-
-void Model::applyDirectory(Event const& event) {
-    auto const name = clientName(event.client);
-    auto const put = [&](auto& directory, auto& hand, auto fresh) {
-        if (event.a == 0) {
-            hand = fresh();
-        }
-        bool const own = event.a == 0 || event.a == 3;
-        directory.put(name, {own ? hand : nullptr, event.a == 2});
-    };
-    if (event.kind == Kind::clientConfig) {
-        put(configs_, configsInHand_[event.client], [] { return std::make_shared<Config>(); });
-    } else if (event.kind == Kind::clientStatus) {
-        put(statuses_, statusesInHand_[event.client], [] { return std::make_shared<Status>(); });
-    } else if (event.kind == Kind::clientConfigDel) {
-        configs_.remove(name);
-    } else {
-        statuses_.remove(name);
-    }
+template <class Object>
+void Model::mount(Listed<std::string, Entity<Object>>& directory, Vanta::String const& client,
+                  std::shared_ptr<Object> const& own, Do::Entity entity) {
+    directory.put(nameOf(client),
+                  {entity == Do::Entity::own ? own : nullptr, entity == Do::Entity::other});
     if (running_) {
-        handleClient(name);
+        handleClient(nameOf(client));
     }
 }
 
-void Model::applyRequest(Event const& event) {
-    Id const id{clientName(event.client), event.req};
-    auto const& config = configsInHand_[event.client];
-    if (event.kind == Kind::request) {
-        putRequest(event);
-    } else if (event.kind == Kind::requestSet) {
-        setRequest(event);
-    } else if (event.kind == Kind::requestDel) {
-        withdraw(event.client, id);
-    } else if (event.kind == Kind::requestDelAll) {
-        std::vector<Id> all;
-        for (auto const& [each, request] : config->requests) {
-            all.push_back(each);
-        }
-        for (auto const& each : all) {
-            withdraw(event.client, each);
-        }
-    } else {
-        resultIs(*statusesInHand_[event.client], id);
+template <class Object>
+void Model::unmount(Listed<std::string, Entity<Object>>& directory, Vanta::String const& client) {
+    directory.remove(nameOf(client));
+    if (running_) {
+        handleClient(nameOf(client));
     }
 }
 
-void Model::putRequest(Event const& event) {
-    auto const& config = configsInHand_[event.client];
+void Model::putRequest(Do::Request const& event) {
+    auto const config = hand(event.id.clientName()).config;
     auto request = std::make_shared<Request>();
-    request->id = {clientName(event.client), event.req};
-    request->valid = event.flag;
-    request->etherType = static_cast<unsigned>(event.a);
-    request->mpls = (event.b & 1) != 0;
-    request->gre = (event.b & 2) != 0;
+    request->id = idOf(event.id);
+    request->valid = event.valid;
+    request->etherType = event.etherType;
+    request->mpls = event.mpls;
+    request->gre = event.gre;
     request->intf = event.intf;
-    request->raw = event.raw;
+    request->raw = bytesOf(event.raw);
     config->requests.put(request->id, request);
     if (auto* const client = clientOf(request->id.first); client && client->config == config) {
         requestChanged(*client, request->id);
     }
 }
 
-void Model::setRequest(Event const& event) {
-    Id const id{clientName(event.client), event.req};
-    auto const& request = *configsInHand_[event.client]->requests.find(id);
-    switch (static_cast<RequestAttribute>(event.a)) {
-        case etherType:
-            request->etherType = static_cast<unsigned>(event.b);
+void Model::setRequest(Do::RequestSet const& event) {
+    using Attribute = Do::RequestAttribute;
+    Id const id = idOf(event.id);
+    auto const request = *hand(event.id.clientName()).config->requests.find(id);
+    switch (event.attribute) {
+        case Attribute::etherType:
+            request->etherType = std::get<std::uint16_t>(event.value);
             return;
-        case mpls:
-            request->mpls = event.b != 0;
+        case Attribute::mpls:
+            request->mpls = std::get<bool>(event.value);
             return;
-        case gre:
-            request->gre = event.b != 0;
+        case Attribute::gre:
+            request->gre = std::get<bool>(event.value);
             return;
-        case intf:
-            request->intf = event.intf;
+        case Attribute::intf:
+            request->intf = std::get<IntfId>(event.value);
             return;
-        case raw:
-            request->raw = event.raw;
+        case Attribute::raw:
+            request->raw = bytesOf(std::get<Vanta::Bytes>(event.value));
             return;
-        case valid:
+        case Attribute::valid:
             break;
     }
-    if (request->valid == (event.b != 0)) {
+    bool const valid = std::get<bool>(event.value);
+    if (request->valid == valid) {
         return;
     }
-    request->valid = event.b != 0;
+    request->valid = valid;
     auto* const client = clientOf(id.first);
     auto const* const watched = client != nullptr ? client->reactors.find(id) : nullptr;
     if (watched != nullptr && *watched == request) {
@@ -218,8 +240,8 @@ void Model::setRequest(Event const& event) {
     }
 }
 
-void Model::withdraw(unsigned client, Id const& id) {
-    auto const& config = configsInHand_[client];
+void Model::withdraw(Id const& id) {
+    auto const config = hand(id.first).config;
     config->requests.remove(id);
     if (auto* const running = clientOf(id.first); running && running->config == config) {
         requestChanged(*running, id);
@@ -328,9 +350,9 @@ void Model::handleAnswer(Id const& id) {
 std::vector<std::string> Model::content() const {
     std::vector<std::string> lines;
     auto const add = [&](auto const&... parts) { lines.push_back(joined(parts...)); };
-    for (unsigned client = 0; client < clientCount; ++client) {
-        if (auto const& status = statusesInHand_[client]) {
-            for (auto const& [id, result] : status->results) {
+    for (auto const& [client, hand] : hands_) {
+        if (hand.status) {
+            for (auto const& [id, result] : hand.status->results) {
                 std::string egress;
                 for (auto const& [physical, logical] : result.egress) {
                     egress += joined(" ", physical, ",", logical);
@@ -375,8 +397,12 @@ std::vector<std::string> Model::content() const {
 
 std::size_t Model::nodes() const {
     std::size_t count = 0;
-    std::set<ConfigPtr> configs(configsInHand_.begin(), configsInHand_.end());
-    std::set<StatusPtr> statuses(statusesInHand_.begin(), statusesInHand_.end());
+    std::set<ConfigPtr> configs;
+    std::set<StatusPtr> statuses;
+    for (auto const& [name, hand] : hands_) {
+        configs.insert(hand.config);
+        statuses.insert(hand.status);
+    }
     for (auto const& [name, entity] : configs_) {
         configs.insert(entity.own);
         count += entity.other ? 1 : 0;
@@ -433,19 +459,19 @@ std::vector<Id> Model::pendingJobs() const {
     return ids;
 }
 
-bool Model::configIsMounted(unsigned client) const {
-    auto const* const entity = configs_.find(clientName(client));
-    return entity != nullptr && entity->own && entity->own == configsInHand_[client];
+bool Model::configIsMounted(std::string const& client) const {
+    auto const* const entity = configs_.find(client);
+    return entity != nullptr && entity->own && entity->own == hand(client).config;
 }
 
-bool Model::statusIsMounted(unsigned client) const {
-    auto const* const entity = statuses_.find(clientName(client));
-    return entity != nullptr && entity->own && entity->own == statusesInHand_[client];
+bool Model::statusIsMounted(std::string const& client) const {
+    auto const* const entity = statuses_.find(client);
+    return entity != nullptr && entity->own && entity->own == hand(client).status;
 }
 
-std::vector<Id> Model::requestsOf(unsigned client) const {
+std::vector<Id> Model::requestsOf(std::string const& client) const {
     std::vector<Id> ids;
-    if (auto const& config = configsInHand_[client]) {
+    if (auto const config = hand(client).config) {
         for (auto const& [id, request] : config->requests) {
             ids.push_back(id);
         }

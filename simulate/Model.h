@@ -111,12 +111,12 @@ class Model {
     std::vector<Id> pendingJobs() const;
     std::vector<Id> jobs() const;
     std::vector<Id> answers() const;
-    bool clientRuns(unsigned client) const { return clients_.has(clientName(client)); }
+    bool clientRuns(std::string const& client) const { return clients_.has(client); }
     // Whether the directories have the object that a client has in hand.
-    bool configIsMounted(unsigned client) const;
-    bool statusIsMounted(unsigned client) const;
+    bool configIsMounted(std::string const& client) const;
+    bool statusIsMounted(std::string const& client) const;
     // The requests of the configuration in hand of a client.
-    std::vector<Id> requestsOf(unsigned client) const;
+    std::vector<Id> requestsOf(std::string const& client) const;
 
   private:
     struct PortInfo {
@@ -152,6 +152,12 @@ class Model {
         Listed<Id, Result> results;
     };
     using StatusPtr = std::shared_ptr<Status>;
+    // What a client has in hand.
+    struct Hand {
+        ConfigPtr config;
+        StatusPtr status;
+    };
+    Hand hand(Vanta::String const& client) const;
     // What stands under a name in a directory.
     template <class Object>
     struct Entity {
@@ -208,12 +214,17 @@ class Model {
     Wire::Answer call(Parts const&... parts);
 
     // The outside events (Model.cpp).
-    void applyForwarding(Event const& event);
-    void applyDirectory(Event const& event);
-    void applyRequest(Event const& event);
-    void setRequest(Event const& event);
-    void putRequest(Event const& event);
-    void withdraw(unsigned client, Id const& id);
+    struct Applies;
+    struct Applying;
+    template <class Object>
+    void mount(Listed<std::string, Entity<Object>>& directory, Vanta::String const& client,
+               std::shared_ptr<Object> const& own, Do::Entity entity);
+    template <class Object>
+    void unmount(Listed<std::string, Entity<Object>>& directory, Vanta::String const& client);
+    void putRequest(Do::Request const& event);
+    void setRequest(Do::RequestSet const& event);
+    void withdraw(Id const& id);
+    void receiveAll();
     void start(bool supported);
     void stop();
     void turn();
@@ -279,8 +290,7 @@ class Model {
 
     Listed<std::string, Entity<Config>> configs_;
     Listed<std::string, Entity<Status>> statuses_;
-    std::vector<ConfigPtr> configsInHand_;
-    std::vector<StatusPtr> statusesInHand_;
+    std::map<std::string, Hand> hands_;
 
     bool running_ = false;
     bool supported_ = false;

@@ -20,7 +20,7 @@ void Packets::injected(SdkSeam::SdkCall const& call) {
     ++injections_;
     lastRefused_ = call.rc != 0;
     auto const breach = [this](auto const&... parts) {
-        recorder_.breachIs({"packets", joined(parts...)});
+        logbook_.breachIs({"packets", joined(parts...)});
     };
     if (engine_ == nullptr || !engine_->curCfg()) {
         return breach("packet ", call.pktId, " was injected without a job");
@@ -80,8 +80,8 @@ void Packets::checkJournal(SoftChip::Journal const& journal, bool all) {
     bool const enough =
         all ? through.size() == accepted_.size() : through.size() <= accepted_.size();
     if (!enough || !std::equal(through.begin(), through.end(), accepted_.begin())) {
-        recorder_.breachIs({"packets", joined(accepted_.size(), " packets were accepted, ",
-                                              through.size(), " others went through the chip")});
+        logbook_.breachIs({"packets", joined(accepted_.size(), " packets were accepted, ",
+                                             through.size(), " others went through the chip")});
     }
 }
 

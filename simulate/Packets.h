@@ -10,14 +10,14 @@
 #include "Plexa/IntfId.h"
 #include "VynPacketTracer/VynPtPktGenSm.h"
 #include "sdkseam/SdkCall.h"
-#include "simulate/Recorder.h"
+#include "simulate/Logbook.h"
 #include "softchip/SoftChip.h"
 
 namespace Simulate {
 
 class Packets {
   public:
-    explicit Packets(Recorder& recorder) : recorder_(recorder) {}
+    explicit Packets(Logbook& logbook) : logbook_(logbook) {}
 
     // A tracer starts: its engine is not the one that the generator knows. Null: it is gone.
     void engineIs(VynPacketTracer::PktGenSm const* engine);
@@ -49,7 +49,7 @@ class Packets {
         bool operator==(Accepted const&) const = default;
     };
 
-    Recorder& recorder_;
+    Logbook& logbook_;
     VynPacketTracer::PktGenSm const* engine_ = nullptr;
     std::optional<PacketTracer::RequestId> inGenerator_;
     bool appDisabled_ = false;

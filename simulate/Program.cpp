@@ -4,11 +4,15 @@
 
 #include "simulate/DrawnFrame.h"
 #include "simulate/DrawnSwitch.h"
+#include "simulate/Model.h"
 
 namespace Simulate {
 namespace {
 
 using Plexa::IntfId;
+using SdkSeam::SdkFunction;
+using SoftChip::DigestFate;
+using Attribute = Do::RequestAttribute;
 
 IntfId named(std::string const& name) {
     return *IntfId::fromName(name);
@@ -60,8 +64,8 @@ class Drawer {
         }
         told_ = events;
         for (Event const& told : events) {
-            if (told.kind == Kind::portToIntfId) {
-                ports_.push_back(static_cast<std::uint16_t>(told.a));
+            if (auto const* const port = scenarioEvent<Do::PortToIntfId>(told)) {
+                ports_.push_back(port->port);
             }
         }
     }
@@ -70,22 +74,20 @@ class Drawer {
         for (unsigned client = 0; client < 2; ++client) {
             if (random_.chance(60)) {
                 appear(client);
-                add({.kind = Kind::request,
-                     .client = client,
-                     .req = 1,
-                     .intf = random_.pick(ingress_),
-                     .a = 0x800,
-                     .raw = drawFrame(random_, client, 1)});
-                events_.back().flag = random_.chance(70);
+                Do::Request request{.id = requestId(client, 1),
+                                    .intf = random_.pick(ingress_),
+                                    .raw = drawFrame(random_, client, 1)};
+                request.valid = random_.chance(70);
+                add(std::move(request));
             }
             if (random_.chance(30)) {
-                add({.kind = Kind::result, .client = client, .req = client + 1});
+                add(Do::Result{requestId(client, client + 1)});
             }
         }
-        add({.kind = Kind::start, .flag = !random_.chance(12)});
+        start();
         if (mood_.forges && random_.chance(40)) {
             // The chip's own digests are lost, so those from nowhere give the answers.
-            add({.kind = Kind::digestFate, .a = 1, .b = 1, .c = 100000});
+            add(DigestsSuffer{.fate = DigestFate::lost, .window = {.times = 100000}});
         }
     }
 
@@ -106,7 +108,7 @@ class Drawer {
         } else if (dice == 99 && mood_.restarts) {
             restart();
         } else {
-            add({.kind = Kind::chipStep});
+            add(ChipStep());
         }
     }
 
@@ -114,20 +116,33 @@ class Drawer {
     void add(Event event) { events_.push_back(std::move(event)); }
     unsigned someone() { return static_cast<unsigned>(random_.below(clientCount)); }
     std::uint32_t someReq() { return static_cast<std::uint32_t>(random_.between(1, 5)); }
+    PacketTracer::RequestId someRequest() {
+        unsigned const client = someone();
+        return requestId(client, someReq());
+    }
     std::uint64_t nth() { return random_.between(1, 3); }
     std::uint64_t times() { return random_.chance(15) ? 40 : random_.between(1, 3); }
+    Window window() { return {nth(), times()}; }
+
+    void start() {
+        add(Do::Start{.pktTracerSupported = !random_.chance(12),
+                      .session = Model::session,
+                      .device = Model::device});
+    }
 
     void turns() {
         if (random_.chance(5)) {
-            add({.kind = Kind::yieldAfter, .a = random_.chance(50) ? 64 : random_.below(4)});
+            bool const usual = random_.chance(50);
+            add(Do::YieldAfter{usual ? 64 : static_cast<std::uint32_t>(random_.below(4))});
         }
-        add({.kind = Kind::turn, .a = random_.between(1, 6), .flag = random_.chance(75)});
+        auto const times = random_.between(1, 6);
+        add(Turns{times, random_.chance(75)});
     }
 
     void appear(unsigned client) {
         bool const configFirst = random_.chance(50);
-        Event const config{.kind = Kind::clientConfig, .client = client};
-        Event const status{.kind = Kind::clientStatus, .client = client};
+        Event const config = Do::ClientConfig{clientName(client)};
+        Event const status = Do::ClientStatus{clientName(client)};
         add(configFirst ? config : status);
         add(configFirst ? status : config);
     }
@@ -138,57 +153,66 @@ class Drawer {
         auto const dice = random_.below(100);
         if (dice < 55) {
             if (!mood_.reckless || random_.chance(90)) {
-                add({.kind = Kind::requestDel, .client = client, .req = req});
+                add(Do::RequestDel{requestId(client, req)});
             }
-            put(client, req);
+            add(drawnRequest(client, req));
         } else if (dice < 72) {
-            add({.kind = Kind::requestSet,
-                 .client = client,
-                 .req = req,
-                 .a = RequestAttribute::valid,
-                 .b = random_.chance(80) ? 1u : 0u});
+            add(Do::RequestSet{requestId(client, req), Attribute::valid, random_.chance(80)});
         } else if (dice < 78 && mood_.reckless) {
             random_.chance(80) ? change(client, req) : moveAside(client, req);
         } else if (dice < 80) {
-            add({.kind = Kind::requestDelAll, .client = client});
+            add(RequestDelAll{clientName(client)});
         } else {
-            add({.kind = Kind::requestDel, .client = client, .req = req});
+            add(Do::RequestDel{requestId(client, req)});
         }
     }
 
-    void put(unsigned client, std::uint32_t req) {
-        Event event{.kind = Kind::request,
-                    .client = client,
-                    .req = req,
-                    .intf = random_.pick(ingress_),
-                    .a = 0x800,
-                    .flag = random_.chance(75),
-                    .raw = drawFrame(random_, client, req)};
+    Do::Request drawnRequest(unsigned client, std::uint32_t req) {
+        Do::Request request{.id = requestId(client, req),
+                            .intf = random_.pick(ingress_),
+                            .valid = random_.chance(75),
+                            .raw = drawFrame(random_, client, req)};
         auto const dice = random_.below(100);
         if (dice < 3) {
-            event.a = random_.between(0x8846, 0x8849);
+            request.etherType = static_cast<std::uint16_t>(random_.between(0x8846, 0x8849));
         } else if (dice < 6) {
-            event.b = random_.between(1, 3);
+            auto const flags = random_.between(1, 3);
+            request.mpls = (flags & 1) != 0;
+            request.gre = (flags & 2) != 0;
         } else if (dice < 9) {
-            event.raw.clear();
+            request.raw = {};
         } else if (dice < 10) {
-            event.raw.resize(random_.chance(50) ? 9236 : 9237);
+            Bytes raw(request.raw.view().begin(), request.raw.view().end());
+            raw.resize(random_.chance(50) ? 9236 : 9237);
+            request.raw = raw;
         } else if (dice < 14) {
-            event.intf = random_.pick(any_);
+            request.intf = random_.pick(any_);
         }
-        add(std::move(event));
+        return request;
     }
 
+    // An attribute other than `valid`. Each seed draws a value of each kind, of which one is used.
     void change(unsigned client, std::uint32_t req) {
-        Event event{.kind = Kind::requestSet, .client = client, .req = req};
-        event.a = random_.between(RequestAttribute::etherType, RequestAttribute::raw);
-        event.b = event.a == RequestAttribute::etherType ? random_.between(0x8846, 0x8849)
-                                                         : random_.below(2);
-        event.intf = random_.pick(ingress_);
-        if (random_.chance(80)) {
-            event.raw = drawFrame(random_, client, req);
+        Do::RequestSet set{requestId(client, req)};
+        set.attribute = static_cast<Attribute>(random_.between(1, 5));
+        bool const isEtherType = set.attribute == Attribute::etherType;
+        auto const number = isEtherType ? random_.between(0x8846, 0x8849) : random_.below(2);
+        IntfId const intf = random_.pick(ingress_);
+        Vanta::Bytes const raw = random_.chance(80) ? drawFrame(random_, client, req) : Bytes();
+        switch (set.attribute) {
+            case Attribute::etherType:
+                set.value = static_cast<std::uint16_t>(number);
+                break;
+            case Attribute::intf:
+                set.value = intf;
+                break;
+            case Attribute::raw:
+                set.value = raw;
+                break;
+            default:
+                set.value = number != 0;
         }
-        add(std::move(event));
+        add(std::move(set));
         if (random_.chance(50)) {
             validAgain(client, req);
         }
@@ -197,24 +221,17 @@ class Drawer {
     // A port and its sub-interface are one place in the chip, so of the job only the interface
     // changes.
     void moveAside(unsigned client, std::uint32_t req) {
-        put(client, req);
-        events_.back().intf = named("Ethernet4");
-        events_.back().flag = true;
-        add({.kind = Kind::requestSet,
-             .client = client,
-             .req = req,
-             .intf = named("Ethernet4.100"),
-             .a = RequestAttribute::intf});
+        Do::Request request = drawnRequest(client, req);
+        request.intf = named("Ethernet4");
+        request.valid = true;
+        add(std::move(request));
+        add(Do::RequestSet{requestId(client, req), Attribute::intf, named("Ethernet4.100")});
         validAgain(client, req);
     }
 
     void validAgain(unsigned client, std::uint32_t req) {
-        for (std::uint64_t const valid : {0, 1}) {
-            add({.kind = Kind::requestSet,
-                 .client = client,
-                 .req = req,
-                 .a = RequestAttribute::valid,
-                 .b = valid});
+        for (bool const valid : {false, true}) {
+            add(Do::RequestSet{requestId(client, req), Attribute::valid, valid});
         }
     }
 
@@ -229,59 +246,71 @@ class Drawer {
         } else if (dice < 55) {
             leave(client);
         } else if (dice < 70 && mood_.vanishes) {
-            add({.kind = random_.chance(50) ? Kind::clientConfigDel : Kind::clientStatusDel,
-                 .client = client});
+            random_.chance(50) ? add(Do::ClientConfigDel{clientName(client)})
+                               : add(Do::ClientStatusDel{clientName(client)});
         } else if (dice < 90) {
             comeBack(client);
         } else {
-            add({.kind = random_.chance(50) ? Kind::clientConfig : Kind::clientStatus,
-                 .client = client,
-                 .a = mood_.reckless ? random_.below(4) : random_.between(1, 2)});
+            replace(clientName(client));
+        }
+    }
+
+    // An entry gets another entity, of which a fresh one and the one in hand are the reckless'.
+    void replace(Vanta::String const& client) {
+        bool const isConfig = random_.chance(50);
+        auto const what = mood_.reckless ? random_.below(4) : random_.between(1, 2);
+        auto const entity = static_cast<Do::Entity>(what);
+        if (what == 3) {
+            isConfig ? add(ConfigReturns{client}) : add(StatusReturns{client});
+        } else {
+            isConfig ? add(Do::ClientConfig{client, entity})
+                     : add(Do::ClientStatus{client, entity});
         }
     }
 
     // Withdraws everything first, as a client should; results of its requests go with them.
     void leave(unsigned client) {
         if (!mood_.vanishes || random_.chance(60)) {
-            add({.kind = Kind::requestDelAll, .client = client});
+            add(RequestDelAll{clientName(client)});
         }
-        add({.kind = Kind::clientConfigDel, .client = client});
-        add({.kind = Kind::clientStatusDel, .client = client});
+        add(Do::ClientConfigDel{clientName(client)});
+        add(Do::ClientStatusDel{clientName(client)});
     }
 
     void comeBack(unsigned client) {
-        add({.kind = Kind::clientConfig, .client = client, .a = 3});
-        add({.kind = Kind::clientStatus, .client = client, .a = 3});
+        add(ConfigReturns{clientName(client)});
+        add(StatusReturns{clientName(client)});
     }
 
     void restart() {
-        add({.kind = Kind::stop});
+        add(Do::Stop());
         for (auto count = random_.below(3); count > 0; --count) {
-            add({.kind = Kind::requestDel, .client = someone(), .req = someReq()});
-            add({.kind = Kind::turn, .a = 1, .flag = random_.chance(50)});
-            add({.kind = Kind::result, .client = someone(), .req = someReq()});
+            add(Do::RequestDel{someRequest()});
+            add(Turns{1, random_.chance(50)});
+            add(Do::Result{someRequest()});
         }
         if (random_.chance(20)) {
             client();
         }
         if (mood_.reckless && mood_.calls && random_.chance(30)) {
-            fail(4);
+            fail(SdkFunction::digestRegister);
         }
-        add({.kind = Kind::start, .flag = !random_.chance(12)});
+        start();
     }
 
-    void fail(std::uint64_t call) {
-        add({.kind = Kind::callFails,
-             .a = call,
-             .b = call == 4 ? 1 : nth(),
-             .c = times(),
-             .value = random_.chance(50) ? 13 : -2});
+    // The registration is called once in a life of the tracer.
+    void fail(SdkFunction call) {
+        Window const window{call == SdkFunction::digestRegister ? 1 : nth(), times()};
+        add(CallFails{call, window, random_.chance(50) ? 13 : -2});
     }
 
     void faults() {
         auto const dice = random_.below(100);
         if (dice < 25 && mood_.calls) {
-            static std::vector<std::uint64_t> const calls{0, 0, 1, 1, 2, 3, 5, 6};
+            using enum SdkFunction;
+            static std::vector<SdkFunction> const calls{
+                getPktCounters, getPktCounters, genOnePkt,        genOnePkt,
+                disableAppId,   disablePktGen,  digestDeregister, notifyAck};
             fail(random_.pick(calls));
         } else if (dice < 55 && mood_.phase0) {
             phase0();
@@ -289,118 +318,120 @@ class Drawer {
             counters();
         } else if (dice < 85 && mood_.digests) {
             if (random_.chance(30)) {
-                add({.kind = Kind::releaseHeld});
+                add(ReleaseHeld());
             }
-            add({.kind = Kind::digestFate,
-                 .a = random_.between(1, 3),
-                 .b = nth(),
-                 .c = random_.between(1, 3),
-                 .value = static_cast<std::int32_t>(random_.below(3))});
+            auto const fate = static_cast<DigestFate>(random_.between(1, 3));
+            Window const window{nth(), random_.between(1, 3)};
+            add(DigestsSuffer{fate, window, static_cast<std::uint32_t>(random_.below(3))});
         } else if (dice < 95 && mood_.socket) {
             static std::vector<std::uint64_t> const rooms{0, 5, 10, 12, 19, 25, 40, 200, 24000};
-            add({.kind = Kind::room, .a = random_.pick(rooms)});
+            add(Room{random_.pick(rooms)});
         } else if (dice >= 97) {
-            add({.kind = Kind::faultsEnd});
+            add(FaultsEnd());
         }
     }
 
     void phase0() {
         switch (random_.below(5)) {
-            case 0:
-                return add({.kind = Kind::phase0Late,
-                            .a = random_.between(1, 6),
-                            .b = nth(),
-                            .c = times()});
+            case 0: {
+                auto const turns = static_cast<std::uint32_t>(random_.between(1, 6));
+                return add(Phase0Late{turns, window()});
+            }
             case 1:
-                return add({.kind = Kind::phase0Lost, .b = nth(), .c = 1});
+                return add(Phase0Lost{{nth(), 1}});
             case 2:
-                return add({.kind = Kind::phase0Status, .a = 7, .b = nth(), .c = times()});
+                return add(Phase0Status{7, window()});
             case 3:
-                return add({.kind = Kind::phase0Drop, .intf = random_.pick(ingress_)});
+                return add(Phase0Drop{random_.pick(ingress_)});
             default:
-                return add({.kind = Kind::phase0Ask, .intf = random_.pick(ingress_)});
+                return add(Phase0Ask{random_.pick(ingress_)});
         }
     }
 
     void counters() {
         if (random_.chance(60)) {
             bool const on = random_.chance(50);
-            for (std::uint64_t pipe = 0; pipe < 4; ++pipe) {
-                add({.kind = Kind::stall, .a = pipe, .flag = on});
+            for (std::uint8_t pipe = 0; pipe < 4; ++pipe) {
+                add(Stall{pipe, on});
             }
             return;
         }
         static std::vector<std::uint64_t> const counts{0, 1, 2, ~std::uint64_t{0}};
-        add({.kind = Kind::counter, .a = random_.below(4), .b = random_.pick(counts)});
+        auto const pipe = static_cast<std::uint8_t>(random_.below(4));
+        add(CounterStarts{pipe, random_.pick(counts)});
     }
 
     void forwarding() {
         IntfId const intf = random_.pick(any_);
-        auto const vlan = 10 * random_.between(1, 4);
+        Bridging::VlanId const vlan(static_cast<std::uint16_t>(10 * random_.between(1, 4)));
         if (random_.chance(40)) {
             return add(random_.pick(told_));
         }
         switch (random_.below(12)) {
             case 0:
-                // Another place for a port would change the packet's job; only the reckless do.
-                return add({.kind = mood_.reckless ? Kind::port : Kind::portDel,
-                            .intf = random_.pick(ingress_),
-                            .a = random_.below(4),
-                            .b = random_.chance(10) ? 456 : random_.below(128)});
+                return port();
             case 1:
-                return add({.kind = Kind::portToIntfIdDel, .a = random_.pick(ports_)});
+                return add(Do::PortToIntfIdDel{random_.pick(ports_)});
             case 2:
-                return add({.kind = Kind::portToIntfId, .intf = intf, .a = random_.pick(ports_)});
+                return add(Do::PortToIntfId{random_.pick(ports_), intf});
             case 3:
-                return add(
-                    {.kind = Kind::lagToPort, .intf = random_.chance(70) ? named("Lag1") : intf});
+                return add(Do::LagToPort{random_.chance(70) ? named("Lag1") : intf});
             case 4:
-                return add({.kind = Kind::lagToPortDel, .intf = named("Lag1")});
+                return add(Do::LagToPortDel{named("Lag1")});
             case 5:
-                return add({.kind = Kind::portToLag, .intf = intf, .lag = named("Lag2")});
+                return add(Do::PortToLag{intf, named("Lag2")});
             case 6:
-                return add({.kind = Kind::portToLagDel, .intf = named("Ethernet5")});
-            case 7: {
-                Event event{.kind = Kind::vlan, .a = vlan, .flag = random_.chance(50)};
-                // Of nobody, of the CPU alone, of some.
-                unsigned const each = random_.chance(25) ? 0 : 35;
-                for (auto const& member : any_) {
-                    if (random_.chance(member == named("Cpu") ? 50 : each)) {
-                        event.intfs.push_back(member);
-                    }
-                }
-                return add(std::move(event));
-            }
+                return add(Do::PortToLagDel{named("Ethernet5")});
+            case 7:
+                return add(drawnVlan(vlan));
             case 8:
-                return add({.kind = Kind::vlanDel, .a = vlan});
+                return add(Do::VlanDel{vlan});
             case 9:
-                return add({.kind = Kind::cpuPort, .intf = intf});
+                return add(Do::CpuPort{intf});
             case 10:
-                return add({.kind = Kind::cpuPortDel, .intf = named("Ethernet8")});
+                return add(Do::CpuPortDel{named("Ethernet8")});
             default:
-                return add({.kind = Kind::chipPortUp,
-                            .a = random_.pick(ports_),
-                            .flag = random_.chance(60)});
+                return add(ChipPortUp{random_.pick(ports_), random_.chance(60)});
         }
     }
 
+    // Another place for a port would change the packet's job; only the reckless do.
+    void port() {
+        Do::Port const port{
+            random_.pick(ingress_), static_cast<std::uint8_t>(random_.below(4)),
+            static_cast<std::uint16_t>(random_.chance(10) ? 456 : random_.below(128))};
+        mood_.reckless ? add(port) : add(Do::PortDel{port.intf});
+    }
+
+    // Of nobody, of the CPU alone, of some.
+    Do::Vlan drawnVlan(Bridging::VlanId id) {
+        Do::Vlan vlan{.id = id, .internal = random_.chance(50)};
+        unsigned const each = random_.chance(25) ? 0 : 35;
+        for (auto const& member : any_) {
+            if (random_.chance(member == named("Cpu") ? 50 : each)) {
+                vlan.intf.push_back(member);
+            }
+        }
+        return vlan;
+    }
+
     void forge() {
-        Event event{.kind = Kind::forge};
+        Forge forged;
         auto const dice = random_.below(100);
         std::size_t const count = dice < 70   ? random_.between(1, 4)
                                   : dice < 80 ? 0
                                   : dice < 90 ? random_.between(450, 460)
                                               : random_.between(5, 40);
         for (std::size_t i = 0; i < count; ++i) {
-            event.entries.push_back(drawEntry());
+            forged.entries.push_back(drawEntry());
         }
-        add(std::move(event));
+        add(std::move(forged));
     }
 
-    Forged drawEntry() {
+    SdkSeam::TraceDigest drawEntry() {
         static std::vector<std::uint16_t> const domains{10, 20, 30, 40, 0, 4094};
-        Forged entry;
-        entry.back = static_cast<std::uint16_t>(random_.chance(15) ? 65000 : random_.below(6));
+        SdkSeam::TraceDigest entry;
+        entry.pktId = static_cast<std::uint16_t>(random_.chance(15) ? 65000 : random_.below(6));
         entry.routed = random_.chance(40) ? 255 : 0;
         entry.copyToCpu = random_.chance(entry.routed != 0 ? 60 : 30) ? 2 : 0;
         entry.dropCtl = random_.chance(15) ? 1 : 0;
@@ -432,26 +463,19 @@ class Drawer {
 void drawLongLife(Random& random, std::vector<Event>& events) {
     constexpr std::uint64_t refused = 65535;
     auto const request = [&](std::uint32_t req) {
-        events.push_back({.kind = Kind::request,
-                          .req = req,
-                          .intf = named("Ethernet1"),
-                          .a = 0x800,
-                          .flag = true,
-                          .raw = drawFrame(random, 0, req)});
+        events.push_back(Do::Request{
+            .id = requestId(0, req), .intf = named("Ethernet1"), .raw = drawFrame(random, 0, req)});
     };
-    events.push_back({.kind = Kind::clientConfig});
-    events.push_back({.kind = Kind::clientStatus});
-    events.push_back({.kind = Kind::start, .flag = true});
+    events.push_back(Do::ClientConfig{clientName(0)});
+    events.push_back(Do::ClientStatus{clientName(0)});
+    events.push_back(Do::Start{.session = Model::session, .device = Model::device});
     request(1);
-    events.push_back({.kind = Kind::turn, .a = 6, .flag = true});
-    events.push_back({.kind = Kind::callFails,
-                      .a = 1,
-                      .b = 1,
-                      .c = random.chance(50) ? refused : random.between(refused - 2, refused + 2),
-                      .value = 1});
+    events.push_back(Turns{6, true});
+    auto const times = random.chance(50) ? refused : random.between(refused - 2, refused + 2);
+    events.push_back(CallFails{SdkFunction::genOnePkt, {1, times}, 1});
     request(2);
-    events.push_back({.kind = Kind::turn, .a = 3 * refused});
-    events.push_back({.kind = Kind::turn, .a = 12, .flag = true});
+    events.push_back(Turns{3 * refused});
+    events.push_back(Turns{12, true});
 }
 
 }  // namespace

@@ -51,14 +51,16 @@ void Run::carryOut(Event const& event) {
     if (!model_.applies(event)) {
         return;
     }
-    report_.event = text(event);
-    if (event.kind != Kind::turn) {
+    carried_ = event;
+    auto const* const turns = std::get_if<Turns>(&event);
+    if (turns == nullptr) {
         static_cast<void>(step(event));
         return;
     }
-    Event const chipStep{.kind = Kind::chipStep};
-    for (std::uint64_t i = 0; i < event.a; ++i) {
-        if (!step(event) || (event.flag && !step(chipStep))) {
+    Event const turn = Do::Turn();
+    Event const chipStep = ChipStep();
+    for (std::uint64_t i = 0; i < turns->times; ++i) {
+        if (!step(turn) || (turns->chipWorks && !step(chipStep))) {
             return;
         }
     }
@@ -66,7 +68,7 @@ void Run::carryOut(Event const& event) {
 
 bool Run::step(Event const& event) {
     ++report_.step;
-    report_.turns += event.kind == Kind::turn ? 1 : 0;
+    report_.turns += scenarioEvent<Do::Turn>(event) != nullptr ? 1 : 0;
     event_ = &event;
     world_->carryOut(event);
     if (interfere_) {
@@ -75,9 +77,10 @@ bool Run::step(Event const& event) {
     writeDown(event);
     report_.injections = world_->packets().injections();
     report_.messages = world_->board().messages();
-    wasOrderly_ = event.kind == Kind::start || (wasOrderly_ && world_->packets().orderly());
+    wasOrderly_ =
+        scenarioEvent<Do::Start>(event) != nullptr || (wasOrderly_ && world_->packets().orderly());
     try {
-        model_.apply(event, world_->recorder().wire());
+        model_.apply(event, world_->logbook().wire());
     } catch (Fatal const& fatal) {
         return fail(
             {"end", joined("the process should have ended with ", fatal.type, " ", fatal.text)});
@@ -89,15 +92,16 @@ bool Run::step(Event const& event) {
 }
 
 void Run::writeDown(Event const& event) {
-    if (scenario_ != nullptr) {
-        scenario_->add(event, world_->recorder().log(), world_->recorder().wire(), model_);
+    if (transcript_ != nullptr) {
+        transcript_->add(event, world_->logbook().wire(), model_);
     }
 }
 
 std::optional<Breach> Run::check() {
-    auto const happened = world_->recorder().takeLog();
-    world_->packets().checkJournal(world_->chip().journal(), event_->kind == Kind::chipStep);
-    if (auto const breach = world_->recorder().takeBreach()) {
+    auto const happened = world_->logbook().takeLog();
+    world_->packets().checkJournal(world_->chip().journal(),
+                                   std::holds_alternative<ChipStep>(*event_));
+    if (auto const breach = world_->logbook().takeBreach()) {
         return breach;
     }
     if (auto const breach = compareLogs(happened)) {
@@ -143,6 +147,7 @@ bool Run::fail(Breach const& breach) {
     report_.failed = true;
     report_.invariant = breach.invariant;
     report_.detail = breach.detail;
+    report_.event = carried_ ? text(*carried_) : "";
     return false;
 }
 
@@ -152,10 +157,10 @@ bool Run::fail(Breach const& breach) {
 // ends in the same way. It is given nothing that the tracer did not get as far as asking for.
 void Run::ended(std::string_view type, std::string_view text) {
     writeDown(*event_);
-    auto const happened = world_->recorder().takeLog();
+    auto const happened = world_->logbook().takeLog();
     Fatal foretold;
     try {
-        model_.apply(*event_, world_->recorder().wire());
+        model_.apply(*event_, world_->logbook().wire());
     } catch (Fatal const& fatal) {
         foretold = fatal;
     }
@@ -173,15 +178,15 @@ void Run::ended(std::string_view type, std::string_view text) {
 // ---- The closing
 
 void Run::turns(unsigned count) {
-    carryOut({.kind = Kind::turn, .a = count, .flag = true});
+    carryOut(Turns{count, true});
 }
 
 void Run::closing() {
     ++report_.position;
-    carryOut({.kind = Kind::faultsEnd});
-    carryOut({.kind = Kind::releaseHeld});
-    carryOut({.kind = Kind::yieldAfter, .a = 64});
-    carryOut({.kind = Kind::start, .flag = true});
+    carryOut(FaultsEnd());
+    carryOut(ReleaseHeld());
+    carryOut(Do::YieldAfter{64});
+    carryOut(Do::Start{.session = Model::session, .device = Model::device});
     if (failed() || !settle() || !pushThrough()) {
         return;
     }
@@ -192,16 +197,16 @@ void Run::closing() {
         }
     }
     for (unsigned client = 0; client < clientCount && !failed(); ++client) {
-        carryOut({.kind = Kind::requestDelAll, .client = client});
-        carryOut({.kind = Kind::clientConfigDel, .client = client});
-        carryOut({.kind = Kind::clientStatusDel, .client = client});
+        carryOut(RequestDelAll{clientName(client)});
+        carryOut(Do::ClientConfigDel{clientName(client)});
+        carryOut(Do::ClientStatusDel{clientName(client)});
     }
     turns(turnsToBeFree);
     if (failed() || !checkLeft(orphans)) {
         return;
     }
-    carryOut({.kind = Kind::stop});
-    carryOut({.kind = Kind::chipStep});
+    carryOut(Do::Stop());
+    carryOut(ChipStep());
 }
 
 // What was late comes now; a long row of digests is read one a turn.
@@ -215,13 +220,8 @@ bool Run::settle() {
 
 // A job that is still asked for: its client runs and has the request.
 bool Run::isAsked(Id const& id) const {
-    for (unsigned client = 0; client < clientCount; ++client) {
-        if (clientName(client) == id.first) {
-            auto const requests = model_.requestsOf(client);
-            return model_.clientRuns(client) && std::ranges::find(requests, id) != requests.end();
-        }
-    }
-    return false;
+    auto const requests = model_.requestsOf(id.first);
+    return model_.clientRuns(id.first) && std::ranges::find(requests, id) != requests.end();
 }
 
 // Each job goes through within its turns, or it is one that is held up: whose phase-0 answer was
@@ -259,16 +259,16 @@ bool Run::pushThrough() {
 }
 
 bool Run::withdraw(Id const& id) {
-    unsigned const client = static_cast<unsigned>(id.first[0] - 'A');
-    if (!model_.clientRuns(client)) {
+    PacketTracer::RequestId const request(id.first, id.second);
+    if (!model_.clientRuns(id.first)) {
         // Nobody but the client itself can withdraw what it left behind.
-        carryOut({.kind = Kind::clientConfig, .client = client});
-        carryOut({.kind = Kind::clientStatus, .client = client});
+        carryOut(Do::ClientConfig{id.first});
+        carryOut(Do::ClientStatus{id.first});
     }
     if (!isAsked(id)) {
-        carryOut({.kind = Kind::request, .client = client, .req = id.second});
+        carryOut(Do::Request{.id = request, .etherType = 0, .valid = false, .raw = {}});
     }
-    carryOut({.kind = Kind::requestDel, .client = client, .req = id.second});
+    carryOut(Do::RequestDel{request});
     turns(turnsToBeFree);
     if (failed()) {
         return false;

@@ -17,7 +17,7 @@
 
 #include "simulate/Model.h"
 #include "simulate/Program.h"
-#include "simulate/Scenario.h"
+#include "simulate/Transcript.h"
 #include "simulate/World.h"
 
 namespace Simulate {
@@ -26,7 +26,7 @@ struct Report {
     bool failed = false;
     std::string invariant;  // that does not hold
     std::string detail;
-    std::string event;           // the step's
+    std::string event;           // of the program, that failed
     std::uint64_t step = 0;      // events that were carried out, the failing one included
     std::uint64_t position = 0;  // of the event in the program
     std::uint64_t turns = 0;
@@ -54,7 +54,7 @@ class Run {
     }
 
     // Has the run written down as a scenario, up to its end or its failure.
-    void scenarioIs(Scenario& scenario) { scenario_ = &scenario; }
+    void transcriptIs(Transcript& transcript) { transcript_ = &transcript; }
 
     Report go();
     // Where the run is, for whoever watches it.
@@ -86,8 +86,9 @@ class Run {
     Vanta::LastStep const lastStep_ = Vanta::LastStep::to<&Run::ended>(this);
     std::optional<World> world_;
     Model model_;
-    Event const* event_ = nullptr;
-    Scenario* scenario_ = nullptr;
+    Event const* event_ = nullptr;  // of the step under way
+    std::optional<Event> carried_;  // of the program, the latest one that applied
+    Transcript* transcript_ = nullptr;
     bool wasOrderly_ = true;  // every phase-0 answer of this tracer's life was awaited
     std::uint64_t nodesBefore_;
     std::size_t descriptorsBefore_;

@@ -11,10 +11,13 @@
 namespace Simulate {
 
 struct Wire {
-    // What an SDK function returned, and the counter that it reported.
+    // What an SDK function returned, and the counter that it reported. Which function that was, and
+    // of which pipe, is for whoever writes the run down; the model knows by itself.
     struct Answer {
         std::int32_t rc = 0;
         std::uint64_t count = 0;
+        SdkSeam::SdkFunction function{};
+        std::uint32_t pipe = 0;
     };
     // A change of the phase-0 response entry of an interface.
     struct Announcement {

@@ -2,7 +2,8 @@
 // stepwise, the event loop, and the tracer while there is one. All on one thread; the clock is the
 // count of the loop's turns.
 //
-// It carries events out and says what there is then, in the words of the model. The objects of
+// A scenario's events are the player's, with the objects that clients have in hand. It carries events
+// out and says what there is then, in the words of the model. The objects of
 // clients stay in hand when their directory entries go. Thread: one only, one world a process.
 #pragma once
 
@@ -13,21 +14,16 @@
 #include <string_view>
 #include <vector>
 
-#include "Bridging/Config.h"
-#include "Fen/FenCommonSmData.h"
-#include "Kel/Dir.h"
 #include "Orb/TaskSchedulerRoot.h"
 #include "PacketTracer/ClientConfig.h"
 #include "PacketTracer/ClientStatus.h"
-#include "VynPacketTracer/VynPtSm.h"
-#include "VynSlice/ChipStatus.h"
-#include "VynSystem/SystemStatus.h"
-#include "sdkseam/DigestLayout.h"
+#include "scenario/Player.h"
 #include "simulate/Board.h"
 #include "simulate/Event.h"
+#include "simulate/Logbook.h"
 #include "simulate/Packets.h"
 #include "simulate/Program.h"
-#include "simulate/Recorder.h"
+#include "simulate/Socket.h"
 #include "softchip/SoftChip.h"
 
 namespace Simulate {
@@ -40,10 +36,11 @@ class World {
     World& operator=(World const&) = delete;
     ~World();
 
-    // Carries an event out; a `turn` is one turn. Precondition: the model says that it applies.
+    // Carries an event out. Preconditions: the model says that it applies; `Turns` come one by one,
+    // as a scenario's.
     void carryOut(Event const& event);
 
-    Recorder& recorder() { return recorder_; }
+    Logbook& logbook() { return logbook_; }
     Packets& packets() { return packets_; }
     SoftChip::SoftChip& chip() { return chip_; }
     Board const& board() const { return board_; }
@@ -68,38 +65,44 @@ class World {
         Vanta::Ptr<PacketTracer::ClientStatus> status;
     };
 
-    void changeForwarding(Event const& event);
-    void setVlan(Event const& event);
-    void changeDirectory(Event const& event);
-    void changeRequest(Event const& event);
-    void setRequest(Event const& event);
-    void changeChip(Event const& event);
-    void start(bool supported);
-    void stop();
+    // Plays with the objects in hand, in the directories or not.
+    class HandPlayer final : public Scenario::Player {
+      public:
+        HandPlayer(Scenario::Stage stage, World& world) : Player(std::move(stage)), world_(world) {}
+
+      private:
+        Vanta::Ptr<PacketTracer::ClientConfig> newConfig(Vanta::String const& client) override;
+        Vanta::Ptr<PacketTracer::ClientStatus> newStatus(Vanta::String const& client) override;
+        Vanta::Ptr<PacketTracer::ClientConfig> config(Vanta::String const& client) const override {
+            return world_.hands_[client].config;
+        }
+        Vanta::Ptr<PacketTracer::ClientStatus> status(Vanta::String const& client) const override {
+            return world_.hands_[client].status;
+        }
+
+        World& world_;
+    };
+    struct Doing;
+
+    Vanta::Ptr<VynPacketTracer::PacketTracerSm> const& tracer() const { return player_.tracer(); }
+    void start(Scenario::Event const& event);
+    void stop(Scenario::Event const& event);
     void limitSocket();
-    void forge(Event const& event);
+    void forge(Forge const& forged);
     void addEngine(std::vector<std::string>& lines) const;
 
-    Recorder recorder_;
-    Packets packets_{recorder_};
-    Vanta::Ptr<Kel::Dir> configs_ = Kel::Dir::DirIs();
-    Vanta::Ptr<Kel::Dir> statuses_ = Kel::Dir::DirIs();
-    Vanta::Ptr<VynSystem::SystemStatus> systemStatus_ = VynSystem::SystemStatus::SystemStatusIs();
-    Vanta::Ptr<Fen::FenCommonSmData> fcsd_ = Fen::FenCommonSmData::FenCommonSmDataIs();
-    Vanta::Ptr<Bridging::Config> bridging_ = Bridging::Config::ConfigIs();
-    Vanta::Ptr<VynSlice::ChipStatus> chipStatus_ = VynSlice::ChipStatus::ChipStatusIs();
+    Logbook logbook_;
+    Packets packets_{logbook_};
     Vanta::Ptr<Orb::TaskSchedulerRoot> loop_ = Orb::TaskSchedulerRoot::TaskSchedulerRootIs();
     SoftChip::SoftChip chip_;
     Vanta::Ptr<SoftChip::Phase0Data> phase0_ = SoftChip::Phase0Data::Phase0DataIs(loop_);
-    Board board_{recorder_, packets_};
-    Vanta::Ptr<Phase0Desk> desk_ = Phase0Desk::Phase0DeskIs(phase0_, recorder_, packets_);
-    Vanta::Ptr<SdkSeam::DigestLayout> layout_ = SdkSeam::DigestLayout::DigestLayoutIs();
-    Vanta::Ptr<SdkSeam::LearnQuanta> quanta_ = SdkSeam::LearnQuanta::LearnQuantaIs();
-    std::vector<Hand> hands_;
-    std::size_t room_;
-    Vanta::Ptr<VynPacketTracer::PacketTracerSm> tracer_;
+    Board board_{logbook_, packets_};
+    Vanta::Ptr<Phase0Desk> desk_ = Phase0Desk::Phase0DeskIs(phase0_, logbook_, packets_);
+    std::map<Vanta::String, Hand> hands_;
+    std::size_t room_ = DigestSocket::plenty;
     std::map<std::string, std::set<std::string>> seen_;  // entries, by result
     std::size_t base_ = 0;
+    HandPlayer player_;
 };
 
 }  // namespace Simulate

@@ -16,11 +16,11 @@ using Lines = std::vector<std::string>;
 class ModelTest : public testing::Test {
   protected:
     ModelTest() {
-        play({.kind = Kind::port, .intf = named("Ethernet1"), .a = 1, .b = 5});
-        play({.kind = Kind::portToIntfId, .intf = named("Ethernet2"), .a = 130});
-        play({.kind = Kind::start, .flag = true});
-        play({.kind = Kind::clientConfig});
-        play({.kind = Kind::clientStatus});
+        play(Do::Port{named("Ethernet1"), 1, 5});
+        play(Do::PortToIntfId{130, named("Ethernet2")});
+        play(Do::Start());
+        play(Do::ClientConfig{"A"});
+        play(Do::ClientStatus{"A"});
     }
     // What an event leads to, without the traces.
     Lines play(Event const& event) {
@@ -31,20 +31,15 @@ class ModelTest : public testing::Test {
         return lines;
     }
     Lines request(Bytes raw = Bytes(64, 7)) {
-        return play({.kind = Kind::request,
-                     .req = 1,
-                     .intf = named("Ethernet1"),
-                     .a = 0x800,
-                     .flag = true,
-                     .raw = std::move(raw)});
+        return play(Do::Request{.id = {"A", 1}, .intf = named("Ethernet1"), .raw = raw});
     }
     // From a new job to its packet.
     void inject() {
         request();
-        play({.kind = Kind::turn});
+        play(Do::Turn());
         wire.announcements.push_back({named("Ethernet1"), true, 0, Bytes(8, 1)});
         wire.answers = {{0, 3}, {0, 0}, {0, 3}};
-        play({.kind = Kind::turn});
+        play(Do::Turn());
     }
     // A learn message of one entry, and its acknowledgement.
     void digest(Bytes const& entry) {
@@ -52,7 +47,7 @@ class ModelTest : public testing::Test {
         bytes.insert(bytes.end(), entry.begin(), entry.end());
         wire.messages.push_back({1, bytes});
         wire.answers = {{0, 0}};
-        play({.kind = Kind::chipStep});
+        play(ChipStep());
     }
 
     Model model;
@@ -78,8 +73,7 @@ TEST_F(ModelTest, AChangedPacketEndsTheProcess) {
 
 TEST_F(ModelTest, AJobWaitsForItsPhase0Data) {
     request();
-    EXPECT_EQ(play({.kind = Kind::turn}),
-              (Lines{"phase0 configDel Ethernet1", "phase0 configIs Ethernet1"}));
+    EXPECT_EQ(play(Do::Turn()), (Lines{"phase0 configDel Ethernet1", "phase0 configIs Ethernet1"}));
     EXPECT_EQ(model.state(), Model::State::waitPhase0Data);
 }
 
@@ -94,7 +88,7 @@ TEST_F(ModelTest, ADigestCompletesTheAnswer) {
     inject();
     digest(unicast);
     wire.answers = {{0, 3}};
-    auto const lines = play({.kind = Kind::turn});
+    auto const lines = play(Do::Turn());
     EXPECT_NE(std::ranges::find(lines, "status A/1 ready true"), lines.end());
     EXPECT_EQ(lines.back().substr(0, 4), "sdk ");
     EXPECT_NE(std::ranges::find(lines, "result A/1 egressIntf Ethernet2,"), lines.end());
@@ -103,13 +97,13 @@ TEST_F(ModelTest, ADigestCompletesTheAnswer) {
 
 TEST_F(ModelTest, AShortSendPutsTheStreamOutOfStep) {
     inject();
-    play({.kind = Kind::room, .a = 10});
+    play(Room{10});
     digest(unicast);
     EXPECT_EQ(model.unread(), 10U);
-    play({.kind = Kind::faultsEnd});
+    play(FaultsEnd());
     digest(unicast);
     wire.answers = {{0, 3}};
-    auto const lines = play({.kind = Kind::turn});
+    auto const lines = play(Do::Turn());
     EXPECT_EQ(std::ranges::find(lines, "status A/1 ready true"), lines.end());
     EXPECT_EQ(model.unread(), 10U);
 }
@@ -118,7 +112,7 @@ TEST_F(ModelTest, AnEgressPortThatCannotBeEndsTheProcess) {
     inject();
     digest({1, 0, 0, 10, 0, 201, 1, 0, 0});
     try {
-        play({.kind = Kind::turn});
+        play(Do::Turn());
         FAIL();
     } catch (Fatal const& fatal) {
         EXPECT_EQ(fatal.type, "RangeError");
@@ -126,9 +120,10 @@ TEST_F(ModelTest, AnEgressPortThatCannotBeEndsTheProcess) {
 }
 
 TEST_F(ModelTest, WhatMakesNoSenseDoesNotApply) {
-    EXPECT_FALSE(model.applies({.kind = Kind::start}));
-    EXPECT_FALSE(model.applies({.kind = Kind::requestDel, .req = 9}));
-    EXPECT_FALSE(model.applies({.kind = Kind::clientConfigDel, .client = 3}));
+    EXPECT_FALSE(model.applies(Do::Start()));
+    EXPECT_FALSE(model.applies(Do::RequestDel{{"A", 9}}));
+    EXPECT_FALSE(model.applies(Do::ClientConfigDel{"D"}));
+    EXPECT_FALSE(model.applies(StatusReturns{"D"}));
 }
 
 TEST_F(ModelTest, ItCountsTheNodes) {
@@ -140,7 +135,7 @@ TEST_F(ModelTest, ItCountsTheNodes) {
 TEST_F(ModelTest, TheStopLetsAnswersGoBeforeJobs) {
     inject();
     wire.answers = {{0, 0}};
-    auto const lines = play({.kind = Kind::stop});
+    auto const lines = play(Do::Stop());
     EXPECT_EQ(lines, (Lines{"sdk pipe_mgr_lrn_digest_notification_deregister session 1 device 1 "
                             "handle 77 -> 0 count 0",
                             "status del A/1", "cfg del A/1"}));

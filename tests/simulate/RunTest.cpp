@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include "simulate/Child.h"
+#include "simulate/DrawnSwitch.h"
 
 namespace Simulate {
 namespace {
@@ -14,29 +15,25 @@ Plexa::IntfId named(char const* name) {
 // A client with one request, from the start to its answer.
 Program oneTrace() {
     Program program = drawProgram(1, 0);
-    std::erase_if(program.events, [](Event const& event) { return event.kind >= Kind::start; });
-    program.events.push_back({.kind = Kind::start, .flag = true});
-    program.events.push_back({.kind = Kind::clientConfig});
-    program.events.push_back({.kind = Kind::clientStatus});
-    program.events.push_back({.kind = Kind::request,
-                              .req = 1,
-                              .intf = named("Ethernet1"),
-                              .a = 0x800,
-                              .flag = true,
-                              .raw = Bytes(64, 1)});
-    program.events.push_back({.kind = Kind::turn, .a = 6, .flag = true});
+    program.events = tellForwarding(program.drawn.model);
+    program.events.push_back(Do::Start{.session = Model::session, .device = Model::device});
+    program.events.push_back(Do::ClientConfig{"A"});
+    program.events.push_back(Do::ClientStatus{"A"});
+    program.events.push_back(
+        Do::Request{.id = {"A", 1}, .intf = named("Ethernet1"), .raw = Bytes(64, 1)});
+    program.events.push_back(Turns{6, true});
     return program;
 }
 
 using Interference = std::function<void(World&, Event const&)>;
 
-// What a run says when somebody interferes with it once, after an event of that kind.
-Report interfered(Kind kind, std::function<void(World&)> const& interfere) {
+// What a run says when somebody interferes with it once, after a turn.
+Report interfered(std::function<void(World&)> const& interfere) {
     Program const program = oneTrace();
     Run run(program, [](Report const&) { std::abort(); });
     bool done = false;
     run.interfereIs([&](World& world, Event const& event) {
-        if (event.kind == kind && !std::exchange(done, true)) {
+        if (scenarioEvent<Do::Turn>(event) != nullptr && !std::exchange(done, true)) {
             interfere(world);
         }
     });
@@ -61,7 +58,7 @@ TEST(Run, TheSameProgramRunsTheSameWay) {
 
 TEST(Run, AnEndOfTheProcessIsForetold) {
     auto program = oneTrace();
-    program.events.push_back({.kind = Kind::clientConfig});
+    program.events.push_back(Do::ClientConfig{"A"});
     auto const report = runInChild(program);
     EXPECT_FALSE(report.failed) << report.invariant << ": " << report.detail;
     EXPECT_EQ(report.end, "ReinstantiationError");
@@ -69,33 +66,33 @@ TEST(Run, AnEndOfTheProcessIsForetold) {
 
 TEST(Run, EventsThatNobodyForetoldAreFound) {
     auto const report =
-        interfered(Kind::turn, [](World& world) { world.recorder().note("sdk something else"); });
+        interfered([](World& world) { world.logbook().note("sdk something else"); });
     EXPECT_TRUE(report.failed);
     EXPECT_EQ(report.invariant, "events");
 }
 
 TEST(Run, ANodeTooManyIsFound) {
     static Vanta::Ptr<Kel::Dir> kept;
-    auto const report = interfered(Kind::turn, [](World&) { kept = Kel::Dir::DirIs(); });
+    auto const report = interfered([](World&) { kept = Kel::Dir::DirIs(); });
     kept = nullptr;
     EXPECT_TRUE(report.failed);
     EXPECT_EQ(report.invariant, "nodes");
 }
 
 TEST(Run, ABreachThatWasNoticedIsReported) {
-    auto const report = interfered(Kind::turn, [](World& world) {
-        world.recorder().breachIs({"packets", "something"});
+    auto const report = interfered([](World& world) {
+        world.logbook().breachIs({"packets", "something"});
     });
     EXPECT_TRUE(report.failed);
     EXPECT_EQ(report.invariant, "packets");
     EXPECT_EQ(report.detail, "something");
-    EXPECT_EQ(report.event.substr(0, 4), "turn");
+    EXPECT_EQ(report.event, R"({"do":"turns","times":6,"chipWorks":true})");
 }
 
 TEST(Run, AWorldThatSuffersWhatIsNotInItsProgramIsFound) {
-    auto const report = interfered(Kind::turn, [](World& world) {
-        world.carryOut({.kind = Kind::result, .req = 9});
-        static_cast<void>(world.recorder().takeLog());
+    auto const report = interfered([](World& world) {
+        world.carryOut(Do::Result{{"A", 9}});
+        static_cast<void>(world.logbook().takeLog());
     });
     EXPECT_TRUE(report.failed);
     EXPECT_EQ(report.invariant, "events");

@@ -8,26 +8,27 @@
 namespace Simulate {
 namespace {
 
-bool has(Program const& program, Kind kind) {
-    return std::ranges::any_of(program.events,
-                               [kind](Event const& event) { return event.kind == kind; });
+template <class T>
+bool has(Program const& program) {
+    return std::ranges::any_of(
+        program.events, [](Event const& event) { return scenarioEvent<T>(event) != nullptr; });
 }
 
 // A failure that needs a start and the first withdrawal behind it, and nothing else.
 Report runProgram(Program const& program) {
     Report report;
-    report.failed = has(program, Kind::start) && has(program, Kind::requestDel);
+    report.failed = has<Do::Start>(program) && has<Do::RequestDel>(program);
     report.invariant = "events";
     return report;
 }
 
 TEST(Sweep, WhatAFailureDoesNotNeedIsLeftOut) {
     Program program = drawProgram(1, 150);
-    program.events.push_back({.kind = Kind::requestDel, .req = 1});
+    program.events.push_back(Do::RequestDel{{"A", 1}});
     auto const left = shrunken(program, runProgram(program), 1000, runProgram);
     ASSERT_EQ(left.events.size(), 2U);
-    EXPECT_EQ(left.events[0].kind, Kind::start);
-    EXPECT_EQ(left.events[1].kind, Kind::requestDel);
+    EXPECT_NE(scenarioEvent<Do::Start>(left.events[0]), nullptr);
+    EXPECT_NE(scenarioEvent<Do::RequestDel>(left.events[1]), nullptr);
 }
 
 TEST(Sweep, AnotherFailureIsNotTheSameOne) {

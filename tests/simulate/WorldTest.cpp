@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "simulate/DrawnSwitch.h"
+
 namespace Simulate {
 namespace {
 
@@ -9,30 +11,24 @@ namespace {
 class WorldTest : public testing::Test {
   protected:
     WorldTest() {
-        for (auto const& event : program.events) {
-            if (event.kind <= Kind::cpuPortDel) {
-                world.carryOut(event);
-            }
+        for (auto const& event : tellForwarding(program.drawn.model)) {
+            world.carryOut(event);
         }
-        world.carryOut({.kind = Kind::start, .flag = true});
-        world.carryOut({.kind = Kind::clientConfig});
-        world.carryOut({.kind = Kind::clientStatus});
-        world.carryOut({.kind = Kind::request,
-                        .req = 1,
-                        .intf = *Plexa::IntfId::fromName("Ethernet1"),
-                        .a = 0x800,
-                        .flag = true,
-                        .raw = packet});
+        world.carryOut(Do::Start{.session = Model::session, .device = Model::device});
+        world.carryOut(Do::ClientConfig{"A"});
+        world.carryOut(Do::ClientStatus{"A"});
+        world.carryOut(Do::Request{
+            .id = {"A", 1}, .intf = *Plexa::IntfId::fromName("Ethernet1"), .raw = packet});
         for (int i = 0; i < 3; ++i) {
-            world.carryOut({.kind = Kind::turn});
+            world.carryOut(Do::Turn());
         }
     }
     std::string breachOf() {
-        auto const breach = world.recorder().takeBreach();
+        auto const breach = world.logbook().takeBreach();
         return breach ? breach->invariant + ": " + breach->detail : "none";
     }
     bool logHas(std::string const& part) {
-        for (auto const& line : world.recorder().log()) {
+        for (auto const& line : world.logbook().log()) {
             if (line.find(part) != std::string::npos) {
                 return true;
             }
@@ -63,7 +59,7 @@ TEST_F(WorldTest, CallsComeOnTheRecordAsTheTracerMakesThem) {
 }
 
 TEST_F(WorldTest, ADigestComesThroughTheBoard) {
-    world.carryOut({.kind = Kind::chipStep});
+    world.carryOut(ChipStep());
     EXPECT_TRUE(logHas("message of 1:"));
     EXPECT_TRUE(logHas("sdk pipe_mgr_flow_lrn_notify_ack session 1 handle 77 -> 0"));
     world.packets().checkJournal(world.chip().journal(), true);
@@ -118,16 +114,16 @@ TEST_F(WorldTest, APacketWithoutAJobIsABreach) {
 
 TEST_F(WorldTest, AfterTheStopTheChipHasNobodyToCall) {
     EXPECT_TRUE(world.board().registered());
-    world.carryOut({.kind = Kind::stop});
+    world.carryOut(Do::Stop());
     EXPECT_FALSE(world.board().registered());
 }
 
 TEST_F(WorldTest, AResultThatLosesAnEntryIsABreach) {
-    world.carryOut({.kind = Kind::chipStep});
-    world.carryOut({.kind = Kind::turn});
-    EXPECT_FALSE(world.shrunkenResults(world.recorder().log()));
-    world.carryOut({.kind = Kind::requestDel, .req = 1});
-    world.carryOut({.kind = Kind::result, .req = 1});
+    world.carryOut(ChipStep());
+    world.carryOut(Do::Turn());
+    EXPECT_FALSE(world.shrunkenResults(world.logbook().log()));
+    world.carryOut(Do::RequestDel{{"A", 1}});
+    world.carryOut(Do::Result{{"A", 1}});
     auto const breach = world.shrunkenResults({});
     ASSERT_TRUE(breach);
     EXPECT_EQ(breach->invariant, "results");

@@ -30,9 +30,9 @@ struct Breach {
     std::string detail;
 };
 
-class Recorder {
+class Logbook {
   public:
-    Recorder() = default;
+    Logbook() = default;
 
     template <class... Parts>
     void note(Parts const&... parts) {
@@ -81,8 +81,8 @@ class Recorder {
     std::optional<Breach> breach_;
     std::map<Node const*, std::set<PacketTracer::RequestId>> present_;  // by collection
     std::map<Node const*, Values> values_;                              // by answer or result
-    Vanta::Tap const publications_ = Vanta::Tap::to<&Recorder::published>(this);
-    Trace::Tap const traces_ = Trace::Tap::to<&Recorder::traced>(this);
+    Vanta::Tap const publications_ = Vanta::Tap::to<&Logbook::published>(this);
+    Trace::Tap const traces_ = Trace::Tap::to<&Logbook::traced>(this);
 };
 
 // A request's id as the lines have it: "A/3".

@@ -9,9 +9,7 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <map>
 #include <string>
-#include <vector>
 
 #include "simulate/Event.h"
 #include "simulate/Model.h"
@@ -19,12 +17,11 @@
 
 namespace Simulate {
 
-class Scenario {
+class Transcript {
   public:
-    // Adds an event with what was written down while it happened. `before` is the model as it was
-    // before the event.
-    void add(Event const& event, std::vector<std::string> const& log, Wire const& wire,
-             Model const& before);
+    // Adds an event with what the chip told the tracer while it happened. `before` is the model as
+    // it was before the event.
+    void add(Event const& event, Wire const& wire, Model const& before);
 
     // The lines, each with its end.
     std::string const& text() const { return text_; }
@@ -32,21 +29,11 @@ class Scenario {
     std::string const& endedBy() const { return endedBy_; }
 
   private:
-    void begin(char const* what);
-    void member(char const* name, std::string const& value);
-    void member(char const* name, std::uint64_t value);
-    void flag(char const* name, bool value);
-    void client(Event const& event);
-    void end();
+    struct Adding;
 
+    void put(Scenario::Event const& event);
     void turn();
-    void forwarding(Event const& event);
-    void directory(Event const& event);
-    void request(Event const& event, Model const& before);
-    void requestSet(Event const& event);
-    void withdraw(std::string const& client, std::uint32_t req);
-    void calls(std::vector<std::string> const& log);
-    void failures(std::string const& call, std::vector<long> const& results);
+    void answers(Wire const& wire);
     void announcements(Wire const& wire);
     void digests(Wire const& wire);
 
@@ -55,7 +42,7 @@ class Scenario {
     // The last line of turns.
     std::size_t turnsBegin_ = 0;
     std::size_t turnsEnd_ = 0;
-    std::uint64_t turns_ = 0;
+    std::uint32_t turns_ = 0;
 };
 
 }  // namespace Simulate

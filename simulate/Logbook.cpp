@@ -1,4 +1,4 @@
-#include "simulate/Recorder.h"
+#include "simulate/Logbook.h"
 
 #include "Trace/Trace.h"
 
@@ -75,7 +75,7 @@ std::string line(RequestId const& id) {
     return joined(id.clientName().view(), "/", id.number());
 }
 
-void Recorder::traced(std::string_view handle, unsigned level, std::string_view text) {
+void Logbook::traced(std::string_view handle, unsigned level, std::string_view text) {
     note("trace ", handle, " ", level, " ", text);
     if (silence_) {
         breachIs({"silence", joined("there is no tracer, but ", handle, " was called: ", text)});
@@ -95,24 +95,24 @@ std::uint64_t sizeAndDigest(std::uint64_t number) {
 }  // namespace
 
 // A count that the function does not give is whatever its caller had.
-void Recorder::call(SdkSeam::SdkCall const& call) {
+void Logbook::call(SdkSeam::SdkCall const& call) {
     std::string line = joined("sdk ", sdkFunctionName(call.function));
     eachArgument(call, [&line](std::string_view name, auto value) {
         line += joined(" ", name, " ", sizeAndDigest(value));
     });
     bool const counts = call.function == SdkSeam::SdkFunction::getPktCounters;
-    Wire::Answer const answer{call.rc, counts ? call.count : 0};
+    Wire::Answer const answer{call.rc, counts ? call.count : 0, call.function, call.pipe};
     note(line, " -> ", answer.rc, " count ", answer.count);
     wire_.answers.push_back(answer);
 }
 
-void Recorder::breachIs(Breach breach) {
+void Logbook::breachIs(Breach breach) {
     if (!breach_) {
         breach_ = std::move(breach);
     }
 }
 
-void Recorder::published(Vanta::Change const& change) {
+void Logbook::published(Vanta::Change const& change) {
     Node const* const owner = change.publisher.owner();
     if (auto const* status = dynamic_cast<PktGenStatusData const*>(owner)) {
         statusPublished(*status, change.attribute);
@@ -131,8 +131,8 @@ void Recorder::published(Vanta::Change const& change) {
 }
 
 // A new entry starts from the defaults of its type, whatever it has when it is first published.
-void Recorder::presence(Node const* collection, std::string_view what, RequestId const& id,
-                        Node const* entry) {
+void Logbook::presence(Node const* collection, std::string_view what, RequestId const& id,
+                       Node const* entry) {
     note(what, entry != nullptr ? " add " : " del ", line(id));
     auto& there = present_[collection];
     bool const real = entry != nullptr ? there.insert(id).second : there.erase(id) > 0;
@@ -154,8 +154,8 @@ void Recorder::presence(Node const* collection, std::string_view what, RequestId
     }
 }
 
-void Recorder::value(Node const* record, Vanta::AttributeNumber attribute, std::string value,
-                     std::string_view noted) {
+void Logbook::value(Node const* record, Vanta::AttributeNumber attribute, std::string value,
+                    std::string_view noted) {
     note(noted);
     auto& known = values_[record][attribute];
     if (known == value) {
@@ -164,13 +164,13 @@ void Recorder::value(Node const* record, Vanta::AttributeNumber attribute, std::
     known = std::move(value);
 }
 
-void Recorder::statusPublished(PktGenStatusData const& status, Vanta::AttributeNumber attribute) {
+void Logbook::statusPublished(PktGenStatusData const& status, Vanta::AttributeNumber attribute) {
     auto const now = valueOf(status, attribute);
     value(&status, attribute, now, joined("status ", line(status.req()), " ", now));
 }
 
-void Recorder::resultPublished(Result const& result, Vanta::AttributeNumber attribute,
-                               Vanta::ValueRef key) {
+void Logbook::resultPublished(Result const& result, Vanta::AttributeNumber attribute,
+                              Vanta::ValueRef key) {
     auto const now = valueOf(result, attribute);
     if (attribute != Result::egressIntfAttribute) {
         value(&result, attribute, now, joined("result ", line(result.id()), " ", now));
@@ -182,8 +182,8 @@ void Recorder::resultPublished(Result const& result, Vanta::AttributeNumber attr
                  entry.logicalIntf()));
 }
 
-std::optional<Breach> Recorder::unpublished(PktGenConfig const* jobs, PktGenStatus const* answers,
-                                            std::vector<ClientStatus const*> const& results) const {
+std::optional<Breach> Logbook::unpublished(PktGenConfig const* jobs, PktGenStatus const* answers,
+                                           std::vector<ClientStatus const*> const& results) const {
     auto const known = [this](Node const* collection) {
         auto const found = present_.find(collection);
         return found != present_.end() ? found->second : std::set<RequestId>();
