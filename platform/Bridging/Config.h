@@ -10,7 +10,7 @@
 
 namespace Bridging {
 
-// What a VLAN says of one member. The tracer only asks who is a member.
+// What a VLAN says of one member. The tracer only asks which interfaces are members.
 struct VlanPortConfig {};
 
 class VYN_EXPORT VlanConfig final : public Kel::Object {

@@ -21,7 +21,7 @@ class VYN_EXPORT FenCommonSmData final : public Kel::Object {
 
     static Vanta::Ptr<FenCommonSmData> FenCommonSmDataIs();
 
-    // The LAGs; presence of a key says that the interface is one.
+    // The LAGs: an interface that is a key here is one.
     LagToPort const& lagToPort() const noexcept { return lagToPort_; }
     void lagToPortIs(Plexa::IntfId const& lag);
     bool lagToPortDel(Plexa::IntfId const& lag);

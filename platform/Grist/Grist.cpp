@@ -46,7 +46,8 @@ bool isSlabBlock(std::size_t size) {
 
 }  // namespace
 
-// Every allocation passes here first, so a failure that a test asks for changes nothing.
+// Every allocation calls this first, so nothing has changed yet when it fails because a test asked
+// for it.
 void passFailurePoint() {
     if (leftUntilFailure != 0 && --leftUntilFailure == 0) [[unlikely]] {
         throw std::bad_alloc();

@@ -25,7 +25,7 @@ VYN_EXPORT void* allocate(std::size_t size);
 VYN_EXPORT void deallocate(void* block, std::size_t size) noexcept;
 
 // A zeroed block of any size straight from the system, which fills its pages when they are first
-// touched: what a large table is made of, so that making it does not pause.
+// touched. Large tables are made of such blocks, so that making them does not pause.
 // Errors: std::bad_alloc, with nothing changed.
 VYN_EXPORT void* allocateZeroed(std::size_t size);
 
@@ -34,11 +34,11 @@ VYN_EXPORT void deallocateZeroed(void* block) noexcept;
 
 // For tests of failure: has the `count`-th allocation from now on throw std::bad_alloc, once; 0
 // calls that off. Whatever this library hands out counts as one allocation, whether or not the
-// block comes from a slab, so every place where memory can run out is reached by its number.
+// block comes from a slab, so a number reaches every allocation that can fail.
 VYN_EXPORT void failAfterIs(std::uint64_t count) noexcept;
 
 // Counts one allocation that is not this library's and throws std::bad_alloc if it is the one that
-// is to fail: what a test's own operator new calls, so that both count as one row.
+// is to fail. A test's own operator new calls it, so that one count covers both allocators.
 VYN_EXPORT void passFailurePoint();
 
 // Allocations still to come up to the one that fails; 0 if none will.

@@ -4,9 +4,9 @@
 // and the characters '-', '_', '.' and ':'; it is not "." or "..". Paths are only compared: a
 // directory knows nothing of one that is mounted below its own path.
 //
-// Mounts are counted: whoever mounts a path that is mounted gets the same directory, and the path
-// leaves the database with the last unmount. The directory itself lives as long as somebody holds
-// it; mounting its former path makes a new one.
+// Mounts are counted: mounting a path that is mounted gives the same directory, and the path leaves
+// the database with the last unmount. The directory itself lives as long as somebody holds it;
+// mounting its former path makes a new one.
 // Thread: the event thread.
 #pragma once
 
@@ -48,16 +48,16 @@ class VYN_EXPORT Database final : public Kel::Object {
     // A database in which nothing is mounted.
     static Vanta::Ptr<Database> DatabaseIs();
 
-    // The directory of a path, made if nothing is mounted there; one mount more.
+    // The directory of a path, made if nothing is mounted there. Counts one mount more.
     // Errors: PathError; std::bad_alloc; nothing changed.
     Vanta::Ptr<Kel::Dir> mount(Vanta::String const& path);
 
-    // One mount less. False, and nothing changed, if the path is not mounted.
+    // Counts one mount less. False, and nothing changed, if the path is not mounted.
     bool unmount(Vanta::String const& path);
 
     // The mounted paths below `prefix`, in the order in which they were mounted first. "Below" goes
-    // by whole names: "/a/b" is below "/a", "/ab" and "/a" are not. Below "/" and below nothing is
-    // every path.
+    // by whole names: "/a/b" is below "/a", "/ab" and "/a" are not. Every path is below "/" and
+    // below the empty prefix.
     std::vector<Vanta::String> list(std::string_view prefix = {}) const;
 
     Mounts const& mounts() const noexcept { return mounts_; }

@@ -113,8 +113,9 @@ class Collection {
         }
     }
 
-    // Calls `visit` with the key of each entry up to the one that is last when this begins, whoever
-    // adds entries meanwhile. The visit may remove any entry; the key then dangles.
+    // Calls `visit` with the key of each entry up to the one that is last when this begins; entries
+    // that are added meanwhile are not visited. The visit may remove any entry; the key then
+    // dangles.
     template <class Visit>
     void eachKeyUntilLast(Visit const& visit) const {
         std::uint64_t const last = insertions_;
@@ -263,8 +264,8 @@ class Collection<Key, Value, Hash>::Iterator {
     Iterator& operator++() noexcept {
         if (removed_) {
             removed_ = false;
-            // What stood before the removed entry has been visited; with nothing before it, the
-            // walk goes on at the front.
+            // The entries before the removed one have been visited; if there are none, the walk
+            // goes on with the first entry.
             current_ = current_ != nullptr ? current_->next : front();
         } else {
             current_ = current_->next;

@@ -1,8 +1,8 @@
 // A directory of the state database: names and their entities.
 //
 // Every change of the entry collection (added, replaced, removed) is one publication of attribute
-// 266 with the name as key, made after the change. Entries iterate in the order in which their
-// names came; replacing an entity keeps the place. Thread: one only.
+// 266 with the name as key, made after the change. Iteration goes in the order in which the names
+// were added; replacing an entity keeps the position of its name. Thread: one only.
 #pragma once
 
 #include "Kel/Collection.h"

@@ -23,7 +23,7 @@ std::string changeText(std::string_view oldValue, std::string_view newValue) {
     return text.append(oldValue).append(" to ").append(newValue);
 }
 
-// Objects are told apart by who they are, and an address is nothing to read.
+// Objects differ by identity, and an address would tell a reader nothing.
 std::string_view changeText(bool oldIsNull, bool newIsNull) {
     if (newIsNull) {
         return " is null, which differs from the object that it was made with";

@@ -1,5 +1,5 @@
-// The framework's errors. Each names the type, the attribute and the values concerned; the attribute
-// also by the number of the type's reflection table, where there is one.
+// The framework's errors. Each names the type, the attribute and the values concerned. If the
+// type's reflection table has a number for the attribute, the error gives it too.
 #pragma once
 
 #include <exception>
@@ -48,7 +48,8 @@ class VYN_EXPORT ReinstantiationError : public Error {
     // What the entry was made with and what was given now; empty where the attribute is an object.
     std::string const& oldValue() const noexcept { return oldValue_; }
     std::string const& newValue() const noexcept { return newValue_; }
-    // The same of an object, which lives as long as the error; null where the attribute is a value.
+    // The same for an object, which lives as long as the error; null where the attribute is a
+    // value.
     Object const& oldObject() const noexcept { return oldObject_; }
     Object const& newObject() const noexcept { return newObject_; }
 

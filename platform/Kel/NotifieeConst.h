@@ -4,7 +4,8 @@
 //   connected                   registered, notifications active, and there is a notifier
 //   not connected               otherwise
 //
-// The notifiee holds a reference to its notifier; its owner holds it. Thread: one only.
+// The notifiee holds a reference to its notifier; the notifiee itself is held by its owner. Thread:
+// one only.
 #pragma once
 
 #include "Kel/Object.h"
@@ -31,9 +32,9 @@ class NotifieeConst : public Object {
     // A change of the notifier's attribute `attribute`.
     virtual void onAttribute(Vanta::AttributeNumber attribute, Vanta::ValueRef oldValue) = 0;
 
-    // Marks the notifiee as being torn down (true): it then reacts to nothing. If there is a notifier,
-    // the notifications are switched with the mark: off when it comes, and on when it goes, whatever
-    // they were before and whatever the owner's are.
+    // Marks the notifiee as being torn down (true): it then reacts to nothing. If there is a
+    // notifier, setting the mark switches the notifications off and clearing it switches them on,
+    // whatever they were before and whatever the owner's are.
     virtual void kelDoZombieReactors(bool on) {
         if (isZombie() == on) {
             return;
@@ -79,8 +80,8 @@ class NotifieeConst : public Object {
     }
     void dispatch(Vanta::Change const& change) { onAttribute(change.attribute, change.oldValue); }
 
-    // The flag comes first, into the room that the base's flags leave. The subscriber is declared
-    // last: it goes before the notifier whose publisher it is on.
+    // The flag comes first, in the padding behind the base's flags. The subscriber is declared
+    // last, so it is destroyed before the notifier to whose publisher it is subscribed.
     bool registered_ = false;
     Vanta::Ptr<T const> notifier_;
     Vanta::Subscriber subscriber_;

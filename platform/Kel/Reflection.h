@@ -54,7 +54,7 @@ struct TypeInfo {
 };
 
 // Sends a value to a sink. Types of other namespaces bring a reflectValue() of their own.
-// Truth values alone: a pointer does not become one.
+// For bool alone: a pointer is not converted to it.
 template <std::same_as<bool> T>
 void reflectValue(AttributeSink& sink, T value) {
     sink.boolean(value);

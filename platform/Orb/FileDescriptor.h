@@ -16,7 +16,7 @@ class VYN_EXPORT FileDescriptor final : public Kel::Object {
     static constexpr Vanta::AttributeNumber readableAttribute = 132;
 
     // Takes over `descriptor`, which is not announced until notifyOnReadableIs(true).
-    // Errors: std::bad_alloc; the descriptor is the caller's then.
+    // Errors: std::bad_alloc; the caller then still owns the descriptor.
     static Vanta::Ptr<FileDescriptor> FileDescriptorIs(Vanta::Ptr<TaskSchedulerRoot> loop,
                                                        int descriptor, Vanta::String name);
 

@@ -26,11 +26,12 @@ class VYN_EXPORT Task final : public Kel::Object {
     // Scheduling a task that is scheduled changes nothing.
     void schedule();
     bool isScheduled() const noexcept { return scheduled_; }
-    // Takes a schedule back; nothing happens if there is none.
+    // Cancels a scheduled run; nothing happens if there is none.
     void unschedule() noexcept;
     // True inside the run notification.
     bool isRunning() const noexcept { return running_; }
-    // Whether the run under way has had its share; each call counts as one check.
+    // Whether the run under way has used up its checks (TaskSchedulerRoot::yieldAfterIs); each call
+    // counts as one.
     bool shouldYield() noexcept;
 
     TaskPriority priority() const noexcept { return priority_; }

@@ -16,7 +16,7 @@ namespace {
 constexpr unsigned busyTurns = 200;
 constexpr std::chrono::microseconds shortestWait{50};
 constexpr std::chrono::microseconds longestWait{1000};
-// Where the count may stop, since the wait has reached its limit.
+// The count may stop here: the wait has reached its limit.
 constexpr unsigned waitingTurnsCounted = busyTurns + 8;
 
 }  // namespace
@@ -150,7 +150,7 @@ bool TaskSchedulerRoot::runPosted() {
 
 bool TaskSchedulerRoot::announceReadable() {
     bool announced = false;
-    // By index: a descriptor that an announcement destroys stands here as null afterwards.
+    // By index: an announcement may destroy a descriptor, whose entry here then becomes null.
     for (std::size_t i = 0; i < readable_.size(); ++i) {
         if (FileDescriptor* const descriptor = readable_[i];
             descriptor != nullptr && descriptor->isAnnounced()) {

@@ -13,9 +13,9 @@
 //   up to 200             none
 //   more                  50 us, doubling to 1 ms
 //
-// Anything that arrives ends the wait and starts the count anew, and so does a task that ends or
-// that is scheduled by somebody else. With no task scheduled at all the wait lasts until something
-// arrives or the caller's own limit.
+// The wait ends and the count starts anew when anything arrives, and when a task ends or is
+// scheduled by somebody else. With no task scheduled at all the wait lasts until something arrives
+// or the caller's own limit.
 //
 // Threads: post() and stop() from any; everything else from the event thread alone.
 #pragma once

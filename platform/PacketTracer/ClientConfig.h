@@ -1,8 +1,8 @@
 // What one client asks: its requests, by id.
 //
-// A change of the request collection is published with the request's id as key. Replacing a
-// request object under its id is one publication and keeps its place in the order. Thread: the
-// event thread.
+// A change of the request collection is published with the request's id as key. Replacing a request
+// object under its id is one publication and keeps its position in the order. Thread: the event
+// thread.
 #pragma once
 
 #include "Kel/Collection.h"
@@ -26,7 +26,7 @@ class VYN_EXPORT ClientConfig final : public Kel::Object {
     // The request, or null.
     Vanta::Ptr<Request> request(RequestId const& id) const { return request_.get(id); }
 
-    // Puts a request under its id, in place of one that is there. Putting the one that is there
+    // Puts a request under its id and replaces the one that is there. Putting the same object again
     // changes nothing. Errors: Kel::NullArgumentError.
     void requestIs(Vanta::Ptr<Request> request);
     // Removes and returns a request; null, and no publication, if there is none.

@@ -1,7 +1,7 @@
 // What one client was answered: its results, by request id.
 //
-// Creating and removing a result is published with the request's id as key; a status that goes
-// publishes nothing about its results. Thread: the event thread.
+// Creating and removing a result is published with the request's id as key; a status that is
+// destroyed publishes nothing about its results. Thread: the event thread.
 #pragma once
 
 #include "Kel/Collection.h"

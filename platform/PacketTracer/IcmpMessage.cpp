@@ -58,7 +58,8 @@ std::size_t leastIcmpv6BodySize(std::uint8_t type) {
     }
 }
 
-// The datagram whose sender is told of an error is one that it sent to the packet's source.
+// An error message goes to the sender of the datagram that it quotes, so the quoted datagram goes
+// from the packet's destination to its source.
 std::vector<std::uint8_t> quotedDatagram(PacketFields const& fields, std::size_t size) {
     PacketFields quoted;
     quoted.ipSrc = fields.ipDst;

@@ -1,6 +1,6 @@
 // What ICMP and ICMPv6 messages carry behind type, code and checksum.
 //
-// Some types are no legal message without more than the eight bytes of header:
+// Messages of some types are legal only with more than the eight bytes of header:
 //     ICMP 3, 4, 5, 11, 12; ICMPv6 1 to 4   the datagram that the message is about: its IP header
 //                                           and eight bytes
 //     ICMP 13, 14 and 17, 18                three timestamps; an address mask
@@ -24,13 +24,13 @@ namespace PacketTracer {
 // The bytes that a message of this type has at least behind its header. Precondition: IP addresses.
 std::size_t leastIcmpBodySize(PacketFields const& fields) noexcept;
 
-// Those bytes, made up where no payload is given: a datagram between the same two addresses that
-// went the other way; as target and group the packet's own addresses; of all else zeros.
+// Those bytes, made up where no payload is given. A quoted datagram goes between the packet's two
+// addresses, the other way; targets and groups are the packet's own addresses; the rest is zero.
 // Precondition: no fault.
 std::vector<std::uint8_t> leastIcmpBody(PacketFields const& fields);
 
-// The second half of the header: identifier 1 and sequence number 1 of an echo, an MTU of 1280
-// bytes of ICMPv6's "packet too big", zeros of all else. Precondition: no fault.
+// The second half of the header: for an echo identifier 1 and sequence number 1, for ICMPv6's
+// "packet too big" an MTU of 1280 bytes, otherwise zeros. Precondition: no fault.
 std::array<std::uint8_t, 4> icmpHeaderRest(PacketFields const& fields) noexcept;
 
 }  // namespace PacketTracer

@@ -9,7 +9,8 @@ namespace {
 constexpr std::size_t ipv4HeaderSize = 20;
 constexpr std::size_t ipv6HeaderSize = 40;
 
-// The sum behind Internet checksums, of whole 16-bit words; only the last run may be odd.
+// The sum of 16-bit words behind Internet checksums. Of the runs of bytes that are added, only the
+// last may have an odd size.
 class ChecksumSum {
   public:
     void add16(std::uint32_t word) { sum_ += word; }
@@ -41,7 +42,8 @@ std::uint16_t transportChecksum(PacketFields const& fields, std::span<std::uint8
     }
     sum.add(segment);
     std::uint16_t const checksum = sum.checksum();
-    // UDP sends a computed zero as its other representation: zero says that there is no checksum.
+    // UDP sends a computed zero as 0xffff, which sums the same: a zero says that there is no
+    // checksum.
     return fields.protocol == IpProtocol::udp && checksum == 0 ? 0xffff : checksum;
 }
 

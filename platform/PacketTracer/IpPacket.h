@@ -47,9 +47,10 @@ class PacketBytes {
     std::vector<std::uint8_t> bytes_;
 };
 
-// `size` bytes: the headers with lengths and checksums right, the payload, or in its place what an
-// ICMP type demands, then zeros. Precondition: packetFault() has none for the IP part, and `size`
-// holds headers and payload and is no longer than an IP packet can be. Thread: the event thread.
+// `size` bytes: the headers with lengths and checksums right, the payload (without one, what an
+// ICMP type demands), then zeros. Precondition: packetFault() names no fault of the IP part, and
+// `size` holds headers and payload and is no longer than an IP packet can be. Thread: the event
+// thread.
 std::vector<std::uint8_t> ipPacket(PacketFields const& fields, std::size_t size);
 
 }  // namespace PacketTracer

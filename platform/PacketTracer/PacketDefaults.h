@@ -1,9 +1,9 @@
 // What holds where a packet's description says nothing.
 //
-// Two kinds. Some fields need not be given: constructPacket() takes the value that follows from the
-// rest, which the first functions here tell. The others decide where a packet goes, so nothing
-// stands in for them silently: fillDefaults() chooses values and names every field that it filled.
-// Thread: the event thread.
+// There are two kinds of fields. Some need not be given: constructPacket() derives their values
+// from the other fields, as the first functions here do. The others decide where a packet goes, so
+// they never get a value silently: fillDefaults() chooses values and names every field that it
+// filled. Thread: the event thread.
 #pragma once
 
 #include <cstdint>
@@ -21,9 +21,9 @@ namespace PacketTracer {
 VYN_EXPORT std::uint8_t defaultTtl(PacketFields const& fields) noexcept;
 // A connection's first segment.
 inline constexpr std::uint8_t defaultTcpFlags = TcpFlag::syn;
-// The sender is who sends the frame.
+// The frame's source.
 VYN_EXPORT std::optional<MacAddress> defaultArpSenderMac(PacketFields const& fields) noexcept;
-// A request does not know the target (all zero); a reply goes to it.
+// All zero for a request, which does not know its target; the frame's destination for a reply.
 VYN_EXPORT std::optional<MacAddress> defaultArpTargetMac(PacketFields const& fields) noexcept;
 
 // What is known of the switch and the ingress interface. Nothing of it need be given.
@@ -36,12 +36,13 @@ struct PacketHints {
 };
 
 // Fills in what is missing, so that a legal frame can be built which a router would forward, and
-// names what it filled, in namedFields()' order. What is given stays, also what contradicts itself,
-// and a port without TCP or UDP stays without.
+// returns the fields that it filled, in namedFields()' order. Given fields stay as they are, also
+// if they contradict one another; a port that is given without TCP or UDP leaves the protocol
+// missing.
 //
-// What kind of packet: what the addresses say, else what `etherType` says, else (it is 0, not
-// given) IPv6 with ICMPv6 and IPv4 without. A field of IP makes it IPv4 under a foreign EtherType
-// too.
+// The kind of packet follows from the addresses, else from `etherType`. If neither is given
+// (`etherType` 0), it is IPv6 with ICMPv6 and otherwise IPv4. A field of IP makes it IPv4 even if
+// `etherType` is another one.
 //
 //     eth-dst          of a multicast or broadcast IP packet its group; of another the hint, else
 //                      02:00:00:00:00:02; of an ARP reply its target; of all else broadcast

@@ -13,7 +13,7 @@ constexpr Fault none;
 
 using Rule = Fault (*)(PacketFields const& fields);
 
-// Each rule may take for granted what those before it demand.
+// Each rule may rely on the rules before it.
 Fault firstFault(PacketFields const& fields, std::initializer_list<Rule> rules) {
     for (Rule const rule : rules) {
         if (Fault const fault = rule(fields); !fault.empty()) {

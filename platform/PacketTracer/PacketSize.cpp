@@ -42,7 +42,7 @@ std::uint64_t headerSize(PacketFields const& fields) noexcept {
 std::uint64_t contentSize(PacketFields const& fields) noexcept {
     std::uint64_t const headers = headerSize(fields);
     if (fields.arp) {
-        return headers;  // ARP ends where it ends: what is longer is padding
+        return headers;  // ARP has a fixed size: the rest is padding
     }
     return fields.payload.empty() ? std::max<std::uint64_t>(headers, fields.length.value_or(0))
                                   : headers + fields.payload.size();

@@ -1,6 +1,6 @@
 // How long the frame is that a packet's fields describe.
 //
-// Of fields that packetFault() refuses the sizes mean nothing. Thread: the event thread.
+// The sizes mean nothing for fields that packetFault() refuses. Thread: the event thread.
 #pragma once
 
 #include <cstdint>

@@ -1,9 +1,9 @@
 // One question: where would this packet go, if it came in on this interface?
 //
 // The client fills a request in and then sets `valid`. The packet is given either as a whole frame
-// or by its fields; where both are there, the frame holds, and where neither is, as in a new
-// request, there is no packet to be built. Every setter stores and publishes a change only when the
-// value differs. Thread: the event thread.
+// or by its fields. If both are there, the frame counts; if neither is, as in a new request, no
+// packet can be built. Every setter stores and publishes a change only when the value differs.
+// Thread: the event thread.
 #pragma once
 
 #include <cstdint>
@@ -42,7 +42,8 @@ class VYN_EXPORT Request final : public Kel::Object {
     bool valid() const noexcept { return valid_; }
     void validIs(bool valid);
 
-    // The packet's EtherType, the innermost one; beside fields that have addresses 0 will do.
+    // The packet's EtherType, the innermost one; it may be 0 if there are fields that have
+    // addresses.
     std::uint16_t etherType() const noexcept { return etherType_; }
     void etherTypeIs(std::uint16_t etherType);
 
@@ -60,8 +61,8 @@ class VYN_EXPORT Request final : public Kel::Object {
     Vanta::Bytes const& frame() const noexcept { return frame_; }
     void frameIs(Vanta::Bytes frame);
 
-    // The fields, or null. They last until they are replaced; nothing as argument takes them away.
-    // The old value that is published is a PacketFields, none if there were none.
+    // The fields, or null; valid until they are replaced. std::nullopt as argument removes them.
+    // The old value that is published is a PacketFields, or empty if there were no fields.
     PacketFields const* fields() const noexcept { return fields_.get(); }
     void fieldsIs(std::optional<PacketFields> fields);
 
@@ -79,7 +80,7 @@ class VYN_EXPORT Request final : public Kel::Object {
     RequestId id_;
     Plexa::IntfId intf_;
     Vanta::Bytes frame_;
-    std::unique_ptr<PacketFields const> fields_;  // apart: most requests have a frame
+    std::unique_ptr<PacketFields const> fields_;  // on the heap: most requests have a frame
     std::uint16_t etherType_ = 0;
     bool valid_ = false;
     bool mpls_ = false;

@@ -66,7 +66,7 @@ class VYN_EXPORT Result final : public Kel::Object {
     explicit Result(RequestId id) : id_(std::move(id)) {}
     ~Result() override = default;
 
-    // The small ones first, into the room that the base's flags leave.
+    // The small members come first, in the padding behind the base's flags.
     State state_ = State::initial;
     bool valid_ = false;
     RequestId id_;

@@ -38,7 +38,8 @@ class VYN_EXPORT IntfId {
     // The id of a name; nothing for a text that is no name. The empty text is the empty id.
     static std::optional<IntfId> fromName(std::string_view name) noexcept;
 
-    // Initialises this id from a name and returns true; false, and unchanged, for any other text.
+    // Sets this id from a name and returns true; for any other text returns false and changes
+    // nothing.
     bool nameIs(std::string_view name) noexcept;
 
     constexpr Kind kind() const noexcept { return static_cast<Kind>(high_ >> kindShift); }

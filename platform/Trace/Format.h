@@ -26,8 +26,8 @@ constexpr std::size_t countPlaces(std::string_view text) noexcept {
     return count;
 }
 
-// Not constexpr on purpose: a format whose "%s" do not match its values calls it while being
-// compiled, which the compiler refuses, naming it.
+// Not constexpr on purpose: a format whose "%s" do not match its values calls this function at
+// compile time. The compiler refuses that, and its message names the function.
 inline void formatDoesNotMatchItsValues() {}
 
 template <std::size_t valueCount>
@@ -48,8 +48,8 @@ class Format {
     char const* text_;
 };
 
-// Appends `format` with each "%s" replaced in order by `values`; what is missing leaves nothing,
-// what is left over follows at the end, separated by blanks.
+// Appends `format` with each "%s" replaced in order by `values`; a "%s" without a value becomes
+// nothing; values without a "%s" follow at the end, separated by blanks.
 // Errors: std::bad_alloc, and what a value's writer throws.
 VYN_EXPORT void appendFormatted(std::string& text, std::string_view format,
                                 std::span<Value const> values);

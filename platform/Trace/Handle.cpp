@@ -34,7 +34,7 @@ std::string settingError(std::string_view setting, std::size_t column) {
            "\": expected NAME/LEVELS, for example VynPtSm/0-4+7 or VynPt*/*";
 }
 
-// Empty settings, as a comma too many leaves them, mean nothing.
+// An empty setting, which a superfluous comma leaves, is ignored.
 Parsed parseSettings(std::string_view text) {
     Parsed parsed;
     for (std::size_t start = 0, end = 0; start <= text.size(); start = end + 1) {

@@ -10,7 +10,7 @@
 // is a list of settings joined by commas; each is a handle's name, a slash and levels as
 // LevelSet::parse reads them. A name that ends in "*" stands for every name that starts so, "*"
 // alone for all. Settings add up. A setting that cannot be read is reported on standard error with
-// its place, and left out.
+// its position in the list, and left out.
 //
 // Threads: everything here may be called from any thread at any time.
 #pragma once

@@ -2,7 +2,7 @@
 //
 // A level is 0 to 9. The modules use 1 for chip errors, 2 for an abandoned request, 4 for notable
 // engine events, 5 for reception on the chip's thread, 7 for the normal flow, 9 for refusals,
-// anomalies and frequent polling; higher says more often.
+// anomalies and frequent polling; a higher level is used more often.
 #pragma once
 
 #include <cstdint>

@@ -8,10 +8,10 @@
 
 namespace Trace {
 
-// One such listener, for as long as it lives. Several may live at a time: the newest is told first,
-// and they may go in any order. It is told on the statement's thread, of all levels; a statement
-// inside a tap reaches no tap. Thread: made and gone while no other thread traces, and not while a
-// tap is being told.
+// One such listener, as long as the object lives. Several may live at a time: the newest is told
+// first, and they may be destroyed in any order. It is told on the statement's thread, of all
+// levels; a statement inside a tap reaches no tap. Thread: made and destroyed while no other thread
+// traces, and not while a tap is being told.
 class VYN_EXPORT Tap {
   public:
     // `text` is the whole message without time, handle and level; it ends with the call.

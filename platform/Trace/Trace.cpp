@@ -21,7 +21,8 @@ class ErrnoKept {
     int const before_ = errno;
 };
 
-// For who reads a text, besides the ring. Apart, so that the road to the ring alone needs no stack.
+// For the readers of texts, besides the ring. A function of its own, so that a statement that only
+// the ring reads needs no stack for it.
 [[gnu::noinline]] void emitText(Handle const& handle, unsigned level, char const* format,
                                 std::span<Value const> values) {
     bool const asText = handle.textLevels().has(level);

@@ -10,8 +10,8 @@
 //         });
 //     }
 //
-// A Value borrows: a text's characters and a written object outlive the statement, which is all
-// that a statement needs. Nothing is formatted until a Value is appended to a text.
+// A Value borrows: a text's characters and a written object must outlive the statement, and need
+// not live longer. Nothing is formatted until a Value is appended to a text.
 #pragma once
 
 #include <array>
@@ -121,7 +121,7 @@ constexpr Value traceValue(std::string_view text) noexcept {
     return Value::text(text);
 }
 
-// What shows itself as a text through view(), such as Vanta::String, is a text.
+// A type that gives its characters through view(), such as Vanta::String, is a text.
 template <class T>
 requires requires(T const& value) {
     { value.view() } -> std::same_as<std::string_view>;

@@ -18,11 +18,11 @@ namespace Vanta {
 template <class Hook>
 class HookChain;
 
-// What is done when the process ends, for as long as it lives. Several may live at a time, and they
-// may go in any order. The newest runs first; when it returns, the next one runs, and after the
-// last of them the process writes one line to standard error (none for a failed assertion, which
-// wrote its own) and aborts. Thread: made and gone before other threads run, or after; run on the
-// thread that ends.
+// What is done when the process ends, as long as this object lives. Several may live at a time, and
+// they may be destroyed in any order. The newest runs first; when it returns, the next one runs,
+// and after the last of them the process writes one line to standard error (none for a failed
+// assertion, which wrote its own) and aborts. Thread: made and destroyed before other threads run,
+// or after; run on the thread that ends the process.
 class VYN_EXPORT LastStep {
   public:
     // Is given the error's class name without namespace ("assert" for a failed assertion) and its

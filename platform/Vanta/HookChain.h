@@ -1,5 +1,6 @@
-// The hooks of one kind that stand in this process, newest first. A kind has one HookChain, an object
-// of static storage; its hooks are objects of scopes, which put themselves in and take themselves out.
+// The hooks of one kind in this process, newest first. A kind has one HookChain, an object of
+// static storage. A hook is an object that adds itself to the chain when it is made and removes
+// itself when it is destroyed.
 #pragma once
 
 #include <atomic>
@@ -18,7 +19,7 @@ class HookChain {
         hook.older_ = first();
         newest_.store(&hook, std::memory_order_release);
     }
-    // Takes a hook out, wherever in the chain it stands.
+    // Removes a hook from any position in the chain.
     void remove(Hook& hook) noexcept {
         if (first() == &hook) {
             newest_.store(hook.older_, std::memory_order_release);

@@ -18,14 +18,14 @@ Node::Node() noexcept {
 }
 
 Node::~Node() {
-    // The reference of destroy(), or of a birth that a constructor's exception ended.
+    // The reference that destroy() sets, or the birth reference if a constructor threw.
     assertThat(count_ == 1, "count_ == 1");
     --live;
 }
 
 void Node::destroy() const noexcept {
-    // A reference of its own while it is being destroyed: one that a destructor takes and drops
-    // does not destroy it a second time.
+    // The node holds a reference to itself while it is being destroyed, so a reference that a
+    // destructor takes and drops does not destroy it a second time.
     count_ = 1;
     delete this;
 }

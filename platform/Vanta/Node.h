@@ -4,7 +4,7 @@
 // out references to the node under construction. Only the last release destroys.
 //
 // Invariants of a node's count:
-//   - it is at least one while anybody holds the node, and one at most after a constructor threw;
+//   - it is at least one while anybody holds the node, and at most one after a constructor threw;
 //   - during destruction references may be taken and dropped again, but none may be left: a node
 //     whose destructor finishes with a reference outstanding stops the process.
 //

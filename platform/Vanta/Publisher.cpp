@@ -7,7 +7,7 @@
 namespace Vanta {
 
 // A delivery under way, on the stack of publish(). Unsubscribing moves `next` past the subscriber
-// that goes, so that none is left when the publisher has gone.
+// that unsubscribes; a publisher that is destroyed unsubscribes all, so `next` is then null.
 struct Publisher::Delivery {
     Subscriber* next;
     Delivery* outer;

@@ -2,16 +2,17 @@
 //
 // Rules of delivery:
 //   1. Subscribers are called in the order in which they subscribed.
-//   2. A subscriber that goes during delivery is not called any more.
-//   3. A subscriber that arrives during delivery is not called for that publication.
-//   4. The publisher may go during delivery; the rest of the subscribers are then not called.
+//   2. A subscriber that unsubscribes during delivery is not called any more.
+//   3. A subscriber that subscribes during delivery is not called for that publication.
+//   4. The publisher may be destroyed during delivery; the rest of the subscribers are then not
+//      called.
 //   5. A subscriber may publish again through the same publisher; the inner publication is
 //      delivered whole before the outer one goes on.
 //   6. The taps (Vanta/Tap.h), if there are any, are told before any subscriber.
 //   7. An exception that leaves a subscriber ends the process (Vanta/Assert.h).
 //
-// Neither publishing nor subscribing nor unsubscribing allocates or counts a reference. No
-// subscriber is kept alive by its subscription, nor is the publisher.
+// Publishing, subscribing and unsubscribing neither allocate nor count references. A subscription
+// keeps neither its subscriber nor the publisher alive.
 // Thread: one only.
 #pragma once
 
@@ -42,7 +43,7 @@ struct Change {
 
 using Dispatch = void (*)(void* context, Subscriber& subscriber, Change const& change);
 
-// The source of changes of one object. It is a member of the object that it speaks for.
+// The source of changes of one object, of which it is a member.
 class VYN_EXPORT Publisher {
   public:
     // `owner` is the object that the publications are about, for the taps.
@@ -68,7 +69,7 @@ class VYN_EXPORT Publisher {
     mutable std::uint64_t subscriptions_ = 0;
 };
 
-// One subscription, owned by whoever is to be called. Its destructor unsubscribes.
+// One subscription, owned by the object that is to be called. Its destructor unsubscribes.
 class VYN_EXPORT Subscriber {
   public:
     Subscriber() noexcept = default;
@@ -76,7 +77,7 @@ class VYN_EXPORT Subscriber {
     Subscriber& operator=(Subscriber const&) = delete;
     ~Subscriber() { unsubscribe(); }
 
-    // Subscribes `dispatch` to the publisher. A subscription that exists is given up first.
+    // Subscribes `dispatch` to the publisher. An existing subscription is ended first.
     void subscribe(Publisher const& publisher, Dispatch dispatch, void* context) noexcept;
 
     // The same with a member function, called for changes of one attribute or of all:
@@ -99,7 +100,7 @@ class VYN_EXPORT Subscriber {
     // Ends the subscription; nothing happens if there is none.
     void unsubscribe() noexcept;
 
-    // True while subscribed. It becomes false by itself when the publisher goes.
+    // True while subscribed. It becomes false by itself when the publisher is destroyed.
     bool subscribed() const noexcept { return publisher_ != nullptr; }
 
   private:

@@ -8,8 +8,8 @@
 namespace Vanta {
 namespace {
 
-// Eight bytes a step; names and frames are short, and equal values are rare enough that a good
-// mix of every byte matters more than the last nanosecond.
+// Eight bytes a step. Names and frames are short, and equal values are rare, so a good mix of every
+// byte matters more than the last nanosecond.
 std::uint64_t hashOf(unsigned char const* data, std::size_t size) noexcept {
     std::uint64_t hash = 0x9e3779b97f4a7c15ULL ^ size;
     while (size > 0) {

@@ -7,9 +7,9 @@
 
 namespace Vanta {
 
-// One such listener, for as long as it lives. Several may live at a time: the newest is told first,
-// and they may go in any order. Without one a publication costs a branch.
-// Thread: the publishers'. No tap comes or goes while a tap is being told.
+// One such listener, as long as the object lives. Several may live at a time: the newest is told
+// first, and they may be destroyed in any order. Without one a publication costs a branch.
+// Thread: the publishers'. No tap is made or destroyed while a tap is being told.
 class VYN_EXPORT Tap {
   public:
     // It must not throw.

@@ -2,7 +2,8 @@
 //
 // The tracer names an interface with configIs(); the chip computes the answer on the event thread
 // and delivers it in a later turn, in the order of the requests. configDel() takes effect before it
-// returns: an answer under way is thrown away, and an entry that goes is announced in a later turn.
+// returns: an answer under way is discarded, and the removal of an entry is announced in a later
+// turn.
 //
 //   request     response entry   left by
 //   none        none             configIs()
@@ -55,7 +56,7 @@ class VYN_EXPORT Phase0DataIntf : public Kel::Object {
     Phase0DataIntf() = default;
     ~Phase0DataIntf() override = default;
 
-    // For the chip. Puts an entry, in place of one that is there, without publishing.
+    // For the chip. Puts an entry and replaces one that is there, without publishing.
     void responseIs(Plexa::IntfId const& intf, Phase0DataResponse response);
     // Removes an entry without publishing; false if there was none.
     bool responseDel(Plexa::IntfId const& intf) { return response_.remove(intf).has_value(); }
