@@ -51,7 +51,7 @@ void NestedSm_Request::notifierIs(Vanta::Ptr<PacketTracer::Request const> const&
 
 void NestedSm_Request::kel_handleRequest_valid() {
     if (owner_ != nullptr) {
-        // Whoever hears of a job or result may remove the client.
+        // A subscriber that hears of a job or result may remove the client.
         Vanta::Ptr<PacketTracerClientSm> const alive(owner_);
         alive->handleRequest(key());
     }
@@ -145,8 +145,8 @@ void PacketTracerClientSm::kelDoZombieReactors(bool on) {
     }
 }
 
-// The request is handled before its reactor is made or removed, and a new reactor does not react:
-// so a new request is handled exactly once by its arrival.
+// The request is handled before its reactor is made or removed, and a new reactor does not react.
+// So the arrival of a request handles it exactly once.
 void PacketTracerClientSm::clientConfigDispatch(Vanta::Publisher const&, Vanta::Subscriber&,
                                                 Vanta::AttributeNumber attribute,
                                                 Vanta::ValueRef key, Vanta::ValueRef) {
@@ -173,7 +173,7 @@ void PacketTracerClientSm::requestIs(Vanta::Ptr<PacketTracer::Request const> con
     if (!packetRequest) {
         throw Kel::NullArgumentError("PacketTracerClientSm", "request");
     }
-    // Whoever hears of a job or result may remove the client, or the reactor.
+    // A subscriber that hears of a job or result may remove the client, or the reactor.
     Vanta::Ptr<PacketTracerClientSm> const alive(this);
     RequestId const requestId = packetRequest->id();
     Vanta::Ptr<NestedSm_Request> reactor = request(requestId);
@@ -195,7 +195,7 @@ void PacketTracerClientSm::requestDel(RequestId const& requestId) {
     if (auto const reactor = request(requestId)) {
         reactor->hasNotificationActiveIs(false);
         reactor->kelDoZombieReactors(true);
-        // Whoever still holds the reactor may call it when the owner has gone.
+        // Another holder of the reactor may call it after the owner was destroyed.
         reactor->ownerDel();
         request_.remove(requestId);
     }

@@ -12,8 +12,8 @@
 //
 // The result of an accepted request is written when the engine reports.
 //
-// Jobs and results outlive the state machine; whoever removes a client withdraws its requests
-// first.
+// Jobs and results outlive the state machine, so a client's requests are withdrawn before the
+// client is removed.
 //
 //   state          entered by                         left by
 //   made           PacketTracerClientSmIs             its end
@@ -48,12 +48,12 @@ namespace VynPacketTracer {
 class PacketTracerClientSm;
 
 // The reactor on one request: it has the request handled again when its `valid` changes, or when
-// the request object under its id is another one. One that is removed inside its own call stays as
-// it was removed: silent, torn down and without an owner.
+// another request object is put under its id. A reactor that is removed inside its own call stays
+// removed: silent, torn down and without an owner.
 class VYN_EXPORT NestedSm_Request final : public Kel::NotifieeConst<PacketTracer::Request> {
   public:
-    // Watches `request`, not yet registered, without reacting. The owner is not counted. Both may be
-    // null.
+    // Watches `request`, not yet registered, without reacting. The owner is not counted. Both may
+    // be null.
     NestedSm_Request(Vanta::Ptr<PacketTracer::Request const> const& request,
                      PacketTracerClientSm* owner);
 
@@ -89,11 +89,11 @@ class VYN_EXPORT PacketTracerClientSm final : public Kel::Object {
 
     // What a state machine is made with. Its references are released from the last to the first.
     //
-    // Without a `clientConfig` there are no requests, and without a `pktGenConfig` every answer is
-    // one without a job. Preconditions: `clientStatus` is not null, which the construction checks;
-    // `pktGenConfig` and `systemStatus` are not where a request is handled, nor `systemStatus`,
-    // `fcsd`, `bridgingConfig` and `chipStatus` where an egress is resolved. An operation checks
-    // what it works with.
+    // Without a `clientConfig` there are no requests, and without a `pktGenConfig` every answer
+    // counts as one without a job. Preconditions: `clientStatus` is never null, which the
+    // construction checks; `pktGenConfig` and `systemStatus` are not null where a request is
+    // handled; `systemStatus`, `fcsd`, `bridgingConfig` and `chipStatus` are not null where an
+    // egress is resolved. An operation checks the ones that it uses.
     struct Arguments {
         Vanta::String name;
         Vanta::Ptr<PacketTracer::ClientConfig const> clientConfig;
@@ -118,13 +118,13 @@ class VYN_EXPORT PacketTracerClientSm final : public Kel::Object {
 
     // Connects (true) or disconnects the observation of the client's configuration and requests.
     void hasNotificationActiveIs(bool on);
-    // Marks this object and its reactors as being torn down (true): they then react to nothing. Taking
-    // the mark away switches the reactors' notifications on, also where this object's are off.
+    // Marks this object and its reactors as being torn down (true): they then react to nothing.
+    // Clearing the mark switches the reactors' notifications on, also if this object's are off.
     void kelDoZombieReactors(bool on);
 
-    // Removes stale results, then handles every request. The construction calls it once; called again
-    // it does the same again, which changes nothing for accepted requests that are as they were.
-    // Errors: those of handleRequest().
+    // Removes stale results, then handles every request. The construction calls it once; called
+    // again it does the same again, which changes nothing for accepted requests that are as they
+    // were. Errors: those of handleRequest().
     void handleInitialized();
     // Reacts to a change that the configuration published. Of the change only the attribute and the
     // key are read: the request of that id is handled, then its reactor is made or removed. Every
@@ -158,8 +158,8 @@ class VYN_EXPORT PacketTracerClientSm final : public Kel::Object {
     // whose packet, port or interface changed while its job exists raises the reinstantiation
     // errors of PktGenConfig::cfgIs.
     void handleRequest(PacketTracer::RequestId const& requestId);
-    // Whether the chip can trace such a packet at all: neither MPLS nor GRE. Precondition: the request
-    // is not null.
+    // Whether the chip can trace such a packet at all: neither MPLS nor GRE. Precondition: the
+    // request is not null.
     bool isValidRequest(Vanta::Ptr<PacketTracer::Request const> const& packetRequest) const;
 
     // ---- Results out
@@ -167,20 +167,21 @@ class VYN_EXPORT PacketTracerClientSm final : public Kel::Object {
     // Removes every result whose request is not in the configuration.
     void handleResults();
     // Writes the result of a status entry that is ready; ignores one that is not. Errors:
-    // Kel::RangeError for a flood in a domain above 4094, and for a packet that was routed to a port
-    // that is known in a domain of 0 or above 4094. The result is there then, with its state and
-    // `valid` not set; that of a routed packet has the port's entries. Precondition: the entry is not
-    // null.
+    // Kel::RangeError for a flood in a domain above 4094, and for a packet that was routed to a
+    // known port in domain 0 or a domain above 4094. The result then exists, but neither its state
+    // nor `valid` is set; for a routed packet it has the port's entries. Precondition: the entry is
+    // not null.
     void updateResult(Vanta::Ptr<PktGenStatusData const> const& status);
     // Adds the entries of one egress interface: a LAG, a sub-interface, a LAG's member, a port.
     // Precondition, here and below: the result is not null.
     void updatePortInfoResult(Plexa::IntfId intfId, Vanta::Ptr<PacketTracer::Result> const& result);
     // Adds the entries of a flood in the status entry's VLAN, but for the ingress interface, and
-    // sets the state. Errors: Kel::RangeError for a domain above 4094; the result is then unchanged.
-    // Precondition: the entry is not null.
+    // sets the state. Errors: Kel::RangeError for a domain above 4094; the result is then
+    // unchanged. Precondition: the entry is not null.
     void pktFlooded(Vanta::Ptr<PktGenStatusData const> const& status,
                     Vanta::Ptr<PacketTracer::Result> const& result, Plexa::IntfId ingIntf);
-    // Pairs each physical interface of the result, those of sub-interfaces aside, with the VLAN's.
+    // Pairs each physical interface of the result, except those of sub-interfaces, with the VLAN's
+    // interface.
     void addVlanIntf(Vanta::Ptr<PacketTracer::Result> const& result, std::uint16_t vlanId);
     // The interface named "Cpu".
     static Plexa::IntfId cpuIntfId();
@@ -221,8 +222,9 @@ class VYN_EXPORT PacketTracerClientSm final : public Kel::Object {
     Requests const& allRequests() const noexcept { return request_; }
 
     Arguments const made_;
-    // The members go from the last to the first: when the construction fails, the subscription ends,
-    // then the reactors go, then the references, as in the destructor.
+    // Members are destroyed from the last to the first. So a construction that fails ends the
+    // subscription, then destroys the reactors, then releases the references, as the destructor
+    // does.
     Requests request_;
     Vanta::Subscriber clientConfigSubscriber_;
 };

@@ -42,7 +42,7 @@ void PacketTracerClientSm::updateResult(Vanta::Ptr<PktGenStatusData const> const
     auto const result = made_.clientStatus->resultIs(req);
     std::uint16_t const portIndex = status->egrPortInfo().port().value();
     if (!made_.pktGenConfig || !made_.pktGenConfig->cfgHas(req)) {
-        // It is the job that is missing; the text says something else and stays.
+        // What is missing is the job. The text, which says something else, must stay as it is.
         Trace::twinlog(trace, 9, "updateResult:client:%s reqId:%s invalid portIndex:%s",
                        req.clientName(), req.number(), portIndex);
         result->stateIs(State::noEgress);
@@ -79,8 +79,8 @@ void PacketTracerClientSm::updateUnicastResult(PktGenStatusData const& status,
     result->stateIs(State::egressFound);
 }
 
-// A routed packet is reported on its VLAN interface if the VLAN has one, which the CPU's membership
-// tells, and is not the internal VLAN of a routed port or sub-interface.
+// A routed packet is reported on its VLAN interface if the VLAN has one (the CPU is then a member)
+// and is not the internal VLAN of a routed port or sub-interface.
 bool PacketTracerClientSm::isRoutedVlanReported(std::uint16_t egrL2Domain) const {
     Vanta::assertThat(made_.bridgingConfig != nullptr, "bridgingConfig != nullptr");
     auto const vlan = made_.bridgingConfig->vlanConfig(Bridging::VlanId(egrL2Domain));

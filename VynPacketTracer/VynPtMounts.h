@@ -1,4 +1,4 @@
-// What the plug-in needs mounted of the state database.
+// The parts of the state database that the plug-in needs mounted.
 #pragma once
 
 #include "Kel/Dir.h"
@@ -7,9 +7,9 @@
 
 namespace VynPacketTracer {
 
-// The two directories, without their paths: where they live, and mounting them, is the agent's.
-// Setting the directory that is held already changes nothing; nothing is ever published. The
-// record goes with `status` first, then `config`. Thread: the event thread.
+// The two directories, without their paths: the agent chooses the paths and mounts them. Setting
+// the directory that is held already changes nothing; nothing is ever published. The destructor
+// releases `status` first, then `config`. Thread: the event thread.
 class VYN_EXPORT VynPacketTracerMounts final : public Kel::Object {
   public:
     static Vanta::Ptr<VynPacketTracerMounts> VynPacketTracerMountsIs();

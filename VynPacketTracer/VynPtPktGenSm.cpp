@@ -54,7 +54,7 @@ PktGenSm::PktGenSm(Arguments args) : args_(std::move(args)) {
     try {
         handleInitialized();
     } catch (...) {
-        // The chip must not call an engine that never was.
+        // The chip must not call an engine whose construction failed.
         doCleanup();
         throw;
     }
@@ -119,7 +119,7 @@ void PktGenSm::scheduleTask() {
 
 // ---- The reactors
 
-// Without a look at the flag: a new engine reacts although nobody has switched it on.
+// Does not look at the old flag: a new engine reacts although nobody has switched it on.
 void PktGenSm::hasNotificationActiveIs(bool on) {
     notificationActiveFlagIs(on);
     if (on) {
@@ -267,7 +267,8 @@ bool PktGenSm::workOnState(bool& done) {
 
 bool PktGenSm::processRequest() {
     Trace::twinlog(trace, 7, "processRequest:");
-    // The first of the jobs, in their order, that has no answer; found without a walk past the others.
+    // The first of the jobs, in their order, that has no answer; found without a walk past the
+    // others.
     auto const pending = args_.config->firstPending(*args_.status);
     if (!pending) {
         return true;

@@ -17,14 +17,14 @@
 //   a phase-0 answer of another status    error             phase0DataReady from waitPhase0Data
 //   the withdrawal of the job in work     error             idle stays, and the answer is deleted
 //
-// No wait has a limit and a job that failed is tried again for as long as it exists. The trace digest
-// is handled whatever the state: it completes the answer that carries its packet id, whenever it
-// comes.
+// No wait has a limit and a job that failed is tried again for as long as it exists. The trace
+// digest is handled whatever the state: it completes the answer that carries its packet id,
+// whenever it comes.
 //
-// An engine that is released inside its own run (nobody but its dispatchers holds it any more) stops
-// there: it calls the chip no more, asks for no phase-0 data, and changes, schedules and traces
-// nothing. What it still does is to withdraw the phase-0 request of a job that it was sending. Its
-// other reactors finish what they do. An engine that somebody else holds goes on.
+// An engine that is released inside its own run (nobody but its dispatchers holds it any more)
+// stops there: it calls the chip no more, asks for no phase-0 data, and changes, schedules and
+// traces nothing. What it still does is to withdraw the phase-0 request of a job that it was
+// sending. Its other reactors finish what they do. An engine that somebody else holds goes on.
 //
 // Threads: the event thread, but for rcvPktTracerLearningDigest, which runs on the SDK's thread and
 // reads nothing but what was fixed before it was registered.
@@ -83,7 +83,8 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
     // A running engine. Without `pktTracerSupported` it has no digest channel. Ends the process if
     // the socket pair cannot be made or the digest cannot be registered. Errors: std::bad_alloc,
     // and what the layout or the resources raise; nothing is then left behind.
-    // Preconditions: no argument is null but `resourceInfoIntf`, which only the digest channel asks.
+    // Preconditions: no argument is null but `resourceInfoIntf`, which only the digest channel
+    // asks.
     static Vanta::Ptr<PktGenSm> PktGenSmIs(
         Vanta::Ptr<PktGenConfig> const& config,
         Vanta::Ptr<VynSdk::Phase0DataIntf> const& phase0DataIntf,
@@ -94,11 +95,11 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
         Vanta::Ptr<Orb::TaskSchedulerRoot> const& rootScheduler);
     static Vanta::Ptr<PktGenSm> PktGenSmIs(Arguments args);
 
-    // Connects (true) or disconnects all four reactors: jobs, phase-0 answers, task, digest socket. A
-    // new engine is connected. Connecting makes up for nothing that went unheard: a job that came
+    // Connects (true) or disconnects all four reactors: jobs, phase-0 answers, task, digest socket.
+    // A new engine is connected. Connecting does not catch up with what was missed: a job that came
     // waits for a run that something else schedules, a withdrawn one keeps its answer, a phase-0
-    // answer that was awaited stays awaited, and a run that came up is lost. Digests alone are kept, in
-    // the socket.
+    // answer that was awaited stays awaited, and a run that was due is lost. Only digests are kept,
+    // in the socket.
     void hasNotificationActiveIs(bool on);
 
     // Marks the engine as torn down (true) or not: torn down, its reactors ignore what they hear.
@@ -106,8 +107,8 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
 
     // ---- The reactors
 
-    // The job of a request came, or went: deletes the answer of one that went, unless it is in work,
-    // which is an error. Schedules the task.
+    // The job of a request came, or went. Deletes the answer of one that went, unless the job is in
+    // work, which is an error. Schedules the task.
     void handleConfig(PacketTracer::RequestId const& requestId);
     // The phase-0 answer for an interface came, or went. Schedules the task.
     void processPhase0DataResponse(Plexa::IntfId const& intfId);
@@ -121,18 +122,18 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
 
     // ---- The steps of one job
 
-    // Begins with the first job without an answer; true when there is none.
+    // Begins the first job without an answer; true when there is none.
     bool processRequest();
 
     // Precondition of each of these: there has been a job, `curCfg`.
     //
     // Asks for the phase-0 data of the job's interface.
     void getPhase0Data();
-    // Reads the generator's counter in the job's pipe; 0 on success, as the chip says it.
+    // Reads the generator's counter in the job's pipe. Returns the chip's status, 0 on success.
     p4_pd_status_t getPktCounters(std::uint64_t& count);
     // Injects the job's packet, makes its answer, and withdraws the phase-0 request.
     void sendPkt();
-    // Looks whether the counter has moved since.
+    // Looks whether the counter has moved since the injection.
     void checkPktCnt();
     // Switches the generator off.
     void disablePktGen();
@@ -143,14 +144,14 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
 
     // Sets the engine up, once: a second call only traces that it was made.
     void handleInitialized();
-    // Makes the digest's socket pair; an engine that has one keeps it. Ends the process if the system
-    // refuses. Errors: std::bad_alloc, std::system_error; there is no socket pair then.
+    // Makes the digest's socket pair; an engine that has one keeps it. Ends the process if the
+    // system refuses. Errors: std::bad_alloc, std::system_error; there is no socket pair then.
     void initSocket();
-    // Has the chip call rcvPktTracerLearningDigest with the trace digest; a digest that is registered
-    // stays so. Ends the process if the program does not have the digest or the chip refuses.
-    // Preconditions: `resourceInfoIntf` is not null; there is a socket pair.
+    // Has the chip call rcvPktTracerLearningDigest with the trace digest; a digest that is
+    // registered stays so. Ends the process if the program does not have the digest or the chip
+    // refuses. Preconditions: `resourceInfoIntf` is not null; there is a socket pair.
     void registerPktTracerDigest();
-    // Ends that; nothing happens if there is nothing to end.
+    // Ends the digest's registration; nothing happens if there is none.
     void deRegisterPktTracerDigest();
     // Ends the digest's registration, then closes both ends of the socket pair. A second call does
     // nothing. initSocket() and registerPktTracerDigest() make a new channel.
@@ -158,10 +159,11 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
 
     // ---- The task
 
-    // The task of this scheduler and name, with this priority. One that is there is kept, in this
-    // priority, if it has both; otherwise a new one is made in its place, and doWork() called, which
-    // outside of a run only traces that. A replaced task is unscheduled and calls no one any more.
-    // Precondition: the scheduler is not null. Errors: std::bad_alloc; there is no task then.
+    // The task of this scheduler and name, with this priority. An existing task is kept, and gets
+    // the priority, if it has this scheduler and this name. Otherwise a new one takes its place,
+    // and doWork() is called, which outside of a run only traces that. A replaced task is
+    // unscheduled and calls nobody any more. Precondition: the scheduler is not null. Errors:
+    // std::bad_alloc; there is no task then.
     Vanta::Ptr<Orb::Task> taskIs(Vanta::Ptr<Orb::TaskSchedulerRoot> const& scheduler,
                                  Orb::TaskPriority priority, Vanta::String const& name);
     // Takes the task out, unscheduled, and returns it, or null; the engine then does no work.
@@ -199,7 +201,8 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
         return socketPairReadFileDesc_;
     }
     Vanta::Ptr<Orb::FileDescriptor const> const& rSocketIn() const noexcept { return rSocketIn_; }
-    // 0 until the set-up makes it the invalid one; a valid one as soon as the digest is registered.
+    // 0 until the set-up makes it VyResourceInfoIndexInvalid; a valid index as soon as the digest
+    // is registered.
     std::uint32_t learnQuantaIndex() const noexcept { return learnQuantaIndex_; }
     std::uint32_t pktTracerDigestEntrySize() const noexcept { return pktTracerDigestEntrySize_; }
     bool initialized() const noexcept { return initialized_; }
@@ -223,8 +226,8 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
     void taskRuns();
     void digestReadable();
 
-    // A dispatcher under way: it keeps the engine alive, since whoever hears of an answer may let the
-    // tracer go.
+    // A dispatcher under way: it keeps the engine alive, since a subscriber that hears of an answer
+    // may release the tracer.
     class Reaction {
       public:
         explicit Reaction(PktGenSm& engine) noexcept : engine_(&engine) { ++engine.reactions_; }
@@ -235,8 +238,8 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
       private:
         Vanta::Ptr<PktGenSm> const engine_;
     };
-    // Whether nobody but the dispatchers under way holds the engine. The task's steps ask after
-    // every call that leaves the engine; outside of a dispatcher its caller holds it.
+    // Whether only the dispatchers under way hold the engine. The task's steps ask this after every
+    // call that leaves the engine; outside of a dispatcher the caller holds the engine.
     bool released() const noexcept { return refCount() == reactions_; }
 
     void stateIs(PktGenState state) noexcept { state_ = state; }

@@ -49,7 +49,7 @@ class OwnDescriptor {
     int number_;
 };
 
-// What set-up cannot go on without.
+// Set-up cannot go on without these calls: ends the process if one fails.
 void checkSocketCall(int rval, Trace::Format<2> message) {
     if (rval != 0) {
         Trace::twinlog(trace, 1, message, rval, std::strerror(errno));
@@ -252,8 +252,9 @@ std::uint32_t PktGenSm::DigestBytes::ofField(std::uint8_t const* field, std::uin
 }
 
 // One field of an entry. A data-plane program with a field of another width is the wrong program,
-// and so is one with a field that does not lie inside its entry, of which there is too little then;
-// the field's short name begins the message: "pktId wrong size.  Expected:2 got:4".
+// and so is one with a field that does not lie inside its entry, because too few of its bytes
+// belong to the entry. The field's short name begins the message: "pktId wrong size.  Expected:2
+// got:4".
 template <class Unsigned>
 Unsigned PktGenSm::digestField(DigestBytes const& bytes, std::string_view field,
                                std::string_view shortName) const {
@@ -277,7 +278,7 @@ Unsigned PktGenSm::digestField(DigestBytes const& bytes, std::string_view field,
 void PktGenSm::processDigestEntry(DigestBytes const& bytes) {
     auto const pktId = digestField<std::uint16_t>(bytes, "pktGen_pktId", "pktId");
     Trace::twinlog(trace, 7, "processPktTracerDigest:PktId:%s", pktId);
-    std::optional<DigestEntry> digest;  // read when there is somebody to tell
+    std::optional<DigestEntry> digest;  // read at the first match
     PktGenStatus::PktIdWalk walk(*args_.status, pktId);
     while (auto const matching = walk.next()) {
         if (!digest) {

@@ -15,7 +15,7 @@ void PktGenSm::getPhase0Data() {
     Trace::twinlog(trace, 7, "getPhase0Data:clientName:%s reqId:%s", job->req().clientName(),
                    job->req().number());
     stateIs(PktGenState::waitPhase0Data);
-    // An outdated request for the interface would answer in this one's place.
+    // The answer to an outdated request for the interface would be taken for this one's.
     args_.phase0DataIntf->configDel(job->ingIntf());
     if (!released()) {
         args_.phase0DataIntf->configIs(job->ingIntf());
@@ -30,7 +30,7 @@ void PktGenSm::processPhase0DataResponse(Plexa::IntfId const& intfId) {
         Trace::twinlog(trace, 7, "processPhase0DataResponse:deletion of phase0 for intfId:%s",
                        intfId);
     } else if (!curCfg_) {
-        // Nobody asked yet: there is no job that this could make ready.
+        // Nothing was asked yet: there is no job that this answer could make ready.
     } else if (response->value.status == 0 || state_ == PktGenState::waitPhase0Data) {
         stateIs(PktGenState::phase0DataReady);
     } else {

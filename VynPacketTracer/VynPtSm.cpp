@@ -58,8 +58,8 @@ PacketTracerSm::PacketTracerSm(Arguments arguments) : made_(std::move(arguments)
     }
 }
 
-// The order is what an observer sees of a shut-down: engine before clients, and the collections
-// with whoever holds them last.
+// An observer of a shut-down sees this order: the engine goes before the clients, and a collection
+// goes when its last holder releases it.
 PacketTracerSm::~PacketTracerSm() {
     hasNotificationActiveIs(false);
     kelDoZombieReactors(true);
@@ -199,7 +199,7 @@ PacketTracerSm::Entities PacketTracerSm::entitiesOf(Vanta::String const& name) c
     return entities;
 }
 
-// It lives on the stack and is known to the root while it does. Makings nest.
+// The object lives on the stack, and the root knows it as long as it lives. Makings nest.
 class PacketTracerSm::Making {
   public:
     Making(PacketTracerSm& root, Vanta::String const& name) noexcept
@@ -226,7 +226,7 @@ bool PacketTracerSm::isBeingMade(Vanta::String const& name) const noexcept {
 }
 
 void PacketTracerSm::handleClient(Vanta::String const& name) {
-    // Whoever hears of a job or a result may let the tracer go.
+    // A subscriber that hears of a job or a result may release the tracer.
     Vanta::Ptr<PacketTracerSm> const alive(this);
     Trace::twinlog(trace, 7, "handleClient:client %s", name);
     Entities const entities = entitiesOf(name);
@@ -239,8 +239,9 @@ void PacketTracerSm::handleClient(Vanta::String const& name) {
     }
 }
 
-// A new state machine handles its client's requests before it stands in the collection. Whoever
-// hears of their jobs and results may change the client, so the directories are looked at again.
+// A new state machine handles its client's requests before it is added to the collection. A
+// subscriber that hears of their jobs and results may change the client, so the directories are
+// looked at again.
 void PacketTracerSm::clientSmUntilItFits(Vanta::String const& name) {
     Making const making(*this, name);
     while (true) {
@@ -263,7 +264,8 @@ void PacketTracerSm::clientSmIs(Vanta::String const& name, Entities const& entit
 
 namespace {
 
-// A client's state machine is made once; whoever replaces what it stands on removes it first.
+// A client's state machine keeps the objects that it was made with; to replace one of them, remove
+// the state machine first.
 template <class T>
 void checkSameObject(PacketTracerClientSm const& client, std::string_view attribute,
                      Vanta::Ptr<T> const& made, Vanta::Ptr<T> const& given) {
@@ -302,7 +304,8 @@ Vanta::Ptr<PacketTracerClientSm> PacketTracerSm::clientSmIs(
     }
     auto const made = packetTracerClientSmFactory(name, clientConfig, clientStatus, pktGenConfig,
                                                   systemStatus, fcsd, bridgingConfig, chipStatus);
-    // Its requests were handled meanwhile: whoever heard of that may have made another already.
+    // Its requests were handled meanwhile: a subscriber that heard of that may have made another
+    // already.
     clientSm_.findOrInsert(name).value = made;
     return made;
 }

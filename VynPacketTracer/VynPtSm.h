@@ -6,12 +6,12 @@
 //   switched off   hasNotificationActiveIs(false)   hasNotificationActiveIs(true), the last release
 //   torn down      destruction                      the release of the memory
 //
-// Invariants while it is active, and was never switched off: it has one engine, one PktGenConfig and
-// one PktGenStatus; one PacketTracerClientSm for each client that has an entry of the right type in
-// both directories; one watcher for each entry of PktGenStatus.
+// Invariants while it is active, and was never switched off: it has one engine, one PktGenConfig
+// and one PktGenStatus; one PacketTracerClientSm for each client that has an entry of the right
+// type in both directories; one watcher for each entry of PktGenStatus.
 //
-// Switched off, it hears of nothing, and neither do its engine and its clients. Switched on again it
-// does not catch up with what it missed:
+// Switched off, it hears of nothing, and neither do its engine and its clients. Switched on again
+// it does not catch up with what it missed:
 //
 //   meanwhile                        is noticed
 //   a client's directory entry       when it changes again, or by handleClient()
@@ -49,8 +49,8 @@ namespace VynPacketTracer {
 class PacketTracerSm;
 
 // The watcher of one status entry: it has the entry relayed when its `ready` changes. Every other
-// attribute is ignored. One that is removed inside its own call stays as it was removed: silent,
-// torn down and without an owner.
+// attribute is ignored. A watcher that is removed inside its own call stays removed: silent, torn
+// down and without an owner.
 class VYN_EXPORT NestedSm_LocalStatus final : public Kel::NotifieeConst<PktGenStatusData> {
   public:
     // Watches `status`, not yet registered, without reacting. The owner is not counted. Both may be
@@ -91,8 +91,8 @@ class VYN_EXPORT PacketTracerSm final : public Kel::Object {
     using ClientSms = Kel::Collection<Vanta::String, Vanta::Ptr<PacketTracerClientSm>>;
 
     // What a tracer is made with. The references are released from the last to the first. A null
-    // directory has no entries; what else may be null is up to the engine (PktGenSm) and the client
-    // state machines (PacketTracerClientSm), which get the others.
+    // directory has no entries. The engine (PktGenSm) and the client state machines
+    // (PacketTracerClientSm) get the others and say which of them may be null.
     struct Arguments {
         Vanta::Ptr<Kel::Dir const> config;
         Vanta::Ptr<Kel::Dir> status;
@@ -123,18 +123,18 @@ class VYN_EXPORT PacketTracerSm final : public Kel::Object {
         Vanta::Ptr<Bridging::Config const> const& bridgingConfig,
         Vanta::Ptr<VynSlice::ChipStatus const> const& chipStatus);
 
-    // Connects (true) or disconnects all observations, those of watchers, engine and clients too. What
-    // was missed while they were disconnected stays missed; see above.
+    // Connects (true) or disconnects all observations, those of watchers, engine and clients too.
+    // What was missed while they were disconnected stays missed; see above.
     void hasNotificationActiveIs(bool on);
-    // Marks this object and its watchers as being torn down (true): they then react to nothing. Taking
-    // the mark away switches the watchers' notifications on, also where this object's are off.
+    // Marks this object and its watchers as being torn down (true): they then react to nothing.
+    // Clearing the mark switches the watchers' notifications on, also if this object's are off.
     void kelDoZombieReactors(bool on);
 
     // Makes the collections, the engine and a state machine for every client that is there. The
-    // construction calls it once; called again it makes what is missing, leaves alone what is there,
-    // and has every client handled once more. Errors: those of handleClients(); where pktGenCfgDel()
-    // or pktGenStatusDel() came before, the collection is another one, so the engine is replaced,
-    // and a client whose state machine is there raises Kel::ReinstantiationError for its
+    // construction calls it once; called again it makes what is missing, keeps what is there, and
+    // has every client handled once more. After pktGenCfgDel() or pktGenStatusDel() a new
+    // collection is made, so the engine is replaced. Errors: those of handleClients(); after
+    // pktGenCfgDel() a client that has a state machine raises Kel::ReinstantiationError for its
     // `pktGenConfig`.
     void handleInitialized();
 
@@ -153,9 +153,9 @@ class VYN_EXPORT PacketTracerSm final : public Kel::Object {
 
     // Handles every client that the configuration directory has an entity for.
     void handleClients();
-    // Makes the client's state machine if both directories have its entry, removes it otherwise. When
-    // the client changes while its state machine is being made, the one that no longer fits is
-    // removed and another is made, until it fits. Errors: those of clientSmIs().
+    // Makes the client's state machine if both directories have an entry of the client, removes it
+    // otherwise. If the client changes while its state machine is being made, the one that no
+    // longer fits is removed and another is made, until it fits. Errors: those of clientSmIs().
     void handleClient(Vanta::String const& name);
 
     ClientSms const& clientSm() const noexcept { return clientSm_; }
@@ -164,9 +164,9 @@ class VYN_EXPORT PacketTracerSm final : public Kel::Object {
     Vanta::Ptr<PacketTracerClientSm> clientSm(Vanta::String const& name) const {
         return clientSm_.get(name);
     }
-    // The client's state machine, made if there is none; it takes the place of one that was made
-    // under its name meanwhile. Errors: Kel::ReinstantiationError at the first argument that differs
-    // from the existing one's; what making one raises.
+    // The client's state machine, made if there is none. A new one replaces one that was made under
+    // the client's name meanwhile. Errors: Kel::ReinstantiationError at the first argument that
+    // differs from the existing one's; what making one raises.
     Vanta::Ptr<PacketTracerClientSm> clientSmIs(
         Vanta::String const& name, Vanta::Ptr<PacketTracer::ClientConfig const> const& clientConfig,
         Vanta::Ptr<PacketTracer::ClientStatus> const& clientStatus,
@@ -188,21 +188,22 @@ class VYN_EXPORT PacketTracerSm final : public Kel::Object {
     Vanta::Ptr<PktGenConfig> pktGenCfgDel();
 
     Vanta::Ptr<PktGenStatus> const& pktGenStatus() const noexcept { return pktGenStatus_; }
-    // The collection of answers. If there is none, an empty one is made and observed, and watchers of
-    // an earlier one's entries are removed.
+    // The collection of answers. If there is none, an empty one is made and observed, and watchers
+    // of an earlier one's entries are removed.
     Vanta::Ptr<PktGenStatus> pktGenStatusIs();
-    // Gives the answers up, with every watcher.
+    // Releases the collection of answers and removes every watcher.
     Vanta::Ptr<PktGenStatus> pktGenStatusDel();
     // Reacts to a change that the collection of answers published. Of the change only the attribute
     // and the key, a PacketTracer::RequestId, are read: the entry is relayed (unless torn down),
-    // then its watcher is made or removed. Every attribute but `status` is ignored. Errors: those of
-    // the client's updateResult(), which end the process inside a delivery.
+    // then its watcher is made or removed. Every attribute but `status` is ignored. Errors: those
+    // of the client's updateResult(), which end the process inside a delivery.
     void pktGenStatusDispatch(Vanta::Publisher const& publisher, Vanta::Subscriber& subscriber,
                               Vanta::AttributeNumber attribute, Vanta::ValueRef key,
                               Vanta::ValueRef oldValue);
 
     Vanta::Ptr<PktGenSm> const& pktGenSm() const noexcept { return pktGenSm_; }
-    // The engine of these arguments; one with others is replaced, after the new one was made.
+    // The engine of these arguments. An engine made with others is replaced, after the new one was
+    // made.
     Vanta::Ptr<PktGenSm> pktGenSmIs(
         Vanta::Ptr<PktGenConfig> const& pktGenConfig,
         Vanta::Ptr<VynSdk::Phase0DataIntf> const& phase0DataIntf,

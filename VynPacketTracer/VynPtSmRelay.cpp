@@ -58,7 +58,7 @@ void NestedSm_LocalStatus::notifierIs(Vanta::Ptr<Vanta::Node const> const& node)
 
 void NestedSm_LocalStatus::kel_handleLocalStatus_ready() {
     if (owner_ != nullptr) {
-        // Whoever hears of a result may let the tracer go.
+        // A subscriber that hears of a result may release the tracer.
         Vanta::Ptr<PacketTracerSm> const alive(owner_);
         alive->handlePktGenStatus(key());
     }
@@ -84,8 +84,8 @@ Vanta::Ptr<PktGenStatus> PacketTracerSm::pktGenStatusDel() {
     return taken;
 }
 
-// The relay runs before the watcher of a new entry exists and before that of a removed one goes, so
-// an entry is relayed once by its arrival.
+// The relay runs before the watcher of a new entry is made, and before the watcher of a removed one
+// is removed, so the arrival of an entry relays it once.
 void PacketTracerSm::pktGenStatusDispatch(Vanta::Publisher const&, Vanta::Subscriber&,
                                           Vanta::AttributeNumber attribute, Vanta::ValueRef key,
                                           Vanta::ValueRef) {
@@ -127,7 +127,7 @@ void PacketTracerSm::localStatusIs(Vanta::Ptr<PktGenStatusData const> const& ent
     if (!entry) {
         throw Kel::NullArgumentError("PacketTracerSm", "localStatus");
     }
-    // Whoever hears of a result may let the tracer go, or the watcher.
+    // A subscriber that hears of a result may release the tracer, or the watcher.
     Vanta::Ptr<PacketTracerSm> const alive(this);
     RequestId const req = entry->req();
     Vanta::Ptr<NestedSm_LocalStatus> watcher = localStatus(req);

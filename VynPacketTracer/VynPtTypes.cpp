@@ -109,7 +109,7 @@ std::string textOf(VynSystem::PortInfo const& info) {
     return std::to_string(info.pipe()) + "/" + std::to_string(info.port().value());
 }
 
-// A job is made once; whoever wants another one deletes it first.
+// A job is made once; to get another one, delete it first.
 void checkSameJob(PktGenCfgData const& stored, Vanta::Bytes const& pkt,
                   VynSystem::PortInfo const& ingPortInfo, Plexa::IntfId const& ingIntf) {
     Kel::TypeInfo const& type = stored.typeInfo();
@@ -226,13 +226,15 @@ Vanta::Ptr<PktGenStatus> pktGenStatusFactory() {
     return PktGenStatus::PktGenStatusIs();
 }
 
-// Until the last removal is published, whoever hears of one may ask for the next pending job.
+// Until the last removal is published, a subscriber that hears of one may ask for the next pending
+// job.
 PktGenStatus::~PktGenStatus() {
     statusDelAll();
     if (jobs_ != nullptr) {
         jobs_->answersAre(nullptr);
     }
-    // What was added meanwhile goes without a publication, but may outlive the collection.
+    // Entries that were added meanwhile are removed without a publication, but may outlive the
+    // collection.
     for (auto const& entry : status_) {
         entry.value->collection_ = nullptr;
     }

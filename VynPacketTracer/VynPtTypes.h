@@ -164,8 +164,8 @@ VYN_EXPORT Vanta::Ptr<PktGenStatusData> pktGenStatusDataFactory(PacketTracer::Re
 
 // The work queue: one job a request, in the order in which they came. An entry is never updated in
 // place; its client deletes it and makes it anew. Every addition and removal is published with the
-// request as key; a collection that goes publishes the removal of each of its entries, but of those
-// that are added when it does so.
+// request as key; a collection that is destroyed publishes the removal of each of its entries,
+// except those that are added meanwhile.
 class VYN_EXPORT PktGenConfig final : public Kel::Object {
   public:
     enum Attribute : Vanta::AttributeNumber { cfgAttribute = Kel::firstAttribute };
@@ -187,16 +187,17 @@ class VYN_EXPORT PktGenConfig final : public Kel::Object {
                                     VynSystem::PortInfo const& ingPortInfo, Plexa::IntfId ingIntf);
     // Removes and returns a job; null, and no publication, if there is none.
     Vanta::Ptr<PktGenCfgData> cfgDel(PacketTracer::RequestId const& req);
-    // Removes every job that is there when this begins, each with its own publication. A job that
-    // somebody adds when he hears of one stays.
+    // Removes every job that is there when this begins, each with its own publication. A job that a
+    // subscriber adds when it hears of a removal stays.
     void cfgDelAll();
 
     // The first job, in the order of the collection, without an entry in `status`; null if there is
-    // none. It is no mere question: the first call with these answers has this collection follow
-    // them, and them report to it alone, until one of the two goes or is asked for with another.
-    // That call is linear in the jobs, here and where the answers reported before. Each later call
-    // is constant or, where answers went, logarithmic in the jobs that are pending again (expected;
-    // see PendingJobs).
+    // none. It is more than a query: the first call with a collection of answers ties the two
+    // together. From then on this collection follows those answers, and they report to it alone,
+    // until one of the two is destroyed or is used in such a call with another. The first call is
+    // linear in the jobs, both of this collection and of the one that the answers reported to
+    // before. Each later call is constant or, if answers were removed, logarithmic in the jobs that
+    // are pending again (expected; see PendingJobs).
     Vanta::Ptr<PktGenCfgData> firstPending(PktGenStatus& status);
 
     Vanta::Publisher const& publisher() const noexcept { return publisher_; }
@@ -239,18 +240,18 @@ class VYN_EXPORT PktGenStatus final : public Kel::Object {
     bool statusHas(PacketTracer::RequestId const& req) const { return status_.has(req); }
 
     // The entry of a request, created with defaults if there is none; one that is there keeps all
-    // its fields. The first entry makes the index of packet ids, which has addresses for a megabyte.
-    // Errors: std::bad_alloc.
+    // its fields. The first entry makes the index of packet ids, which reserves a megabyte of
+    // addresses. Errors: std::bad_alloc.
     Vanta::Ptr<PktGenStatusData> statusIs(PacketTracer::RequestId const& req);
     // Removes and returns an entry; null, and no publication, if there is none.
     Vanta::Ptr<PktGenStatusData> statusDel(PacketTracer::RequestId const& req);
     // Removes every entry that is there when this begins, each with its own publication. An entry
-    // that somebody adds when he hears of one stays.
+    // that a subscriber adds when it hears of a removal stays.
     void statusDelAll();
 
     // A walk over the entries that have a packet id, in the order of the collection. Entries that
-    // vanish, appear or change their id meanwhile are passed or met as a walk over the whole
-    // collection would. It costs what the entries of that id cost.
+    // vanish, appear or change their id meanwhile are passed or met as in a walk over the whole
+    // collection. The cost depends on the entries of that id only.
     class PktIdWalk {
       public:
         // Precondition: the collection outlives the walk.

@@ -1,6 +1,6 @@
-// The indexes of the two collections of shared records. Each stands for a walk:
+// The indexes of the two collections of shared records. Each replaces a walk:
 //
-//   index         stands for the walk that looks for
+//   index         replaces the walk that looks for
 //   PendingJobs   the first job in the order of PktGenConfig without an entry in PktGenStatus
 //   PktIdIndex    the entries, in the order of PktGenStatus, that have a packet id
 //
@@ -16,7 +16,7 @@
 
 namespace VynPacketTracer {
 
-// A job's place in PendingJobs. `order` is its place in the collection.
+// A job's links in PendingJobs. `order` is its position in the collection.
 struct PendingLink {
     enum class Where : std::uint8_t { nowhere, fresh, returned };
 
@@ -26,8 +26,8 @@ struct PendingLink {
     Where where = Where::nowhere;
 };
 
-// The pending jobs. Those that are new stand in a list, because they come in order; those that
-// became pending again return to their old place, so they stand in a tree (a treap, whose priorities
+// The pending jobs. New ones are kept in a list, because they come in order. Those that became
+// pending again return to their old position, so they are kept in a tree (a treap, whose priorities
 // are a mix of the order).
 //
 //   operation   cost
@@ -36,7 +36,8 @@ struct PendingLink {
 //   del         constant for a fresh job, logarithmic for a returned one (expected)
 //   first       constant, or logarithmic if there are returned jobs (expected)
 //
-// Expected, because a treap is as deep as its priorities make it: a single operation may take longer.
+// Expected, because a treap is as deep as its priorities make it: a single operation may take
+// longer.
 class VYN_EXPORT PendingJobs {
   public:
     // Adds a job whose order is higher than that of all fresh ones.
@@ -54,15 +55,15 @@ class VYN_EXPORT PendingJobs {
     PendingLink* root_ = nullptr;
 };
 
-// A status entry's place in PktIdIndex. `order` is its place in the collection.
+// A status entry's links in PktIdIndex. `order` is its position in the collection.
 struct PktIdLink {
     std::uint64_t order = 0;
     PktIdLink* previous = nullptr;
     PktIdLink* next = nullptr;
 };
 
-// The status entries by packet id, each id's in their order. Adding the entry of the highest order
-// takes constant time, any other is linear in the entries of its id.
+// The status entries by packet id; those of one id in the collection's order. Adding the entry of
+// the highest order takes constant time, any other is linear in the entries of its id.
 //
 // The table has room for every id: 65,536 times two pointers, a megabyte of addresses. The system
 // fills a page of it, 256 ids, when one of them is used for the first time.

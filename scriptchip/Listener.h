@@ -1,4 +1,4 @@
-// Who is told of everything that the tracer asks of the scripted chip.
+// A listener that is told of everything that the tracer asks of the scripted chip.
 #pragma once
 
 #include "Plexa/IntfId.h"
@@ -10,7 +10,8 @@ namespace ScriptChip {
 // throw: some calls come from destructors.
 class Listener {
   public:
-    // A call of an SDK function, its outcome included. What it refers to lasts as long as it.
+    // A call of an SDK function, its outcome included. What it refers to is valid only inside this
+    // call.
     virtual void sdkCalled(SdkSeam::SdkCall const& call) = 0;
     // Phase-0 data of an interface was asked for, or is not wanted any more.
     virtual void phase0ConfigIs(Plexa::IntfId const& intf) = 0;

@@ -11,7 +11,7 @@ class Phase0Data final : public VynSdk::Phase0DataIntf {
   public:
     static Vanta::Ptr<Phase0Data> Phase0DataIs(Listener* listener);
 
-    // Who is told of the requests; null for nobody.
+    // The listener that is told of the requests; null for none.
     void listenerIs(Listener* listener) noexcept { listener_ = listener; }
 
     void configIs(Plexa::IntfId const& intf) override;
@@ -19,7 +19,7 @@ class Phase0Data final : public VynSdk::Phase0DataIntf {
 
     // The answer for an interface appears, or is replaced by a new one, and is announced at once.
     void answerIs(Plexa::IntfId const& intf, Vanta::Bytes data, std::uint32_t status = 0);
-    // The answer goes, and that is announced; false, and nothing announced, if there is none.
+    // The answer is removed, and that is announced; false, and nothing announced, if there is none.
     bool answerDel(Plexa::IntfId const& intf);
 
   private:

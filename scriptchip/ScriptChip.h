@@ -8,8 +8,8 @@
 //     chip.counterIs(0, 1);
 //     chip.digest({{.pktId = 1, .egrPort = 132}});        // the registered callback runs at once
 //
-// What was scripted stays when a tracer goes and another one comes. The chip goes after the tracer
-// that uses it. Thread: the event thread; callbacks run on the caller's.
+// The script stays when a tracer is released and another one is made. The chip must outlive the
+// tracer that uses it. Thread: the event thread; callbacks run on the caller's.
 #pragma once
 
 #include <array>
@@ -54,7 +54,7 @@ class ScriptChip final : public SdkSeam::Chip {
     void counterIs(std::uint32_t pipe, std::span<std::uint64_t const> values);
 
     // Of the calls of a function, the next `after` return 0, the `times` after those `rc`, then 0
-    // again. In place of what the function was told before; `times` 0 cancels that.
+    // again. This replaces what was scripted for the function before; `times` 0 only cancels that.
     void sdkReturnIs(SdkSeam::SdkFunction function, p4_pd_status_t rc, std::uint32_t times = 1,
                      std::uint32_t after = 0) noexcept;
 

@@ -5,7 +5,8 @@
 // digest's acknowledgement goes to the chip whose message it is (its first byte is the device).
 //
 // Threads: a chip registers and leaves on the event thread, before its own threads run and after
-// they ended. An acknowledgement comes from the chip's own thread, everything else from the event thread.
+// they ended. An acknowledgement comes from the chip's own thread, everything else from the event
+// thread.
 #pragma once
 
 #include "sdkseam/SdkCall.h"
@@ -15,12 +16,12 @@ namespace SdkSeam {
 // What the functions return for a device that no chip has registered for.
 inline constexpr p4_pd_status_t unknownDevice = -1;
 
-// A chip: one door for the SDK's functions. See VynSdk/VynSdk.h and PipeMgr/PipeMgr.h for what each
-// does.
+// A chip: every call of an SDK function comes through one function. See VynSdk/VynSdk.h and
+// PipeMgr/PipeMgr.h for what each does.
 class Chip {
   public:
-    // Carries a call out and puts into it what it gives back: the status, and the count of a
-    // counter. What the chip does not set stays as it came: success, and the count that the caller
+    // Carries a call out and stores its results in it: the status, and the count of a counter. A
+    // result that the chip does not set stays as it was: success, and the count that the caller
     // had.
     virtual void call(SdkCall& call) = 0;
 

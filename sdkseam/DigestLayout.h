@@ -1,6 +1,6 @@
-// The trace digest as the SDK's wrappers tell of it: where its fields lie, and its learn quanta.
+// The trace digest as the SDK's wrappers describe it: where its fields lie, and its learn quanta.
 //
-// Both know the one digest. What they say can be falsified, for tests and scenarios.
+// Both classes know this one digest. What they report can be falsified, for tests and scenarios.
 // Threads: any; falsified on the event thread before a tracer uses them.
 #pragma once
 

@@ -15,7 +15,7 @@ void ForwardingChip::call(SdkCall& call) {
     }
 }
 
-// The receiver is there before the chip knows of it: a message may come at once.
+// The receiver is set before the chip is called: a message may come at once.
 void ForwardingChip::registerDigest(SdkCall& call) {
     DigestReceiver const before = std::exchange(receiver_, call.receiver());
     call.callback = onMessage;

@@ -1,8 +1,8 @@
-// A chip that stands before another one and hands its calls on, through a hook.
+// A chip in front of another one, to which it hands its calls on, through a hook.
 //
-// Towards its callers it is the chip of its device; the chip behind it gets what the hook lets
-// through. With a digest hook the chip's learn messages come back the same way: it is then this
-// object that registers with the chip, in the tracer's name.
+// Its callers see it as the chip of the device; the chip behind it gets what the hook lets through.
+// With a digest hook the learn messages of the chip behind come back the same way: this object then
+// registers with that chip, in the tracer's name.
 //
 //     struct Slow final : SdkSeam::CallHook {
 //         void called(SdkSeam::SdkCall& call, SdkSeam::Chip& behind) override {
@@ -11,9 +11,9 @@
 //         SdkSeam::ForwardingChip front{device, *this};
 //     };
 //
-// A device without such a chip pays nothing for it. Threads: as Chip.h says of the calls and
-// PipeMgr.h of the messages; it comes and goes on the event thread, with a digest hook only while
-// no digest is registered.
+// A device without such a chip pays nothing for it. Threads: for calls as Chip.h says, for messages
+// as PipeMgr.h says; it is made and destroyed on the event thread, with a digest hook only while no
+// digest is registered.
 #pragma once
 
 #include "sdkseam/Chip.h"
@@ -53,7 +53,7 @@ class ForwardingChip final : public Chip {
 
     void call(SdkCall& call) override;
 
-    // Whom the messages are for, with a digest hook: who has registered last. Nobody after a
+    // The receiver of the messages, with a digest hook: the one that registered last. None after a
     // deregistration, whatever that returned.
     DigestReceiver const& receiver() const noexcept { return receiver_; }
 

@@ -1,7 +1,7 @@
-// What stands in front of a chip gets the chip's calls and hands them on, or not.
+// Puts a chip in front of another one; the chip in front gets the calls and hands them on, or not.
 //
-// Several may stand in front of one chip; they leave in the reverse order, and before the chip.
-// Thread: the event thread; no call of the device is under way on another one meanwhile.
+// Several may be in front of one chip; they are destroyed in the reverse order, and before the
+// chip. Thread: the event thread; no call of the device is under way on another one meanwhile.
 #pragma once
 
 #include "sdkseam/Chip.h"
@@ -17,7 +17,7 @@ class Interposition {
     Interposition& operator=(Interposition const&) = delete;
     ~Interposition();
 
-    // Who got the calls before.
+    // The chip that got the calls before.
     Chip& behind() const noexcept { return *behind_; }
 
   private:

@@ -18,7 +18,7 @@ class KeptCall {
     SdkCall const* operator->() const noexcept { return &call_; }
 
   private:
-    SdkCall call_;                                            // its bytes are those of the next
+    SdkCall call_;                                            // refers to bytes_
     std::shared_ptr<std::vector<std::uint8_t> const> bytes_;  // packet, then phase-0 data
 };
 

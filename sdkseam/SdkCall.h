@@ -1,8 +1,8 @@
 // The chip SDK's functions by name, and one call of one of them: its arguments and what it gave
 // back.
 //
-// A call refers to the caller's bytes and objects; whoever keeps it longer than the call lasts
-// copies it (KeptCall.h).
+// A call refers to the caller's bytes and objects; to keep it longer than the call lasts, copy it
+// (KeptCall.h).
 #pragma once
 
 #include <array>
@@ -39,7 +39,7 @@ std::string_view sdkFunctionName(SdkFunction function) noexcept;
 // The function of that name; nothing for any other text.
 std::optional<SdkFunction> sdkFunctionOf(std::string_view name) noexcept;
 
-// Who is called with learn messages. Nobody, if there is no function.
+// What is called with learn messages. Without a function it is no receiver.
 struct DigestReceiver {
     p4_pd_sess_hdl_t session = 0;
     pipe_flow_lrn_notify_cb function = nullptr;
@@ -52,7 +52,7 @@ struct DigestReceiver {
     }
 };
 
-// The arguments, as far as the function has them; what it has not stays as it is here.
+// The arguments, as far as the function has them; the others keep the values that they have here.
 struct SdkCall {
     SdkFunction function = SdkFunction::getPktCounters;
     VynId::VynDevId device = 0;  // of an acknowledgement: the one that its message names

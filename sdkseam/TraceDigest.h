@@ -1,5 +1,5 @@
-// The data-plane program's trace digest: what it is called, under which numbers the SDK knows it,
-// and how an entry of it lies in memory.
+// The data-plane program's trace digest: its name, the numbers under which the SDK knows it, and
+// the memory layout of an entry.
 //
 // An entry is 9 bytes, packed, each field in host byte order:
 //
