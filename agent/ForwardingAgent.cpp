@@ -69,7 +69,7 @@ void ForwardingAgent::changeForwardingState(
 }
 
 void ForwardingAgent::loadChip(SwitchFile::SwitchModel const& model) {
-    // Shared because a command must be copyable; it is the chip's thread that takes them.
+    // Shared because a command must be copyable; the chip's thread moves the tables out of it.
     auto const tables = std::make_shared<SoftChip::Tables>(deriveTables(model));
     chip_.change([tables](SoftChip::Tables& chipTables) { chipTables = std::move(*tables); });
     for (SwitchFile::Interface const& intf : model.interfaces) {

@@ -1,13 +1,13 @@
 // The forwarding agent: one switch, its software chip, its event loop and its packet tracer, in one
 // process.
 //
-// It derives the chip's tables and the forwarding state from the switch's model, mounts the clients'
-// two directories in the state database, and loads the tracer with both. Who wants something traced
-// puts a PacketTracer::ClientConfig and a PacketTracer::ClientStatus under its name into these
-// directories and turns the loop.
+// It derives the chip's tables and the forwarding state from the switch's model, mounts the
+// clients' two directories in the state database, and loads the tracer with both. To have something
+// traced, put a PacketTracer::ClientConfig and a PacketTracer::ClientStatus under the client's name
+// into these directories and turn the loop.
 //
-// Everything goes in the reverse order: the tracer first, so the chip is still there when the engine
-// takes its leave. Thread: the event thread, which is the one that made it.
+// Everything is destroyed in the reverse order: the tracer first, so the chip is still there when
+// the engine cleans up. Thread: the event thread, which is the one that made it.
 #pragma once
 
 #include <functional>
@@ -44,19 +44,21 @@ class ForwardingAgent {
     static constexpr std::string_view configPath = "/packetTracer/config";
     static constexpr std::string_view statusPath = "/packetTracer/status";
 
-    // A running agent. The chip loads its tables meanwhile; what is injected waits for them.
-    // Errors: std::logic_error if the device id is taken, std::system_error for want of resources.
+    // A running agent. The chip's thread loads the tables; packets that are injected meanwhile wait
+    // for them. Errors: std::logic_error if the device id is taken, std::system_error for want of
+    // resources.
     explicit ForwardingAgent(SwitchFile::SwitchModel const& model,
                              AgentOptions const& options = {});
     ForwardingAgent(ForwardingAgent const&) = delete;
     ForwardingAgent& operator=(ForwardingAgent const&) = delete;
     ~ForwardingAgent();
 
-    // Releases the tracer and loads it anew. Everything else stays: the clients with what they asked
-    // and what they were answered, forwarding state, the chip. Precondition: not inside the loop.
+    // Releases the tracer and loads it anew. Everything else stays: the clients with their requests
+    // and results, forwarding state, the chip. Precondition: not inside the loop.
     void restartTracer();
 
-    // Changes forwarding state. A recorded agent's is changed this way only.
+    // Changes forwarding state. While the run is recorded, forwarding state is changed only through
+    // this.
     void changeForwardingState(std::function<void(ForwardingState const&)> const& change);
 
     Orb::TaskSchedulerRoot& loop() const noexcept { return *loop_; }

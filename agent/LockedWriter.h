@@ -1,7 +1,7 @@
-// The scenario writer behind its lock: the event thread and the chip's thread both tell it things.
+// The scenario writer behind its lock: the event thread and the chip's thread both call it.
 //
-// The lock may be taken again by who has it, because the process may end while it is held, and the
-// recording is finished then. Threads: any.
+// A thread that holds the lock may take it again: if the process ends while the lock is held, the
+// same thread finishes the recording. Threads: any.
 #pragma once
 
 #include <exception>
@@ -15,8 +15,8 @@ class LockedWriter {
   public:
     explicit LockedWriter(RecordingFile& file) : file_(file), writer_(file) {}
 
-    // Calls use(ScenarioWriter&). What that throws, for want of memory,
-    // ends the recording and nothing else.
+    // Calls use(ScenarioWriter&). An exception from it, for want of memory, ends the recording and
+    // nothing else.
     template <class Use>
     void use(Use const& use) noexcept {
         std::scoped_lock const lock(mutex_);

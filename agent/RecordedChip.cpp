@@ -20,7 +20,7 @@ void RecordedChip::called(SdkSeam::SdkCall& call, SdkSeam::Chip& behind) {
     });
 }
 
-// Noted ahead of the tracer: its event thread may have read the digest before this returns.
+// Noted before the tracer gets it: the event thread may have read the digest before this returns.
 p4_pd_status_t RecordedChip::received(pipe_flow_lrn_msg_t* message,
                                       SdkSeam::DigestReceiver const& receiver) {
     ScenarioWriter::Reception reception = 0;

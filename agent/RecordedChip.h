@@ -1,7 +1,7 @@
-// A recording before a chip: the scenario writer is told of every call and every digest.
+// A recording in front of a chip: the scenario writer is told of every call and every digest.
 //
-// It stands in front of the chip of its device from its making to its end, and sees each digest
-// ahead of the tracer. Threads: as SdkSeam::ForwardingChip says.
+// It stands in front of the chip of its device as long as it lives, and sees each digest before the
+// tracer does. Threads: as SdkSeam::ForwardingChip says.
 #pragma once
 
 #include "agent/LockedWriter.h"

@@ -41,7 +41,7 @@ void RecordedPhase0::chipAnnounced(Vanta::Change const& change) {
     });
 }
 
-// What is announced may let the last reference go.
+// An announcement may release the last reference to this object.
 void RecordedPhase0::deliverWaiting() {
     Vanta::Ptr<RecordedPhase0> const alive(this);
     while (!waiting_.empty()) {

@@ -1,8 +1,8 @@
-// Phase-0 data with a recording before it: what the chip announces goes through here to the tracer,
-// and the scenario writer is told.
+// Phase-0 data with a recording in front of it: the chip's announcements go through here to the
+// tracer, and the scenario writer is told of them.
 //
-// In a scenario an answer stands ahead of a turn. So an announcement in a turn that has read a
-// digest already waits for the beginning of the next turn; all others pass at once:
+// In a scenario an answer stands before a turn. So an announcement in a turn that has already read
+// a digest waits for the beginning of the next turn; all others pass at once:
 //
 //   announced by the chip   at delivery                          the tracer sees
 //   an answer               its entry still stands               the entry, announced
@@ -30,7 +30,7 @@ class RecordedPhase0 final : public VynSdk::Phase0DataIntf {
     struct Listener {
         // Whether an announcement would come too late in this turn.
         std::function<bool()> isLate;
-        // An announcement, ahead of the tracer; no response for a removal.
+        // An announcement, before the tracer hears of it; no response for a removal.
         std::function<void(Plexa::IntfId const&, VynSdk::Phase0DataResponse const*)> announced;
     };
 
@@ -65,7 +65,7 @@ class RecordedPhase0 final : public VynSdk::Phase0DataIntf {
     std::deque<Announcement> waiting_;  // in the chip's order
     std::set<Plexa::IntfId> seen_;      // the tracer has seen an answer, and no removal since
     Vanta::Subscriber chipSubscriber_;
-    // A call that was posted finds out by this whether there is still somebody to call.
+    // A posted call finds out by this whether this object still exists.
     std::shared_ptr<RecordedPhase0*> self_ = std::make_shared<RecordedPhase0*>(this);
 };
 

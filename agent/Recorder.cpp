@@ -27,7 +27,8 @@ bool isResultEmpty(PacketTracer::Result const& result) {
            result.egressIntf().empty();
 }
 
-// What stands in a directory, seen as itself and as the directory's own type.
+// What an entry of a directory is: `any` is its entity, `own` the same as the directory's own type,
+// or null.
 Do::Entity entityOf(Vanta::Ptr<Vanta::Node> const& any, Vanta::Ptr<Vanta::Node> const& own) {
     return own ? Do::Entity::own : any ? Do::Entity::other : Do::Entity::none;
 }
@@ -166,7 +167,7 @@ void Recorder::statusEntry(Vanta::String const& name) {
     }
 }
 
-// An entry with content comes in one change; in a scenario its content follows it.
+// An entry with content appears in one change; in a scenario its content follows it.
 void Recorder::content(std::string_view what, Vanta::String const& client, std::size_t count) {
     if (running_ && count > 0) {
         writer_.use([&](ScenarioWriter& writer) {

@@ -1,10 +1,10 @@
-// Records a live run as a scenario: what came to the tracer from outside, in an order in which
-// `vynpt replay` makes the tracer do the same again. docs/replay.md says how it is used and what a
-// scenario cannot say.
+// Records a live run as a scenario: everything that came to the tracer from outside, in an order in
+// which `vynpt replay` makes the tracer do the same again. docs/replay.md says how recording is
+// used and what a scenario cannot say.
 //
-// It stands beside the tracer and changes nothing, but for phase-0 answers that come in the turn of
-// a digest (RecordedPhase0.h): it hears every publication, and stands in front of the chip and of
-// the phase-0 data. If the process ends, the event that ended it is written too.
+// The recorder hears every publication, and stands in front of the chip and of the phase-0 data. It
+// changes nothing of the run, except that phase-0 answers that come in the turn of a digest are
+// delayed (RecordedPhase0.h). If the process ends, the event that ended it is written too.
 //
 // Thread: the event thread.
 #pragma once
@@ -37,7 +37,7 @@ class Recorder {
         VynId::VynDevId device;
     };
 
-    // Begins with what is there. Errors: std::logic_error if there is no chip.
+    // Begins with the state that is there. Errors: std::logic_error if there is no chip.
     // Preconditions: there is no tracer yet; `file` outlives the recorder.
     Recorder(Subject const& subject, RecordingFile& file);
     Recorder(Recorder const&) = delete;
@@ -48,10 +48,10 @@ class Recorder {
     // The phase-0 data that the tracer is to be given.
     Vanta::Ptr<VynSdk::Phase0DataIntf> phase0Data() const { return phase0_; }
 
-    // Ahead of each: the tracer is made; it is released.
+    // To be called before the tracer is made, and before it is released.
     void starting(bool pktTracerSupported, bool pktGenSupported, std::uint32_t session);
     void stopping();
-    // Behind it: forwarding state changed.
+    // To be called after forwarding state has changed.
     void forwardingStateChanged();
 
   private:

@@ -1,7 +1,7 @@
 // The file that a recording is written to: whole lines only, whatever happens.
 //
-// What is appended is handed to the system before append() returns. A write that the system does not
-// take whole is taken back to the end of the line before it, and nothing follows it.
+// Lines are handed to the system before append() returns. If the system does not take a write
+// whole, the file is cut back to the end of the line before it, and nothing follows.
 // Thread: one at a time.
 #pragma once
 
@@ -22,7 +22,7 @@ class RecordingFile {
     // Appends lines, each with its end. Nothing happens after an error.
     void append(std::string_view lines) noexcept;
 
-    // Gives the recording up: what is there stays, and nothing follows it.
+    // Gives the recording up: the lines that are there stay, and nothing follows them.
     void fail(std::string_view reason) noexcept;
 
     // Why the recording ends early, the path included; empty if it does not.

@@ -12,7 +12,7 @@ Vanta::Bytes rawOf(Request const& request) {
     if (!request.frame().empty() || request.fields() == nullptr) {
         return request.frame();
     }
-    // Nothing longer is ever injected, and what is longer cannot be built.
+    // No longer packet is ever injected, and none can be built.
     constexpr std::uint32_t largestPacket = 9236;
     return PacketTracer::constructFrame(*request.fields(), request.etherType(), largestPacket);
 }

@@ -1,4 +1,4 @@
-// The events that tell a scenario of a live request. Thread: the event thread.
+// The events that describe a live request in a scenario. Thread: the event thread.
 #pragma once
 
 #include <vector>
@@ -8,11 +8,11 @@
 
 namespace Agent {
 
-// The whole request. Its packet is the frame; of a request that goes by its fields, what they build.
+// The whole request. Its packet is the frame, or the frame that is built from the request's fields.
 Scenario::Do::Request requestEvent(PacketTracer::Request const& request);
 
-// What makes the request of the scenario what this one is after an attribute changed; nothing for an
-// attribute that a scenario does not have.
+// The events that bring the scenario's request up to date after an attribute of this one changed;
+// none for an attribute that a scenario does not have.
 std::vector<Scenario::Do::RequestSet> requestSetEvents(PacketTracer::Request const& request,
                                                        Vanta::AttributeNumber attribute);
 

@@ -90,7 +90,7 @@ ScenarioWriter::Reception ScenarioWriter::received(std::span<std::uint8_t const>
 
 namespace {
 
-// Where a message stands now: the lists that may have it, one after the other.
+// Finds a message: walks the lists that may hold it, one after the other.
 template <class Lists, class Use>
 void useMessage(Lists const& lists, std::uint64_t number, Use const& use) {
     for (auto* const list : lists) {
@@ -104,7 +104,7 @@ void useMessage(Lists const& lists, std::uint64_t number, Use const& use) {
 
 }  // namespace
 
-// One callback runs at a time, so what is acknowledged was received last.
+// One callback runs at a time, so the acknowledged message is the one that was received last.
 void ScenarioWriter::acknowledged(std::int32_t rc) {
     std::vector<Messages*> lists{&unread_};
     if (under_) {

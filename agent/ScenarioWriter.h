@@ -1,8 +1,8 @@
-// Puts what a live run did into the order of a scenario.
+// Puts the events of a live run into the order of a scenario.
 //
-// In a scenario what an event will meet stands ahead of it: the counters that it will read, the
-// calls that will fail, the digests that its turn will take. So an event is written when the next
-// one begins, with what it met ahead of it. A turn is one event:
+// In a scenario everything that an event will meet stands before it: the counters that it will
+// read, the calls that will fail, the digests that its turn will take. So an event is written when
+// the next one begins, and what it met is written before it. A turn is one event:
 //
 //   live                                         scenario
 //   posted calls and what else comes from        events ahead of the turn, in their order
@@ -11,12 +11,13 @@
 //   the engine's task runs                       the turn
 //   what comes from outside behind these         events behind the turn
 //
-// What comes between the two, in the same turn, cannot be said if the task was to run anyway; it
-// then stands ahead of a second turn, and a comment tells of it. Turns of which nobody heard are
-// none. Turns that meet nothing are counted together.
+// A scenario cannot express what comes between the two in the same turn if the task was to run
+// anyway; it is then written before a second turn, with a comment. Turns in which neither of the
+// two happened are left out. Turns that meet nothing are counted together.
 //
-// A digest's acknowledgement may come after the turn that read it. What stands behind it waits in
-// memory until it is known, so nobody ever waits for another thread.
+// A digest's acknowledgement may come after the turn that read the digest. Lines behind such a
+// digest wait in memory until the acknowledgement is known, so no thread ever waits for another
+// one.
 //
 // Threads: received(), acknowledged() and done() any; everything else the event thread. Calls do
 // not overlap; the caller sees to it.
@@ -50,9 +51,10 @@ class ScenarioWriter {
     explicit ScenarioWriter(RecordingFile& file, std::uint64_t mostTurns = defaultMostTurns)
         : file_(file), mostTurns_(mostTurns) {}
 
-    // Something from outside begins. The release of the tracer loses the digests that were not read.
+    // An event from outside begins. The release of the tracer discards the digests that were not
+    // read.
     void event(Scenario::Event event);
-    // A remark for people, behind what has begun.
+    // A remark for people, after the event that has begun.
     void remark(std::string_view text);
 
     // In a turn of the loop: the digest's descriptor is announced; the engine's task runs and will
@@ -60,7 +62,7 @@ class ScenarioWriter {
     void digestAnnounced(TurnNumber turn);
     void taskRuns(TurnNumber turn, std::uint32_t yieldAfter);
 
-    // What the event under way meets.
+    // The event under way meets this.
     void called(SdkSeam::SdkFunction call, std::int32_t rc);
     void counterRead(std::uint32_t pipe, std::uint64_t count);
 
@@ -70,8 +72,8 @@ class ScenarioWriter {
     void acknowledged(std::int32_t rc);
     void done(Reception reception);
 
-    // Writes everything that is known by now. The event that has begun counts as it is, and what
-    // was received and not read stands behind it.
+    // Writes everything that is known by now: the event that has begun as far as it got, and after
+    // it the digests that were received and not read.
     void finish();
 
   private:

@@ -77,7 +77,7 @@ Vanta::Ptr<PacketTracer::Request> TraceClient::request() {
 
 void TraceClient::add(Vanta::Ptr<PacketTracer::Request> const& request) {
     waiting_.push_back(std::make_unique<Waiting>(*this, request->id().number(), now_()));
-    // Valid when it arrives, it is handled once.
+    // It is valid when it arrives, so it is handled once.
     request->validIs(true);
     config_->requestIs(request);
 }
@@ -111,9 +111,9 @@ std::optional<Answer> TraceClient::poll(Clock::duration maxWait) {
     return !answer && limitPassed ? takeLate() : std::move(answer);
 }
 
-// Requests are kept in the order of their addition, and the engine serves them in this order. So
-// nobody's limit is earlier than the first one's, and whether it is injected or the first that is
-// not, the first one may be late.
+// Requests are kept in the order of their addition, and the engine serves them in this order. So no
+// request has an earlier limit than the first one. The first one may always be late: it is either
+// injected, or the first of those that are not.
 TraceClient::Clock::duration TraceClient::untilFirstLimit() const {
     if (waiting_.empty()) {
         return Clock::duration::max();

@@ -93,12 +93,13 @@ class TraceClient {
     std::size_t waiting() const noexcept { return waiting_.size(); }
 
     // Takes the next answer, which withdraws its request, or the next request that is late. If
-    // there is none yet, turns the loop once, waiting no longer than `maxWait` and the next limit;
-    // nothing if there is still none then. Nobody is late before the loop was turned past the limit.
+    // there is neither yet, turns the loop once, waiting no longer than `maxWait` and the next
+    // limit; returns nothing if there is still neither then. No request is late before the loop was
+    // turned past its limit.
     std::optional<Answer> poll(Clock::duration maxWait);
 
-    // The caller was busy with the answer until now, and the loop stood still meanwhile: limits
-    // count from here.
+    // To be called after an answer was dealt with, during which the loop stood still: limits count
+    // from now.
     void answerDelivered() { lastEvent_ = now_(); }
 
   private:

@@ -72,7 +72,7 @@ std::string lineAndColumn(std::string_view text, std::size_t offset) {
     return std::to_string(line) + ":" + std::to_string(column);
 }
 
-// The library's text without its own error number, its place and its copy of the input.
+// The library's text without its error number, its position and its copy of the input.
 std::string reason(std::string_view what) {
     std::string text(what);
     for (std::string_view const mark : {"] ", "parse error at line "}) {

@@ -1,8 +1,8 @@
 // A JSON text as a tree that remembers where everything stands, and the one error of bad input.
 //
 // The tree keeps what a plain JSON value forgets: members in the order of the file, and for each
-// value its place, so that a contradiction found long after reading can still be named by path. A
-// member that stands twice in an object is refused, never merged.
+// value its position in the text, so that a contradiction found long after reading can still be
+// named by path. An object with two members of one name is refused; they are never merged.
 //
 // Values: a JsonDocument moves but does not copy; a JsonValue is a handle of two words that is
 // valid as long as its document stays where it is. Threads: any one thread at a time.
@@ -16,7 +16,7 @@
 
 namespace SwitchFile {
 
-// Bad input: what() is one line that names the place and what was expected there,
+// Bad input: what() is one line that says where it is and what was expected there,
 // "file:line:column: ..." for syntax and "file: /json/pointer: ..." for content.
 class InputError : public std::runtime_error {
   public:
@@ -32,7 +32,7 @@ class JsonValue {
     // Handles of the elements of a list or of the members of an object, in file order.
     class Iterator;
 
-    // No value at all: as the answer of member() for what is not there.
+    // No value at all, which member() returns for a member that is not there.
     JsonValue() = default;
     explicit operator bool() const { return document_ != nullptr; }
 
@@ -65,7 +65,8 @@ class JsonValue {
     // The value's JSON pointer, "/" for the whole document. Linear in the document.
     std::string path() const;
 
-    // The value as an error message shows it: a scalar itself, shortened, or "a list", "an object".
+    // The value as an error message shows it: a scalar as it is, shortened, or "a list", "an
+    // object".
     std::string shown() const;
     std::string shownName() const;
 

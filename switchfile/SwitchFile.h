@@ -1,8 +1,8 @@
 // The switch file: a JSON text that says everything about one switch, and the model it becomes.
 //
-// Reading gives a whole model or throws one InputError that names the place and what was expected;
-// there is nothing in between. Apart from types and ranges the reader refuses what contradicts
-// itself, so whoever has a model may rely on the invariants below and need not check references.
+// Reading gives a whole model or throws one InputError that says where the error is and what was
+// expected. Besides wrong types and ranges the reader refuses contradictions, so users of a model
+// may rely on the invariants below and need not check references.
 //
 // The format is described in docs/switch-file.md and docs/switch.schema.json.
 //
@@ -56,7 +56,7 @@ struct Interface {
     Plexa::IntfId id;
     std::string description;
 
-    // Physical ports. No two have one device port.
+    // Physical ports: the device port, which no two of them share.
     std::uint16_t devicePort = 0;
     bool up = true;
     bool cpu = false;   // leads to the CPU
@@ -71,8 +71,8 @@ struct Interface {
     // The VLAN of a VLAN interface, and of a sub-interface that is bridged; otherwise 0.
     std::uint16_t vlan = 0;
 
-    // The internal VLAN of what routes and is no VLAN interface; otherwise 0. They count from 4094
-    // down in the order of the file and leave out the VLANs that are configured.
+    // The internal VLAN of a routed port, LAG or sub-interface; otherwise 0. These VLANs count down
+    // from 4094 in the order of the file and leave out the configured ones.
     std::uint16_t internalVlan = 0;
 
     std::optional<VlanMembership> switching;  // physical ports and LAGs
@@ -134,7 +134,7 @@ struct SwitchModel {
     std::vector<Neighbour> neighbours;
     std::vector<FdbEntry> fdb;
 
-    // Place of an interface in `interfaces`.
+    // Index of an interface in `interfaces`.
     std::unordered_map<Plexa::IntfId, std::uint32_t> places;
 
     // The interface of that name, or null. Constant time.

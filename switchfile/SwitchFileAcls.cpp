@@ -194,7 +194,7 @@ constexpr std::string_view fieldNames =
     "sourceMac, destinationMac, etherType, vlanPriority, source, destination, protocol, dscp, ttl, "
     "fragment, sourcePort, destinationPort, tcpFlags, icmpType, icmpCode";
 
-// What no frame can be at once, so that the rule could never match.
+// Refuses fields that no frame has together, so that the rule could never match.
 void refuseImpossible(JsonValue rule, FrameMatch const& match) {
     if (match.srcIp && match.dstIp && match.srcIp->value.family != match.dstIp->value.family) {
         throw rule.member("destination")

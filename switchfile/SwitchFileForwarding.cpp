@@ -1,4 +1,4 @@
-// What points at interfaces: neighbours, routes and the FDB.
+// The sections that refer to interfaces: neighbours, routes and the FDB.
 #include <algorithm>
 
 #include "switchfile/NumberText.h"

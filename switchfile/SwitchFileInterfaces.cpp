@@ -1,4 +1,4 @@
-// Interfaces: ports, LAGs, sub-interfaces and VLAN interfaces, and what contradicts itself there.
+// Interfaces: ports, LAGs, sub-interfaces and VLAN interfaces, and the contradictions among them.
 #include "switchfile/NumberText.h"
 #include "switchfile/SwitchFileReader.h"
 

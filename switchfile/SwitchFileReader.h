@@ -1,8 +1,9 @@
 // What the reader of a switch file knows while it reads: internal to switchfile/SwitchFile*.cpp.
 //
 // The sections are read in the order in which they refer to one another, whatever their order in
-// the file: names first (vrfs, acls, vlans), then interfaces, then what points at interfaces. Every
-// check is a look-up in a table built on the way, so reading stays linear in the file's size.
+// the file: names first (vrfs, acls, vlans), then interfaces, then the sections that refer to
+// interfaces. Every check is a look-up in a table built on the way, so reading stays linear in the
+// file's size.
 #pragma once
 
 #include <array>
@@ -28,7 +29,8 @@ class SwitchFileReader {
     SwitchModel read();
 
   private:
-    // An address in a VRF, on an interface or in whatever else the scope numbers, as a key.
+    // An address within a scope, as a key. The scope is a number of a VRF, an interface or the
+    // like.
     struct ScopedIp {
         std::uint32_t scope = 0;
         SoftChip::IpAddress address;
@@ -106,14 +108,14 @@ class SwitchFileReader {
     VlanSet vlans_;
     std::unordered_map<std::string_view, std::uint16_t> vrfs_;
     std::unordered_map<std::string_view, std::uint16_t> acls_;
-    std::uint32_t aclPlaces_ = 0;    // that name a list; the chip numbers them
-    std::vector<JsonValue> places_;  // of model_.interfaces, in parallel
+    std::uint32_t aclPlaces_ = 0;    // uses of access lists; the chip numbers them
+    std::vector<JsonValue> places_;  // where each of model_.interfaces was read
     std::array<Plexa::IntfId, SoftChip::maxDevicePort + 1> portOwners_;
-    SoftChip::FlatHash<ScopedIp, std::uint32_t> ownAddresses_;  // to places in interfaces
+    SoftChip::FlatHash<ScopedIp, std::uint32_t> ownAddresses_;  // to indexes of interfaces
     SoftChip::Lpm<std::uint32_t> connected_;                    // the same
     struct Present {};
     SoftChip::FlatHash<ScopedIp, Present> seenRoutes_;      // scope: VRF and length
-    SoftChip::FlatHash<ScopedIp, Present> seenNeighbours_;  // scope: place of the interface
+    SoftChip::FlatHash<ScopedIp, Present> seenNeighbours_;  // scope: the interface's index
     SoftChip::FlatHash<ScopedIp, Present> seenStations_;    // scope: VLAN; a MAC for the address
     std::unordered_map<std::string, std::uint32_t> singleHops_;  // of the VRF that is read
     std::unordered_map<std::string, std::uint32_t> hopSets_;
