@@ -1,8 +1,8 @@
 // Ingress access lists: what a rule matches, and what the rules of all lists say of a frame.
 //
 // Lists are looked at independently of one another (one for a port and one for its VLAN, say);
-// within a list the matching rule with the lowest sequence number decides. A list without a matching
-// rule permits: an implicit end is a rule like any other.
+// within a list the matching rule with the lowest sequence number decides. A list without a
+// matching rule permits; an implicit drop at its end must be a rule like any other.
 #pragma once
 
 #include <cstddef>
@@ -53,15 +53,15 @@ struct TcpFlagsMatch {
     std::uint8_t mask = 0;
 };
 
-// What a frame must be for a rule to apply: every field that is given must match, a match without
-// any field is every frame. A field that the frame does not have (an IP address in an LLDP frame, a
-// port in a later fragment or behind a broken header) matches nothing.
+// The frames that a rule applies to: every field that is given must match; a match without any
+// field matches every frame. A field that the frame does not have (an IP address in an LLDP frame,
+// a port in a later fragment or behind a broken header) matches nothing.
 //
-// IP addresses are those of IP packets. A match for EtherType ARP takes the sender's for the source
-// and the target's for the destination; others leave ARP alone, so that a rule against a subnet's
-// packets does not silence its ARP.
+// IP addresses are compared with those of IP packets. A match for EtherType ARP compares them with
+// the sender's (source) and the target's (destination) address; other matches with IP addresses
+// never match ARP, so that a rule against a subnet's packets does not drop its ARP.
 struct FrameMatch {
-    // Where the frame came in: empty is everywhere.
+    // The port or LAG where the frame came in; empty for any.
     LogicalPort ingress{};
     DomainId domain = noDomain;
 
@@ -97,7 +97,8 @@ struct AclRule {
     bool copyToCpu = false;
 };
 
-// What the lists say of one frame: a drop in any of them drops, a copy in any of them copies.
+// What the lists decide about one frame: it is dropped if any of them drops it, and copied if any
+// of them copies it.
 struct AclVerdict {
     AclRule const* decided = nullptr;  // the first dropping rule, else the first that matched
     bool drop = false;

@@ -36,7 +36,7 @@ constexpr unsigned addressBits(Family family) {
 }
 
 // Both families are kept left-aligned in the same 128 bits, so that prefixes, masks and hashes need
-// one code for both: an IPv4 address is the upper half of `hi`, all else is zero.
+// the same code for both: an IPv4 address is the upper half of `hi`, all else is zero.
 struct IpAddress {
     std::uint64_t hi = 0;
     std::uint64_t lo = 0;
@@ -62,7 +62,8 @@ struct IpAddress {
     friend auto operator<=>(IpAddress const&, IpAddress const&) = default;
 };
 
-// Invariants (of what the factories make): no bit beyond `length` is set; length <= addressBits.
+// Invariants of a prefix made by the factories: no bit beyond `length` is set; length <=
+// addressBits.
 struct Prefix {
     IpAddress address;
     std::uint8_t length = 0;

@@ -138,7 +138,7 @@ std::optional<std::span<Command>> CommandQueue::waitAndTake() {
         if (somethingToDo()) {
             return takeLocked();
         }
-        // The hint was about something that is done already.
+        // The hint was set for a command that is done already.
         hint_.store(false, std::memory_order_relaxed);
     }
 }
@@ -159,7 +159,7 @@ std::span<Command> CommandQueue::takeLocked() {
 
 void CommandQueue::done() {
     done_ = takes_;
-    // Whoever waits has said so before it looked at done_.
+    // A waiting thread sets someoneWaits_ before it looks at done_.
     if (someoneWaits_) {
         std::lock_guard const lock(mutex_);
         doneChanged_.notify_all();

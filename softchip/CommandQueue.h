@@ -1,8 +1,8 @@
-// The one door to the chip's thread: what it is to do, in order.
+// The one way to the chip's thread: what it is to do, in order.
 //
 // Table changes and packets stand in the same queue, so a packet meets the tables as they were when
-// it was injected. Slots are used again, with the room they have for a packet's bytes, so a queue
-// that has seen its longest row of long packets does not allocate any more.
+// it was injected. Slots are used again together with their buffers for packets' bytes, so a queue
+// that has reached its greatest length, with its longest packets, does not allocate any more.
 //
 // The thread that waits looks for work a bounded number of times (some tens of microseconds) before
 // it sleeps: the engine injects its next packet within that time when it is busy, and waking a
@@ -26,7 +26,7 @@ namespace SoftChip {
 
 class Tables;
 
-// A packet to be injected, and whom its digest is for (DigestChannel.h).
+// A packet to be injected, and the registration that its digest is for (DigestChannel.h).
 struct Injection {
     std::uint8_t pipe = 0;
     std::uint8_t portIndex = 0;
@@ -70,10 +70,10 @@ class CommandQueue {
     void waitUntilDone();
     // Whether there is something to do.
     bool pending() const;
-    // Whether the chip's thread sleeps, having nothing to do.
+    // Whether the chip's thread sleeps because it has nothing to do.
     bool asleep() const;
 
-    // Everything pushed and not taken yet; it stands until the next time something is taken.
+    // Everything pushed and not taken yet; valid until the next call of take() or waitAndTake().
     std::span<Command> take();
     // The same, once something was pushed or wake() called; nothing when stopped.
     std::optional<std::span<Command>> waitAndTake();
@@ -95,7 +95,7 @@ class CommandQueue {
     bool somethingToDo() const { return pushed_.used > 0 || woken_ || stopped_; }
     std::span<Command> takeLocked();
 
-    // What a push changes, in as few cache lines as it can be.
+    // What a push changes, in as few cache lines as possible.
     alignas(64) mutable std::mutex mutex_;
     std::uint64_t pushes_ = 0;
     bool woken_ = false;
@@ -109,7 +109,7 @@ class CommandQueue {
     std::atomic<std::uint64_t> done_ = 0;
     std::atomic<bool> someoneWaits_ = false;
     std::condition_variable doneChanged_;
-    // Set after the lock is released, so that who spins does not run into the lock.
+    // Set after the lock is released, so that a thread that spins on it does not run into the lock.
     alignas(64) std::atomic<bool> hint_ = false;
 };
 

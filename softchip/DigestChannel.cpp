@@ -11,7 +11,7 @@ using Kind = JournalEntry::Kind;
 
 namespace {
 
-// What the pipeline tells of a decision.
+// The digest of a decision.
 TraceDigest digestOf(std::uint16_t pktId, Decision const& decision) {
     return {.pktId = pktId,
             .copyToCpu = decision.copyToCpu,
@@ -93,7 +93,7 @@ void DigestChannel::add(std::uint16_t pktId, Decision const& decision,
     }
 }
 
-// Another packet's digest is ready: those that have waited for enough of them follow it.
+// Another packet's digest is ready: held ones that have now waited for enough later ones follow it.
 void DigestChannel::overtakeHeld() {
     if (held_.empty()) {
         return;
@@ -126,8 +126,8 @@ void DigestChannel::send() {
     ready_.erase(ready_.begin(), ready_.end() - static_cast<std::ptrdiff_t>(rest.size()));
 }
 
-// Hands out, or drops, what stands first and is for the same receiver. Returns how many digests are
-// done with; none if no message is free.
+// Hands out, or drops, the first digests that are for one and the same receiver. Returns how many
+// that were; 0 if no message is free.
 std::size_t DigestChannel::sendSome(Digests digests) {
     DigestReceiver receiver;
     pipe_flow_lrn_msg_t* message = nullptr;
@@ -168,7 +168,7 @@ void DigestChannel::call(DigestReceiver const& receiver, pipe_flow_lrn_msg_t* me
     callbackEnded_.notify_all();
 }
 
-// Takes a free message, or a new one, into the outstanding ones.
+// Fills a free message, or a new one, and adds it to the outstanding ones.
 pipe_flow_lrn_msg_t* DigestChannel::fill(Digests digests) {
     if (free_.empty()) {
         free_.emplace_back();

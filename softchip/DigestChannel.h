@@ -6,8 +6,8 @@
 //   there          deregister() -> closing, or none if no callback runs
 //   closing        the callback that runs returns -> none
 //
-// While closing the callback that runs may still acknowledge, and no other one starts; so whoever
-// deregisters waits for one callback at most. A callback that deregisters itself does not wait.
+// While closing, the callback that runs may still acknowledge, and no other one starts; so
+// deregister() waits for one callback at most. A callback that deregisters itself does not wait.
 //
 //   message        left by
 //   free           send() -> outstanding
@@ -53,19 +53,19 @@ class DigestChannel {
     // the chip's again. Refuses what is not registered.
     Status deregister();
 
-    // The one that the digests of packets that are injected now are for.
+    // The registration that digests of packets injected now are for.
     RegistrationNumber registration() const { return receiver_ ? registrations_ : 0; }
 
     // Gives a message back. Refuses one that is not outstanding. `resume` becomes true if entries
-    // waited for it: send() has something to do.
+    // waited for a free message: send() then has something to do.
     Status acknowledge(pipe_flow_lrn_msg_t const* message, bool& resume);
     std::size_t outstanding() const;
 
-    // Makes the digest of a packet ready, or does with it what a fault says.
+    // Makes the digest of a packet ready, or does with it what a fault demands.
     void add(std::uint16_t pktId, Decision const& decision, RegistrationNumber registration);
-    // Makes ready what a fault holds back, in the order in which it was held.
+    // Makes the digests ready that a fault holds back, in the order in which they were held.
     void releaseHeld();
-    // Hands out what is ready, in as few messages as it takes. Entries for which nobody is
+    // Hands out what is ready, in as few messages as possible. Entries for which nobody is
     // registered are dropped.
     void send();
 
@@ -95,7 +95,7 @@ class DigestChannel {
     Faults& faults_;
     Journal& journal_;
 
-    std::vector<Ready> ready_;  // the chip's thread's own, as the next
+    std::vector<Ready> ready_;  // used by the chip's thread alone, as held_ is
     std::vector<Held> held_;    // in the order in which they were held
 
     mutable std::mutex mutex_;
@@ -105,8 +105,8 @@ class DigestChannel {
     std::list<Message> outstanding_;          // in the order of sending
     std::list<Message> free_;
     bool starved_ = false;  // entries wait for an acknowledgement
-    // Changed by the event thread alone, which reads them for every packet: apart from what the
-    // chip's thread changes for every message.
+    // Changed by the event thread alone, which reads them for every packet; on cache lines other
+    // than those that the chip's thread changes for every message.
     alignas(64) SdkSeam::DigestReceiver receiver_;
     RegistrationNumber registrations_ = 0;
 };

@@ -2,7 +2,7 @@
 // reason and with what the frame met there.
 //
 // Everything is a value: which port, which rule of which list, which prefix. Words, and the names
-// that people gave to these things, are the business of whoever shows them. Making an explanation
+// that people gave to these things, are added where an explanation is shown. Making an explanation
 // neither allocates nor formats.
 #pragma once
 
@@ -55,7 +55,7 @@ struct HopsLeft {  // TTL or hop limit
     friend bool operator==(HopsLeft, HopsLeft) = default;
 };
 struct NextHopChoice {         // by the flow's hash
-    std::uint32_t picked = 0;  // place in the set, from 0
+    std::uint32_t picked = 0;  // position in the set, from 0
     std::uint32_t candidates = 0;
     friend bool operator==(NextHopChoice, NextHopChoice) = default;
 };
@@ -83,14 +83,15 @@ class Explanation {
 
     // In the order in which the steps were taken; the last one's reason is the decision's.
     std::span<Entry const> entries() const { return entries_.items(); }
-    // In the order of the step's looking at them; good until the explanation changes.
+    // In the order in which the step looked at them; valid until the explanation changes.
     std::span<Detail const> details(Entry const& entry) const {
         return details_.items().subspan(entry.firstDetail, entry.detailCount);
     }
     // What the parser made of the frame, if the first step met it (FrameItself).
     ParsedFrame const& frame() const { return frame_; }
 
-    // How it is made: clear(), and then for each step what it meets, and took().
+    // An explanation is made with clear(), and then for each step with met() for each thing that it
+    // meets, and took().
     void clear() {
         entries_.clear();
         details_.clear();
@@ -106,8 +107,8 @@ class Explanation {
                       static_cast<std::uint8_t>(details_.size() - told)});
     }
 
-    // No step is taken twice, and one that finds no CPU port stands twice. A routed frame that
-    // comes in on one LAG with a tag and leaves by another meets the most, 20 things.
+    // No step is taken twice, but a step that finds no CPU port has two entries. A routed frame
+    // that comes in on one LAG with a tag and leaves by another meets the most, 20 things.
     static constexpr std::size_t maxEntries = stepCount + 1;
     static constexpr std::size_t maxDetails = 24;
 

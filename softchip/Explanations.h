@@ -1,4 +1,4 @@
-// The roads that packets took through the pipeline, by packet id, for who asks for them.
+// The ways that packets took through the pipeline, by packet id.
 //
 // While switched off nothing is explained and nothing is kept. While on, the newest `capacity` are
 // kept; room for them is made when it is switched on. Threads: any.
@@ -25,7 +25,7 @@ class Explanations {
 
     // Keeps the explanation of a packet; without effect while switched off.
     void add(std::uint16_t pktId, Explanation const& explanation);
-    // That of the newest packet with this id.
+    // The explanation of the newest packet with this id.
     std::optional<Explanation> find(std::uint16_t pktId) const;
 
   private:

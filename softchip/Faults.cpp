@@ -63,7 +63,7 @@ std::optional<DigestFault> Faults::digest(std::uint16_t pktId) {
     return decides;
 }
 
-// Keeps what the questions look at first, and forgets the digest faults that are over.
+// Updates the flags that the queries look at first, and forgets the digest faults that are over.
 void Faults::noteForce() {
     std::erase_if(digests_, [](DigestRule const& rule) { return rule.window.over(); });
     callsInForce_.store(

@@ -1,11 +1,11 @@
-// Faults to order: what goes wrong in the chip although nothing is wrong.
+// Faults to order: failures that a test or a simulation demands of the chip.
 //
 //   - a call of an SDK function fails and does nothing (a deregistration takes effect all the same,
-//     as its caller is about to go);
+//     because its caller is about to be destroyed);
 //   - a digest entry is lost, sent twice, or held back.
 //
 // Counters that stall or are reset: Generator.h. Phase-0 answers: Phase0Data.h.
-// Without any fault in force a question costs one load. Threads: any.
+// If no fault is in force, a query costs one load. Threads: any.
 #pragma once
 
 #include <array>
@@ -19,8 +19,8 @@
 
 namespace SoftChip {
 
-// Which of a row of events a fault meets, counted from the moment it was ordered: the nth (1 is the
-// next one) and, in all, `times` of them. No times: none.
+// Which of a series of events a fault meets, counted from the moment it was ordered: the nth (1 is
+// the next one) and those after it, `times` in all. With 0 times it meets none.
 class FaultWindow {
   public:
     explicit FaultWindow(std::uint64_t nth = 1, std::uint64_t times = 1)
@@ -56,20 +56,20 @@ struct DigestFault {
 class Faults {
   public:
     // Of the calls of a function from now on, the nth and `times` in all return `status`, which is
-    // not 0. Takes the place of what was ordered for the function; no times: nothing any more.
+    // not 0. Replaces what was ordered for the function; 0 times only cancels it.
     void failIs(SdkFunction function, p4_pd_status_t status, std::uint64_t nth = 1,
                 std::uint64_t times = 1);
 
-    // Adds a fault of digest entries. Each fault counts every entry that is its concern; if several
-    // meet an entry, the one ordered first decides.
+    // Adds a fault of digest entries. Each fault counts the entries with its packet id, or all
+    // entries; if several meet an entry, the one ordered first decides.
     void digestIs(DigestFault const& fault);
 
     // No fault is in force any more. What is held stays held.
     void clear();
 
-    // For the chip. Counts a call; the status to fail with, if it is to fail.
+    // For the chip. Counts a call; returns the status to fail with, if it is to fail.
     std::optional<p4_pd_status_t> failure(SdkFunction function);
-    // Counts a digest entry; the fault that decides over it, or none.
+    // Counts a digest entry; returns the fault that applies to it, or none.
     std::optional<DigestFault> digest(std::uint16_t pktId);
 
   private:
@@ -86,7 +86,7 @@ class Faults {
 
     std::mutex mutex_;
     std::array<CallFault, SdkSeam::allSdkFunctions.size()> calls_;  // by function
-    std::vector<DigestRule> digests_;  // in the order of ordering; those that are over go
+    std::vector<DigestRule> digests_;  // as ordered; those that are over are removed
     std::atomic<bool> callsInForce_ = false;
     std::atomic<bool> digestsInForce_ = false;
 };

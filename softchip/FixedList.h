@@ -10,7 +10,7 @@
 
 namespace SoftChip {
 
-// Copying copies what is in the list, not the room behind it. Threads: any, one at a time.
+// Copying copies the values in the list, not the unused capacity. Threads: any, one at a time.
 template <class T, std::size_t capacity>
 class FixedList {
   public:

@@ -32,7 +32,7 @@ VlanTag readTag(std::uint16_t tpid, std::uint16_t control) {
             static_cast<std::uint8_t>(control >> 13), (control & 0x1000) != 0};
 }
 
-// Takes addresses, tags and EtherType; what follows them, or nothing with l2Fault set.
+// Takes addresses, tags and EtherType; returns what follows them, or nothing with l2Fault set.
 Bytes parseEthernet(Bytes bytes, ParsedFrame& frame) {
     if (bytes.size() < 14) {
         frame.l2Fault = L2Fault::tooShort;
@@ -83,7 +83,7 @@ std::size_t ipv4HeaderLength(Bytes bytes) {
     return (bytes[0] & 15) * std::size_t{4};
 }
 
-// What keeps an IPv4 header from being read at all.
+// The fault that keeps an IPv4 header from being read at all.
 L3Fault ipv4Unreadable(Bytes bytes) {
     if (bytes.size() < 20) {
         return L3Fault::truncated;
@@ -113,7 +113,7 @@ Bytes trimmed(Bytes bytes, std::size_t length) {
     return bytes.first(std::min(length, bytes.size()));
 }
 
-// Takes the header; the packet's payload, empty if the header cannot be read.
+// Takes the header; returns the packet's payload, empty if the header cannot be read.
 Bytes parseIpv4(Bytes bytes, ParsedFrame& frame) {
     frame.l3 = L3::ipv4;
     frame.l3Fault = ipv4Unreadable(bytes);

@@ -1,9 +1,9 @@
 // The chip's parser: from a frame's bytes to the fields that the pipeline matches and forwards on.
 //
-// Any bytes get an answer, and no byte beyond the frame's end is read. What is broken is told by
-// layer: without the whole Ethernet part (addresses, tags, EtherType) there is no frame; behind a
-// broken IP or ARP header, or one that its EtherType did not promise, a frame is still one that a
-// bridge forwards.
+// Any bytes get an answer, and no byte beyond the frame's end is read. Faults are reported by
+// layer: without the whole Ethernet part (addresses, tags, EtherType) there is no frame; a frame
+// with a broken IP or ARP header, or with another header than its EtherType says, can still be
+// bridged.
 #pragma once
 
 #include <array>
@@ -36,7 +36,7 @@ enum class L2Fault : std::uint8_t { none, tooShort, tagTooShort };
 
 enum class L3 : std::uint8_t { none, arp, ipv4, ipv6 };
 
-// Why an IP or ARP header is not to be believed.
+// What is wrong with an IP or ARP header.
 enum class L3Fault : std::uint8_t {
     none,
     truncated,     // the header, or what its length fields count, is not all there
@@ -58,8 +58,9 @@ struct ParsedFrame {
     // What follows the last tag that was taken. Below 0x600 it is a length (IEEE 802.3).
     std::uint16_t etherType = 0;
 
-    // Set by the EtherType; `l3Fault` says whether what follows is what it promised. A router drops
-    // an IP packet with a fault, but its fields can still be matched if the header was all there.
+    // Set by the EtherType; `l3Fault` says whether the header that follows is what the EtherType
+    // says. A router drops an IP packet with a fault, but its fields can still be matched if the
+    // header was all there.
     L3 l3 = L3::none;
     L3Fault l3Fault = L3Fault::none;
     bool hasIp = false;  // the IP fields below are set
@@ -73,7 +74,7 @@ struct ParsedFrame {
     bool fragment = false;       // any fragment, the first included
     bool laterFragment = false;  // has no L4 header
 
-    // none also where the header is not all there.
+    // Also `none` where the header is not all there.
     L4 l4 = L4::none;
     std::uint16_t srcPort = 0;
     std::uint16_t dstPort = 0;

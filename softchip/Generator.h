@@ -10,8 +10,8 @@
 // enabled changes nothing.
 //
 // The counter has 64 bits. It rises on the chip's thread, by one a packet, before the packet enters
-// the pipeline. What is read of it can be made to stall or to start anew; the packets that were
-// generated are counted all the same.
+// the pipeline. The value that a read returns can be made to stall or to start anew; the generated
+// packets are counted all the same.
 // Threads: generated() any, noteGenerated() the chip's, everything else the event thread.
 #pragma once
 
@@ -40,15 +40,15 @@ class Generator {
 
     // The counter as it is read.
     std::uint64_t counter() const noexcept;
-    // A counter that stalls reads the same from now on; when it does so no longer it reads as if it
-    // had never stalled.
+    // A stalled counter reads the same from now on; when it stalls no longer, it reads as if it had
+    // never stalled.
     void stalledIs(bool stalled) noexcept;
-    // The counter reads `value` now and goes on from there; one that stalls goes on stalling.
+    // The counter reads `value` now and counts on from there; a stalled one stays stalled.
     void counterIs(std::uint64_t value) noexcept;
 
   private:
     GeneratorState state_ = GeneratorState::off;
-    // Apart from what the event thread changes for every packet.
+    // On another cache line than what the event thread changes for every packet.
     alignas(64) std::atomic<std::uint64_t> generated_ = 0;
     std::uint64_t offset_ = 0;  // counter minus generated, modulo 2^64
     std::optional<std::uint64_t> stalledAt_;

@@ -9,11 +9,12 @@
 //   address is the upper half of its upper word, all else zero. The ports are zero without TCP or
 //   UDP, and in every fragment, the first too, so that a packet's fragments stay together.
 //
-//   LAG, seed 0x4c41476d656d6265: of IPv4 and IPv6 the same five words (of the frame as it came
-//   in); of other frames, and behind a broken IP header, three: destination MAC, source MAC,
-//   EtherType.
+//   LAG, seed 0x4c41476d656d6265: for IPv4 and IPv6 the same five words (of the frame as it came
+//   in); for other frames, and for those with a broken IP header, three: destination MAC, source
+//   MAC, EtherType.
 //
-// The seeds differ so that the flows which ECMP sends one way still spread over that way's LAG.
+// The seeds differ so that flows for which ECMP picks the same next hop still spread over the
+// members of that next hop's LAG.
 #pragma once
 
 #include <cstddef>

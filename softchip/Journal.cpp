@@ -14,7 +14,7 @@ void add(std::string& line, std::string_view name, std::uint64_t value) {
     line.append(" ").append(name).append(" ").append(std::to_string(value));
 }
 
-// The call without its bytes, of which an entry has the sizes alone.
+// The call without its bytes: an entry has only their sizes.
 SdkCall callOf(JournalEntry const& entry) {
     return {.function = entry.function,
             .session = entry.session,

@@ -1,9 +1,10 @@
 // What the chip did: every call with its arguments and result, every packet, every digest.
 //
-// Entries carry one row of numbers, in the order in which they were written, whichever thread wrote
-// them; a cause has a lower number than its effect. Of the calls on the event thread the newest
-// `limit` are kept, and the same of what the chip's thread did; `unlimited` keeps all. The counters
-// know of what is no longer kept. Once the limit is reached nothing is allocated any more.
+// Entries are numbered in the order in which they were written; both threads take their numbers
+// from the same sequence, and a cause has a lower number than its effect. The newest `limit` calls
+// of the event thread are kept, and the newest `limit` entries of the chip's thread; `unlimited`
+// keeps all. The counters include entries that are no longer kept. Once the limit is reached
+// nothing is allocated any more.
 // Threads: any; the two writers do not get in each other's way.
 #pragma once
 
@@ -87,7 +88,7 @@ class Journal {
 
     explicit Journal(std::size_t limit = defaultLimit);
 
-    // Numbers the entry, counts what it tells and keeps it.
+    // Numbers the entry, updates the counters and keeps it.
     void add(JournalEntry entry);
 
     // The entries that are kept, by number.
@@ -95,8 +96,9 @@ class Journal {
     Counters counters() const;
 
   private:
-    // The entries of one writer: a ring once the limit is reached, with the oldest at `oldest`. Room
-    // for a limited number is there from the beginning; the system fills it when it is used.
+    // The entries of one writer: a ring once the limit is reached, with the oldest at `oldest`.
+    // Memory for a limited number is reserved from the beginning; the system provides its pages
+    // when they are used.
     struct alignas(64) Lane {
         mutable std::mutex mutex;
         std::vector<JournalEntry> entries;

@@ -1,7 +1,7 @@
 // Longest-prefix match for both families in any number of VRFs: one hash table of prefixes for all,
 // and for each VRF and family the set of lengths that are in use. A lookup tries these lengths from
-// the longest to the shortest, so its cost is that of a handful of hash lookups, and adding or
-// removing a prefix is one, however many there are. Owned by one thread.
+// the longest to the shortest, so it costs a handful of hash lookups. Adding or removing a prefix
+// costs one, however many prefixes there are. Owned by one thread.
 #pragma once
 
 #include <array>

@@ -9,7 +9,7 @@ namespace {
 constexpr std::uint8_t mark = 0xb7;
 constexpr std::uint8_t version = 1;
 
-// What a byte does to the check, for each byte.
+// The CRC of each byte.
 constexpr auto crcOfByte = [] {
     std::array<std::uint16_t, 256> table{};
     for (unsigned byte = 0; byte < table.size(); ++byte) {

@@ -10,7 +10,7 @@ Vanta::Ptr<Phase0Data> Phase0Data::Phase0DataIs(Vanta::Ptr<Orb::TaskSchedulerRoo
     return Vanta::makeNode<Phase0Data>(std::move(scheduler));
 }
 
-// Runs ahead of the tracer's worker, so that an answer is used in the turn that brings it.
+// Its task runs before the tracer's, so that an answer is used in the turn that delivers it.
 Phase0Data::Phase0Data(Vanta::Ptr<Orb::TaskSchedulerRoot> scheduler)
     : scheduler_(std::move(scheduler)),
       task_(Orb::Task::TaskIs(scheduler_, Orb::TaskPriority::p2, "phase0Data")) {
@@ -50,8 +50,8 @@ void Phase0Data::queue(Event const& event) {
     task_->schedule();
 }
 
-// What is caused meanwhile is of this turn, so it waits for the next. An announcement may let the
-// last reference go.
+// Events that are caused meanwhile belong to this turn, so they wait for the next one. An
+// announcement may release the last reference to this object.
 void Phase0Data::announceDue() {
     Vanta::Ptr<Phase0Data> const alive(this);
     while (!events_.empty() && refCount() > 1) {

@@ -11,12 +11,12 @@
 //   configDel, not asked        nothing
 //
 // An answer's entry appears at its announcement, not before. So an answer is announced only while
-// its request stands, and each request has one at most: what was asked, withdrawn and asked again
-// is answered once. A removal's announcement always finds the entry gone, as only an answer behind
-// it in the queue can bring a new one.
+// its request stands, and each request has one answer at most: an interface that was asked for,
+// withdrawn and asked for again is answered once. When a removal is announced, the entry is always
+// gone, because only an answer behind it in the queue can bring a new one.
 //
-// An interface that is no ingress port of the chip is answered with a status and no data. The port
-// is looked up when the answer is delivered.
+// The answer for an interface that is no ingress port of the chip is a status without data. The
+// port is looked up when the answer is delivered.
 // Thread: the event thread.
 #pragma once
 
@@ -45,9 +45,9 @@ class Phase0Data final : public VynSdk::Phase0DataIntf {
     void configIs(Plexa::IntfId const& intf) override;
     void configDel(Plexa::IntfId const& intf) override;
 
-    // Faults to order, each in place of what was ordered before. Of the answers to requests from
-    // now on, the nth and `times` in all:
-    //   come so many turns later, and what is behind them with them;
+    // Faults to order; each replaces what was ordered before. Of the answers to requests from now
+    // on, the nth and those after it, `times` in all:
+    //   come so many turns later, and delay what is behind them;
     void lateIs(std::uint64_t turns, std::uint64_t nth = 1, std::uint64_t times = 1);
     //   never come, though the request stands;
     void lostIs(std::uint64_t nth = 1, std::uint64_t times = 1);
@@ -57,7 +57,7 @@ class Phase0Data final : public VynSdk::Phase0DataIntf {
   private:
     friend struct Vanta::NodeFactory;
 
-    // What is to be announced. An answer is void unless it is its request's.
+    // What is to be announced. An answer is void if its request no longer stands.
     struct Event {
         Plexa::IntfId intf;
         std::uint64_t request = 0;  // the request's number; 0 for a removal
@@ -84,7 +84,7 @@ class Phase0Data final : public VynSdk::Phase0DataIntf {
 
     Vanta::Ptr<Orb::TaskSchedulerRoot> scheduler_;
     Kel::Collection<Plexa::IntfId, Vanta::Bytes> ingressPorts_;  // each one's phase-0 bytes
-    Kel::Collection<Plexa::IntfId, std::uint64_t> requests_;     // the number of each that stands
+    Kel::Collection<Plexa::IntfId, std::uint64_t> requests_;     // number of the standing request
     std::uint64_t lastRequest_ = 0;
     std::deque<Event> events_;  // in the order in which they were caused
     Late late_;

@@ -24,7 +24,7 @@ bool isInternal(Tables const& tables, DomainId domain) {
     return (intf && !intf->isVlan()) || !tables.vlan(domain);
 }
 
-// `mayBeInternal`: the port's configuration names the domain, not the frame's tag.
+// `mayBeInternal`: the domain comes from the port's configuration, not from the frame's tag.
 Verdict enterDomain(Walk& walk, DomainId domain, bool mayBeInternal, Reason reason) {
     walk.domain = walk.outDomain = domain;
     walk.internal = mayBeInternal && isInternal(walk.tables, domain);
@@ -52,7 +52,7 @@ Verdict classifyTagged(Walk& walk, PortMode mode, std::uint16_t tag) {
     return enterDomain(walk, tag, false, Reason::taggedVlan);
 }
 
-// 01:80:c2:00:00:00 to 0f: what bridges keep to themselves.
+// 01:80:c2:00:00:00 to 0f: addresses that bridges do not forward.
 bool isReservedGroup(MacAddress mac) {
     return mac.value >> 4 == 0x0180c2000000 >> 4;
 }
@@ -78,8 +78,7 @@ ProtocolRule const* protocolRule(Walk const& walk) {
     return found == rules.end() ? nullptr : &*found;
 }
 
-// Whether what stands right behind the domain's own tag is IP. A second tag is no router's
-// business.
+// Whether IP follows right behind the domain's own tag. Frames with a second tag are not routed.
 bool isIpInDomain(ParsedFrame const& frame) {
     return frame.isIp() && frame.tagCount <= 1;
 }

@@ -23,17 +23,17 @@ bool isLimitedBroadcast(IpAddress const& address) {
     return address == IpAddress::v4(0xffffffff);
 }
 
-// fe80::/10. IPv4's 169.254.0.0/16 is left to the routes.
+// fe80::/10. IPv4's 169.254.0.0/16 is not special here: the routes decide.
 bool isLinkLocal(IpAddress const& address) {
     return address.family == Family::ipv6 && address.hi >> 54 == 0xfe80 >> 6;
 }
 
-// No packet comes from there.
+// No packet may have this source.
 bool isBadSource(IpAddress const& address) {
     return address.isMulticast() || isLoopback(address) || isLimitedBroadcast(address);
 }
 
-// No router forwards there, or from there.
+// No router forwards packets with such addresses.
 bool isNotRouted(IpAddress const& src, IpAddress const& dst) {
     return dst.isMulticast() || isLoopback(dst) || isLimitedBroadcast(dst) || isUnspecified(dst) ||
            isUnspecified(src) || isLinkLocal(dst) || isLinkLocal(src);

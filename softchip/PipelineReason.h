@@ -1,7 +1,8 @@
 // The pipeline's steps and the reasons that they give. Pipeline.h says what each step does.
 //
-// A step's number is its place, and a reason's is nothing; both change when steps are added. What
-// stays is the code of each: a short name for programs. docs/explanations.md lists them.
+// A step's number is its position, and a reason's number means nothing; both change when steps are
+// added. The code of each does not change: a short name for programs. docs/explanations.md lists
+// them.
 #pragma once
 
 #include <cstdint>
@@ -107,7 +108,7 @@ enum class Reason : std::uint8_t {
 };
 constexpr unsigned reasonCount = static_cast<unsigned>(Reason::noCpuPort) + 1;
 
-// The same for ever: "vlanClassification", "portDown". No two steps, and no two reasons, have one.
+// Never changes: "vlanClassification", "portDown". No two steps, and no two reasons, share a code.
 std::string_view code(Step step);
 std::string_view code(Reason reason);
 

@@ -38,7 +38,7 @@ struct Walk {
     }
 };
 
-// How a step ends: another step, or one of the four ends of the road.
+// How a step ends: with another step, or with one of the four outcomes.
 struct Verdict {
     enum class Kind : std::uint8_t { goOn, drop, toCpu, flood, forward };
     Kind kind;

@@ -12,7 +12,7 @@ using DevicePort = std::uint16_t;  // pipe * 128 + index in the pipe
 using LagId = std::uint16_t;
 using VrfId = std::uint16_t;
 // What a frame is bridged in: a VLAN, or the internal VLAN of a routed port or sub-interface. 1 to
-// 4094; 0 is no domain. An L3 interface is named by its domain, as no domain has two.
+// 4094; 0 is no domain. An L3 interface is identified by its domain, because no domain has two.
 using DomainId = std::uint16_t;
 
 constexpr DevicePort maxDevicePort = 455;
@@ -25,8 +25,8 @@ constexpr unsigned pipeOf(DevicePort port) {
     return port >> 7;
 }
 
-// What bridging and routing point at: a port of its own, a whole LAG, or nothing. A member of a LAG
-// is never addressed on its own; what enters at it enters at its LAG.
+// What bridging and routing send to: a single port, a whole LAG, or nothing. A member of a LAG is
+// never a LogicalPort of its own; a frame that enters at it enters at its LAG.
 class LogicalPort {
   public:
     constexpr LogicalPort() = default;

@@ -35,7 +35,7 @@ SoftChip::~SoftChip() {
     }
 }
 
-// What was noted first may have its effect on the chip's thread.
+// A call takes effect on the chip's thread only after it was noted in the journal.
 void SoftChip::call(SdkCall& call) {
     auto const refusal = check(call);
     auto const failure = faults_.failure(call.function);
@@ -57,7 +57,8 @@ void SoftChip::call(SdkCall& call) {
     }
 }
 
-// Does what is done before the call is noted. True if the chip's thread has something to do then.
+// Does what must be done before the call is noted. True if the chip's thread has something to do
+// afterwards.
 bool SoftChip::accept(SdkCall& call) {
     bool wakes = false;
     switch (call.function) {

@@ -52,8 +52,9 @@ class SoftChip final : public SdkSeam::Chip {
     // order. A deregistration returns when no callback runs; none will run later.
     void call(SdkSeam::SdkCall& call) override;
 
-    // Has the tables changed, behind what was injected before. What `change` refers to is used and
-    // destroyed on the chip's thread: no counted pointers, texts or bytes of the object framework.
+    // Has the tables changed, after the packets that were injected before. What `change` refers to
+    // is used and destroyed on the chip's thread: no counted pointers, texts or bytes of the object
+    // framework.
     void change(std::function<void(Tables&)> change);
 
     // Returns when everything that was asked for before has been done and its digests have gone
@@ -64,7 +65,7 @@ class SoftChip final : public SdkSeam::Chip {
     // Threaded mode: whether the thread sleeps, having nothing to do.
     bool asleep() const { return queue_.asleep(); }
 
-    // What goes wrong to order. Digests that are held go out behind what was injected before.
+    // Faults to order. Held digests are released after the packets that were injected before.
     Faults& faults() { return faults_; }
     void releaseHeld() { queue_.pushReleaseHeld(); }
     // A pipe's packet generator, 0 to 3: its state, and the faults of its counter.
@@ -94,7 +95,7 @@ class SoftChip final : public SdkSeam::Chip {
     Faults faults_;
     Explanations explanations_;
     std::array<Generator, pipeCount> generators_;
-    Tables tables_;            // the chip's thread's own
+    Tables tables_;            // used by the chip's thread alone
     Explanation explanation_;  // the same; of the packet that is under way
     CommandQueue queue_;
     DigestChannel channel_;

@@ -28,8 +28,8 @@ struct PortMode {
     Kind kind = Kind::none;
     DomainId untagged = noDomain;
 
-    // An access port is a trunk that carries but its own VLAN: what makes the difference are the
-    // VLANs that have it as a member.
+    // An access port is a trunk that carries only its own VLAN: the difference lies in the VLANs
+    // that have it as a member.
     static PortMode access(DomainId vlan) { return {Kind::bridged, vlan}; }
     static PortMode trunk(DomainId native = noDomain) { return {Kind::bridged, native}; }
     static PortMode routed(DomainId internal = noDomain) { return {Kind::routed, internal}; }
@@ -56,15 +56,15 @@ struct Vlan {
 struct L3Intf {
     VrfId vrf = 0;
     MacAddress routerMac{};
-    // Where a routed port's or sub-interface's domain ends; none for a VLAN interface, whose VLAN's
-    // FDB says it.
+    // The port or LAG of a routed port's or sub-interface's domain; none for a VLAN interface,
+    // where the VLAN's FDB decides.
     LogicalPort out{};
     std::uint16_t tag = 0;  // the sub-interface's tag, 0 for none
 
     bool isVlan() const { return out.isNone(); }
 };
 
-// One way on: the interface and the neighbour's address there.
+// One next hop: the interface and the neighbour's address there.
 struct NextHop {
     DomainId domain = noDomain;
     IpAddress gateway{};

@@ -7,7 +7,8 @@
 //
 // Verbs: `xIs` adds or replaces, `xDel` removes and says whether there was anything, `x` looks up.
 // A number out of its range raises std::out_of_range and names the table. References between tables
-// are not checked, as in silicon: an entry that points at what is not there drops what meets it.
+// are not checked, as in silicon: frames that meet an entry whose reference leads nowhere are
+// dropped.
 #pragma once
 
 #include <cstddef>
@@ -36,20 +37,21 @@ class Tables {
     // The port that takes what goes to the CPU: the lowest-numbered CPU port.
     std::optional<DevicePort> cpuPort() const { return cpuPort_; }
 
-    // The mode of a port or LAG; a LAG's holds for all its members, whose own is not looked at.
+    // The mode of a port or LAG; a LAG's mode holds for all its members, whose own modes are
+    // ignored.
     void modeIs(LogicalPort port, PortMode mode);
     PortMode mode(LogicalPort port) const;  // Kind::none if none was set
 
-    // LAGs. A port is in one LAG at most: the one that named it last. Deleting a LAG forgets its
-    // mode too.
+    // LAGs. A port is in one LAG at most: the last one that was set with it as a member. Deleting a
+    // LAG forgets its mode too.
     void lagIs(LagId lag, std::vector<LagMember> members);
     bool lagDel(LagId lag);
     Lag const* lag(LagId lag) const;
-    // Where a frame that enters at `port` enters: its LAG, or the port itself.
+    // The logical port where a frame from `port` enters: the port's LAG, or the port itself.
     LogicalPort logicalPort(DevicePort port) const;
 
-    // Sub-interfaces: the domain of the frames with `tag` (1 to 4094) on a port or LAG. If that is a
-    // VLAN, the sub-interface is bridged: the VLAN must have the port or LAG as a member.
+    // Sub-interfaces: the domain of the frames with `tag` (1 to 4094) on a port or LAG. If that is
+    // a VLAN, the sub-interface is bridged: the VLAN must have the port or LAG as a member.
     void subIntfIs(LogicalPort parent, std::uint16_t tag, DomainId domain);
     bool subIntfDel(LogicalPort parent, std::uint16_t tag);
     DomainId subIntf(LogicalPort parent, std::uint16_t tag) const;  // noDomain if there is none
