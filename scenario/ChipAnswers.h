@@ -1,5 +1,5 @@
-// What a chip answered during one event, as the events that stand ahead of it in a scenario, so that
-// the scripted chip answers alike. Thread: one at a time.
+// The chip's answers during one event, as the events that stand before it in a scenario, so that
+// the scripted chip gives the same answers. Thread: one at a time.
 #pragma once
 
 #include <map>
@@ -18,8 +18,8 @@ class ChipAnswers {
     // Every value that a pipe's counter gave.
     std::vector<Do::Counter> counters() const;
 
-    // One instruction a function, in the order of their first calls: so many calls that succeed, so
-    // many that fail alike, and no more.
+    // One instruction for each function, in the order of their first calls: how many calls succeed,
+    // and how many then fail with the same status.
     struct Failures {
         Do::SdkReturn told;
         bool isAll;  // no later call failed in another way

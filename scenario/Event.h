@@ -1,8 +1,8 @@
 // The events of a scenario, one type each. docs/scenario.md describes their lines; a member that a
 // line may leave out has its default here.
 //
-// Values: they copy freely, and what is large in them is shared. Thread: that of the objects that
-// they are about.
+// Events are values: copying is cheap, because large parts are shared. Thread: that of the objects
+// that they are about.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +19,7 @@
 
 namespace Scenario {
 
-// The most that one event says of turns, or of calls that return something.
+// The greatest number of turns, or of calls that return something, in one event.
 inline constexpr std::uint32_t mostTimes = 1'000'000;
 
 namespace Do {
@@ -83,8 +83,8 @@ struct YieldAfter {
     std::uint32_t checks = 0;
 };
 
-// Clients and requests. What stands in a directory is an object of the directory's own type,
-// nothing, or an object of another type.
+// Clients and requests. The entity of a directory entry is an object of the directory's own type,
+// null, or an object of another type.
 enum class Entity : std::uint8_t { own, none, other };
 
 struct ClientConfig {

@@ -1,14 +1,14 @@
-// What each event is called and which members its line has, in the order in which they stand
-// there. Reader and writer both go through this, so it is the one place that knows the lines.
+// The name of each event, and the members of its line in their order. Reader and writer both go
+// through this file, so the lines are described once.
 //
 // An Io is told of each member by name and value:
 //   must                 the member is always there
 //   may                  the reader leaves the value as it is if the member is not there
-//   mayOmit              the same, and the writer leaves out one value, too
+//   mayOmit              the same, and the writer omits the member at one value
 //   mustWord, mayWord    one of some texts, for an enumeration whose values count from 0
 //   entries              a list of so many objects at most
 //   oneOrList            a number, or under another name a list of one or more
-// Numbers take their range behind the value; without one it is that of their type.
+// For a number its range follows the value; without one the range is that of its type.
 #pragma once
 
 #include <algorithm>

@@ -7,7 +7,7 @@
 namespace Scenario {
 namespace {
 
-// What takes away what an event made; one operator an event of forwarding state.
+// The event that undoes another one; one operator for each event of forwarding state.
 struct Removal {
     Event operator()(Do::Port const& e) const { return Do::PortDel{e.intf}; }
     Event operator()(Do::PortToIntfId const& e) const { return Do::PortToIntfIdDel{e.port}; }

@@ -1,4 +1,4 @@
-// Forwarding state as a tracer reads it, and the events that tell a scenario of it.
+// Forwarding state as a tracer reads it, and the events that describe it in a scenario.
 // Thread: the event thread.
 #pragma once
 
@@ -23,13 +23,13 @@ struct ForwardingState {
     Vanta::Ptr<VynSlice::ChipStatus> chipStatus = VynSlice::ChipStatus::ChipStatusIs();
 };
 
-// What makes forwarding state what it is, in the order of its collections.
+// The events that make this forwarding state out of an empty one, in the order of its collections.
 std::vector<Event> eventsOf(ForwardingState const& state);
 
-// Forwarding state as a scenario has it by now.
+// Forwarding state as the events of a scenario have made it so far.
 class ToldState {
   public:
-    // The events that make it `state`, which it is from then on.
+    // The events that turn it into `state`; it counts as `state` from then on.
     std::vector<Event> becomes(ForwardingState const& state);
 
   private:

@@ -44,8 +44,7 @@ class Builder final : public nlohmann::json_sax<nlohmann::json> {
     bool parse_error(std::size_t column, std::string const&,
                      nlohmann::detail::exception const& error) override {
         std::string_view text = error.what();
-        // The parser's own account of the place counts from the line's beginning as well, but
-        // says "line 1" of every line.
+        // The parser's message gives the column, too, but says "line 1" for every line.
         if (std::size_t const at = text.find(": "); at != std::string_view::npos) {
             text.remove_prefix(at + 2);
         }
@@ -55,7 +54,7 @@ class Builder final : public nlohmann::json_sax<nlohmann::json> {
     LineValue& root() noexcept { return root_; }
 
   private:
-    // The place where the next value belongs.
+    // Where the next value is stored.
     LineValue& place() {
         if (open_.empty()) {
             return root_;
@@ -84,8 +83,8 @@ class Builder final : public nlohmann::json_sax<nlohmann::json> {
     }
 
     LineValue root_;
-    // The objects and lists around the next value. A list only grows while its last value is not
-    // open, so these stay where they are.
+    // The objects and lists around the next value. A list grows only while its last value is not
+    // open, so these pointers stay valid.
     std::vector<LineValue*> open_;
 };
 

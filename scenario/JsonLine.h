@@ -1,8 +1,8 @@
 // One line of a scenario as a JSON value, read strictly.
 //
-// Besides what JSON itself forbids, a repeated member (names count as they read after unescaping),
-// invalid UTF-8, a byte-order mark, an unpaired surrogate, and anything nested deeper than a
-// scenario ever is are refused.
+// Refused are, besides what JSON itself forbids: a repeated member (names are compared after
+// unescaping), invalid UTF-8, a byte-order mark, an unpaired surrogate, and deeper nesting than a
+// scenario ever has.
 #pragma once
 
 #include <cstdint>

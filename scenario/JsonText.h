@@ -17,8 +17,8 @@ void appendJsonText(std::string& out, std::string_view text);
 // The same as a text of its own.
 std::string jsonText(std::string_view text);
 
-// One value after the other into a text. The caller opens and closes objects and lists in pairs and
-// gives every member of an object its name; commas come by themselves.
+// Appends one value after the other to a text. The caller opens and closes objects and lists in
+// pairs and gives every member of an object its name; the commas are added.
 class JsonWriter {
   public:
     explicit JsonWriter(std::string& out) noexcept : out_(out) {}
@@ -62,7 +62,7 @@ class JsonWriter {
   private:
     JsonWriter& signedNumber(std::int64_t value);
     JsonWriter& unsignedNumber(std::uint64_t value);
-    // A comma, if something stands before the next value.
+    // Adds a comma if the next value is not the first.
     void separate();
 
     std::string& out_;

@@ -8,7 +8,7 @@
 namespace Scenario {
 namespace {
 
-// What is there instead of what was expected, with the value where it helps.
+// Describes the value that is there instead of the expected one, with its text where that helps.
 std::string described(LineValue const& value) {
     if (auto const* number = std::get_if<std::int64_t>(&value.value)) {
         return std::to_string(*number);

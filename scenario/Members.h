@@ -37,7 +37,7 @@ class Members {
         may(name, value, range...);
     }
 
-    // The same for an enumeration, or a number, by the text's position in `words`.
+    // The same for an enumeration, or a number: the value is the text's position in `words`.
     template <class Enum>
     void mustWord(std::string_view name, Enum& value, std::span<std::string_view const> words) {
         value = static_cast<Enum>(position(name, at(name), words));
@@ -66,11 +66,11 @@ class Members {
     void end() const;
 
   private:
-    // The member, which counts as taken; null if it is not there. `at` refuses that too.
+    // The member, which then counts as taken; null if it is not there. `at` refuses a missing one.
     LineValue const* take(std::string_view name);
     LineValue const& at(std::string_view name);
 
-    // A value as what it must be; the name is that of its member.
+    // Converts a value to the type that it must have; the name is that of its member.
     static void read(std::string_view name, LineValue const& value, bool& to);
     static void read(std::string_view name, LineValue const& value, std::int32_t& to);
     static void read(std::string_view name, LineValue const& value, Vanta::String& to);

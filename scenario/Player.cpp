@@ -78,7 +78,7 @@ struct Player::Playing {
     }
     void operator()(Do::YieldAfter const& e) const { stage.scheduler->yieldAfterIs(e.checks); }
 
-    // Of another type, as far as the directories of clients go, is a directory.
+    // The entity of another type is a directory, which is never a client's own object.
     static void put(Kel::Dir& directory, Vanta::String const& client, Do::Entity entity,
                     auto const& own) {
         directory.entryIs(client, entity == Do::Entity::own     ? Vanta::Ptr<Vanta::Node>(own())

@@ -1,8 +1,9 @@
-// Puts the events of a scenario onto what they are about: the clients' directories, forwarding
-// state, the event loop, the scripted chip, and the tracer while there is one.
+// Carries out the events of a scenario on the objects that they are about: the clients'
+// directories, forwarding state, the event loop, the scripted chip, and the tracer while there is
+// one.
 //
-// The player holds the tracer's root and nothing of what the tracer owns, so that releasing the root
-// takes everything down in the tracer's own order. Thread: one only.
+// The player holds the tracer's root and nothing of what the tracer owns, so that releasing the
+// root takes everything down in the tracer's own order. Thread: one only.
 #pragma once
 
 #include <optional>
@@ -20,7 +21,8 @@
 
 namespace Scenario {
 
-// What a scenario plays on. By default new objects; what the tracer is given of a chip is the chip's.
+// The objects that a scenario plays on. By default new ones; the objects that a chip provides for
+// the tracer come from the chip.
 struct Stage : ForwardingState {
     Vanta::Ptr<Kel::Dir> config = Kel::Dir::DirIs();
     Vanta::Ptr<Kel::Dir> status = Kel::Dir::DirIs();
@@ -53,7 +55,7 @@ class Player {
     // The engine's state; nothing while there is no tracer.
     std::optional<VynPacketTracer::PktGenState> engineState() const;
 
-    // One of the objects that the player plays with, by the name of what it is for.
+    // One of the objects that the player works on, by name.
     struct Root {
         std::string_view name;
         Vanta::Node const* node;  // null for a tracer that is not there
@@ -62,8 +64,9 @@ class Player {
     std::vector<Root> roots() const;
 
   protected:
-    // The object that goes into a directory as a client's own, and the one that its requests or
-    // results concern, null for none: a new one, and the one that stands in the directory.
+    // newConfig() and newStatus() give the object that goes into a directory as a client's own:
+    // here a new one. The other two give the object that the client's requests or results concern,
+    // null for none: here the one in the directory.
     virtual Vanta::Ptr<PacketTracer::ClientConfig> newConfig(Vanta::String const& client);
     virtual Vanta::Ptr<PacketTracer::ClientStatus> newStatus(Vanta::String const& client);
     virtual Vanta::Ptr<PacketTracer::ClientConfig> config(Vanta::String const& client) const;

@@ -8,7 +8,7 @@ namespace Scenario {
 std::string line(Event const& event) {
     LineWriter line;
     line.must("do", Vanta::String(eventNames[event.index()]));
-    // A copy: the same walk as the reader's, which changes what it is given.
+    // A copy, because the walk is also the reader's, which changes the event that it is given.
     std::visit([&line](auto copy) { members(line, copy); }, event);
     return line.text();
 }

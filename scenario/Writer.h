@@ -7,8 +7,8 @@
 
 namespace Scenario {
 
-// The line of an event, without its end. readEvent() makes the same event of it, but for texts that
-// are not valid UTF-8: they get a replacement character where they are not.
+// The line of an event, without its end. readEvent() reads the same event from it, except that
+// invalid UTF-8 in texts becomes a replacement character.
 // Precondition: the event's members are within the ranges that readEvent() takes.
 std::string line(Event const& event);
 
