@@ -2,9 +2,9 @@
 //
 // The first line names the objects to start from, by number:
 //     {"roots":{"config":1,"tracer":null}}
-// One line an object follows, in the order of the numbers. An attribute stands under its number and
-// name ("130 request"), under its name alone if it has no number; an object that an attribute
-// points to is {"object":N}, no object is null. Every object stands there once. An object without a
+// One line an object follows, in the order of the numbers. The key of an attribute is its number
+// and name ("130 request"), or its name alone if it has no number. An object that an attribute
+// points to is {"object":N}; no object is null. Every object has one line. An object without a
 // reflection table has no attributes.
 #pragma once
 

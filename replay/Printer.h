@@ -1,8 +1,8 @@
 // Prints the observations of a run, each at the moment it happens, as one JSON object a line.
 //
-// While an Observation lives, the printer is told of every publication and trace statement ahead of
-// everybody else, and of the end of the process. What is printed waits in a buffer until flush();
-// the buffer empties itself when it grows large, and before the process ends.
+// While an Observation lives, the printer is told of every publication and trace statement before
+// anybody else, and of the end of the process. Lines wait in a buffer until flush(); the buffer is
+// also written out when it grows large, and before the process ends.
 // Thread: one only.
 #pragma once
 
@@ -21,7 +21,7 @@
 
 namespace Replay {
 
-// The exit status of a run that came to the end of the process.
+// The exit status of a run in which the process ends.
 inline constexpr int fatalStatus = 3;
 
 class Printer final : public ScriptChip::Listener {
@@ -39,9 +39,10 @@ class Printer final : public ScriptChip::Listener {
     void error(std::exception const& error);
     // The end of the process.
     void fatal(std::string_view type, std::string_view text);
-    // The same, and the process ends with it: what was printed is flushed, the status is fatalStatus.
+    // The same, and the process ends with it: what was printed is flushed, the status is
+    // fatalStatus.
     void exitFatal(std::string_view type, std::string_view text);
-    // Lines that stand for themselves.
+    // Lines that are printed as they are.
     void lines(std::string_view text);
 
     void trace(std::string_view handle, unsigned level, std::string_view text);
@@ -53,7 +54,7 @@ class Printer final : public ScriptChip::Listener {
     // Hands everything printed so far to the stream; false if the stream does not take it.
     bool flush();
 
-    // Prints nothing any more: what follows is not part of the run.
+    // Prints nothing from now on: what follows is not part of the run.
     void close() noexcept { closed_ = true; }
 
   private:

@@ -32,7 +32,8 @@ class Run {
           observation_(printer_) {}
     Run(Run const&) = delete;
     Run& operator=(Run const&) = delete;
-    // What the end of the run takes down is no part of it.
+    // The objects that are destroyed at the end of the run are not observed: that is no part of the
+    // run.
     ~Run() { printer_.close(); }
 
     int lines(std::istream& in) {

@@ -13,15 +13,15 @@ struct Options {
     bool dump = false;       // print every object when the whole input was run
 };
 
-// The exit statuses. The one after the end of the process is fatalStatus (Printer.h).
+// The exit statuses. If an event ends the process, it is fatalStatus (Printer.h).
 inline constexpr int allRun = 0;
 inline constexpr int cannotWrite = 1;
 inline constexpr int badInput = 2;
 
 // Runs a scenario and returns the exit status. Each line is carried out, and its observations are
-// handed to `out`, before the next one is read, so `in` may be a person. A line that is refused
-// ends the run with one line on `err` that names it. An event that would end the process does end
-// it, with fatalStatus, after everything has been printed.
+// handed to `out`, before the next one is read, so a person may type the lines. A line that is
+// refused ends the run with one line on `err` that names it. An event that would end the process
+// does end it, with fatalStatus, after everything has been printed.
 //
 // It uses the process's taps, its last step and, in the SDK seam, the scenario's device: one run at
 // a time. Thread: one only.

@@ -6,7 +6,7 @@ namespace Simulate {
 
 using SdkSeam::SdkFunction;
 
-// A forged message is not the chip's to have back.
+// A forged message is not the chip's, so its acknowledgement is not handed on.
 void Board::called(SdkSeam::SdkCall& call, SdkSeam::Chip& behind) {
     if (call.function != SdkFunction::notifyAck || call.message != forged_) {
         behind.call(call);

@@ -1,7 +1,7 @@
-// What stands between the tracer and its software chip: it writes down every call and answer on its
-// way, and slips in what a chip of its own accord never does.
+// The board between the tracer and its software chip: it writes down every call and answer, and
+// adds what a real chip never does by itself.
 //
-// It stands in front of the chip, for the calls and for the learn messages. Thread: one only.
+// Calls and learn messages both go through it. Thread: one only.
 #pragma once
 
 #include <vector>
@@ -39,7 +39,7 @@ class Board final : SdkSeam::CallHook, SdkSeam::DigestHook {
     SdkSeam::ForwardingChip front_;
 };
 
-// The phase-0 data of the chip, with what the tracer asks written down.
+// The phase-0 data of the chip; writes down what the tracer asks for.
 class Phase0Desk final : public VynSdk::Phase0DataIntf {
   public:
     static Vanta::Ptr<Phase0Desk> Phase0DeskIs(Vanta::Ptr<SoftChip::Phase0Data> chip,
@@ -48,7 +48,7 @@ class Phase0Desk final : public VynSdk::Phase0DataIntf {
     void configIs(Plexa::IntfId const& intf) override;
     void configDel(Plexa::IntfId const& intf) override;
 
-    // What somebody else asks or withdraws.
+    // Somebody else asks for an interface, or withdraws it.
     void askElsewhere(Plexa::IntfId const& intf) { chip_->configIs(intf); }
     void dropElsewhere(Plexa::IntfId const& intf);
 

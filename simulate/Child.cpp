@@ -67,7 +67,7 @@ void writeScenario(Transcript const& transcript, Program const& program, Report 
 
 [[noreturn]] void runAndExit(Program const& program, int pipe, std::string const& file) {
     ::alarm(secondsBeforeItHangs);
-    // The texts of foreseen ends are nobody's business.
+    // Nobody reads the texts of foreseen ends.
     int const nowhere = ::open("/dev/null", O_WRONLY);
     int const complaints = ::dup(STDERR_FILENO);
     ::dup2(nowhere, STDERR_FILENO);

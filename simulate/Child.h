@@ -1,4 +1,4 @@
-// Runs in processes of their own: what ends the process, or breaks it, ends a run and no more.
+// Runs in processes of their own: if the process ends or crashes, only that run ends.
 #pragma once
 
 #include "simulate/Program.h"
@@ -14,7 +14,7 @@ class Child {
     explicit Child(Program const& program, std::string const& scenario = "");
     Child(Child const&) = delete;
     Child& operator=(Child const&) = delete;
-    // Kills a run that nobody waited for.
+    // Kills the run if wait() was not called.
     ~Child();
 
     // Waits for the run's end. Errors: std::system_error.

@@ -5,8 +5,9 @@
 namespace Simulate {
 namespace {
 
-// A port's text: "pipe/index", each pipe's indexes used once. One draw a statement: in one sum each
-// compiler would draw in an order of its own, and a seed be another history.
+// A port's text: "pipe/index", each pipe's indexes used once. One draw a statement: within one
+// expression each compiler could draw in an order of its own, and a seed would then be a different
+// history.
 std::string portText(Random& random, std::uint64_t number) {
     auto const index = number * 7 + random.below(7);
     auto const pipe = random.below(4);

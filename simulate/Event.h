@@ -1,9 +1,9 @@
 // What happens to the tracer in a run: one outside event a step. An event of a scenario, or one
 // that scenarios do not have.
 //
-// A program is drawn whole before it runs, so that events can be left out of it and the rest still
-// means something: an event that makes no sense at its turn (a withdrawal of what is not there, say)
-// is passed over.
+// A program is drawn whole before it runs, so that events can be left out of it and the rest can
+// still be run: an event that makes no sense when its turn comes (the withdrawal of a request that
+// is not there, say) is skipped.
 //
 // Clients. Each name has one configuration and one status object in hand, which events about
 // requests concern whether or not the directories have them.
@@ -26,7 +26,8 @@ using Bytes = std::vector<std::uint8_t>;
 
 inline constexpr unsigned clientCount = 5;
 
-// Which of a row of occurrences a fault meets: the nth from now on, and so many in all.
+// Which of a series of occurrences a fault meets: the nth from now on and those after it, `times`
+// in all.
 struct Window {
     std::uint64_t nth = 1;
     std::uint64_t times = 1;
@@ -77,7 +78,8 @@ struct Phase0Status {
     std::uint32_t status = 0;
     Window window;
 };
-// Somebody else asks, so an answer for another interface comes, or withdraws it again.
+// Somebody else asks for phase-0 data, so that an answer for another interface comes, or withdraws
+// that request.
 struct Phase0Ask {
     Plexa::IntfId intf;
 };
@@ -101,7 +103,7 @@ struct DigestsSuffer {
 };
 struct ReleaseHeld {};
 // A learn message from nowhere. The packet ids of its entries are counted back from the engine's
-// newest one; above 60000 it is an id that nobody has.
+// newest one; a number above 60000 gives an id that no packet has.
 struct Forge {
     std::vector<SdkSeam::TraceDigest> entries;
 };

@@ -94,7 +94,7 @@ std::uint64_t sizeAndDigest(std::uint64_t number) {
 
 }  // namespace
 
-// A count that the function does not give is whatever its caller had.
+// If the function does not set the count, it is the value that the caller had.
 void Logbook::call(SdkSeam::SdkCall const& call) {
     std::string line = joined("sdk ", sdkFunctionName(call.function));
     eachArgument(call, [&line](std::string_view name, auto value) {
@@ -130,7 +130,8 @@ void Logbook::published(Vanta::Change const& change) {
     }
 }
 
-// A new entry starts from the defaults of its type, whatever it has when it is first published.
+// The copy of a new entry starts from the defaults of its type, not from the values that the entry
+// has when it is first published.
 void Logbook::presence(Node const* collection, std::string_view what, RequestId const& id,
                        Node const* entry) {
     note(what, entry != nullptr ? " add " : " del ", line(id));

@@ -1,8 +1,9 @@
 // Writes down what the tracer does: every trace statement, published change and call of the chip,
-// in order, and beside it what the chip told it (the wire).
+// in order; and, apart from that, what the chip told the tracer (the wire).
 //
 // It also keeps a copy of jobs, answers and results that it makes from publications alone. So it
-// knows of a publication that changed nothing, and what() tells of a change that nobody published.
+// notices a publication that changed nothing, and unpublished() finds a change that nobody
+// published.
 //
 // While it lives it hears every publication and every trace statement. Thread: one only.
 #pragma once
@@ -45,17 +46,18 @@ class Logbook {
     std::vector<std::string> takeLog() { return std::exchange(log_, {}); }
     Wire& wire() { return wire_; }
 
-    // Whether a statement of the tracer's means that somebody was called who should be gone.
+    // Whether a trace statement of the tracer is a breach, because there should be no tracer.
     void silenceIs(bool silence) { silence_ = silence; }
 
-    // A breach that was noticed while it happened; the first one since the last question.
+    // The first breach that was noticed since this was called last.
     std::optional<Breach> takeBreach() { return std::exchange(breach_, std::nullopt); }
     void breachIs(Breach breach);
 
-    // A collection is new: what is known of its address was another's, which went without a word.
+    // A collection is new: what is known of its address belonged to another one, which was
+    // destroyed without a publication.
     void forget(Vanta::Node const* collection) { present_.erase(collection); }
 
-    // Compares the copy with what there is. `tracer's` collections may be null.
+    // Compares the copy with what there is. The tracer's collections may be null.
     std::optional<Breach> unpublished(
         VynPacketTracer::PktGenConfig const* jobs, VynPacketTracer::PktGenStatus const* answers,
         std::vector<PacketTracer::ClientStatus const*> const& results) const;

@@ -263,7 +263,8 @@ void Model::start(bool supported) {
     }
 }
 
-// The engine goes, and with it the answers; then the clients, and the jobs with whoever is last.
+// The engine is destroyed, and the answers with it; then the clients, and the jobs with their last
+// holder.
 void Model::stop() {
     watched_.clear();
     endEngine();

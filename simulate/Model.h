@@ -1,16 +1,16 @@
 // A literal model of the tracer: it says what an event leads to.
 //
 // It walks the steps of each operation one by one over lists and plain values, and knows nothing of
-// the plug-in's code, indexes, publishers or reference counts. Of an event it foretells, in order:
-// every trace statement, every published change of jobs, answers and results, and every call of
-// the chip; afterwards the content of every collection, the engine's state, the bytes in the digest
-// socket and the number of live nodes. Where the process is to end it throws Fatal.
+// the plug-in's code, indexes, publishers or reference counts. For an event it predicts, in order:
+// every trace statement, every published change of jobs, answers and results, and every call of the
+// chip; for the time after it, the content of every collection, the engine's state, the bytes in
+// the digest socket and the number of live nodes. Where the process must end it throws Fatal.
 //
-// Of the chip it knows what the wire says. It decodes the digests from the same stream of bytes as
-// the engine, so a stream that is out of step stays foretold.
+// Of the chip it knows only the wire. It decodes the digests from the same stream of bytes as the
+// engine, so it predicts a stream that is out of step, too.
 //
 // A client that is taken from the directories keeps its two objects in hand; the model keeps them
-// likewise, so whoever still reacted to them would be found out.
+// likewise, so a reactor that still reacted to them would be noticed.
 #pragma once
 
 #include <list>
@@ -37,7 +37,7 @@ struct Fatal {
 // A client's name and a request's number.
 using Id = std::pair<std::string, std::uint32_t>;
 
-// Keys and values in the order in which the keys came. Plain search, on purpose.
+// Keys and values in the order in which the keys were added. Plain search, on purpose.
 template <class Key, class Value>
 class Listed {
   public:
@@ -51,7 +51,7 @@ class Listed {
     }
     Value const* find(Key const& key) const { return const_cast<Listed*>(this)->find(key); }
     bool has(Key const& key) const { return find(key) != nullptr; }
-    // Replaces the value in its place, or adds it at the end.
+    // Replaces the value and keeps its position, or adds it at the end.
     void put(Key const& key, Value value) {
         if (auto* const there = find(key)) {
             *there = std::move(value);
@@ -84,13 +84,13 @@ class Model {
         reset,
         error
     };
-    // How the tracer tells the chip who it is.
+    // The session that the tracer gives in its calls of the chip.
     static constexpr unsigned session = 1;
     static constexpr unsigned device = 1;
 
     Model();
 
-    // Whether the event means anything now; if not it is passed over.
+    // Whether the event makes sense now; if not it is skipped.
     bool applies(Event const& event) const;
     // Carries the event out; a `turn` is one turn. Throws Fatal.
     void apply(Event const& event, Wire& wire);
@@ -102,7 +102,7 @@ class Model {
     // Live nodes beyond those that are always there.
     std::size_t nodes() const;
 
-    // For invariants and for whoever brings a run to its end.
+    // For invariants, and for the closing of a run.
     bool running() const { return running_; }
     State state() const { return engine_.state; }
     std::optional<Id> currentJob() const;
@@ -158,7 +158,7 @@ class Model {
         StatusPtr status;
     };
     Hand hand(Vanta::String const& client) const;
-    // What stands under a name in a directory.
+    // A directory's entry of a name.
     template <class Object>
     struct Entity {
         std::shared_ptr<Object> own;  // null for an entity that is absent or of another type

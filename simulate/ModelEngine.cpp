@@ -352,7 +352,7 @@ void Model::processDigest() {
         stream_.erase(stream_.begin(), end);
         return taken;
     };
-    // A read of nothing where something was asked for says that it would block.
+    // A read that asks for bytes and gets none fails: it would block.
     auto const readResult = [](Bytes const& taken, std::size_t asked) {
         return taken.empty() && asked > 0 ? -1 : static_cast<int>(taken.size());
     };

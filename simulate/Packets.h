@@ -1,4 +1,4 @@
-// Watches over the packets: what is injected, when, and for whom. Each question is one line of
+// Checks the packets: what is injected, when, and for which job. Each check is one line of
 // docs/invariants.md under "Packets". It is told of the calls as they come and looks at the engine
 // itself; the model has no part in it. Thread: one only.
 #pragma once
@@ -19,7 +19,8 @@ class Packets {
   public:
     explicit Packets(Logbook& logbook) : logbook_(logbook) {}
 
-    // A tracer starts: its engine is not the one that the generator knows. Null: it is gone.
+    // A tracer started with this engine, which is not the one that the generator knows. Null: the
+    // tracer is gone.
     void engineIs(VynPacketTracer::PktGenSm const* engine);
 
     // A call of genOnePkt, with what the chip answered.
@@ -29,8 +30,8 @@ class Packets {
     // A phase-0 answer is about to be announced.
     void answered(Plexa::IntfId const& intf);
 
-    // Compares what was accepted with what the chip's journal says went through the pipeline: as
-    // much of it as there is, or all if the chip has nothing left to do.
+    // Compares the accepted packets with those that went through the pipeline according to the
+    // chip's journal: as many as are in the journal, or all if the chip has nothing left to do.
     void checkJournal(SoftChip::Journal const& journal, bool all);
 
     // Calls of genOnePkt, and those of them that the chip accepted.

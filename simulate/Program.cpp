@@ -18,7 +18,7 @@ IntfId named(std::string const& name) {
     return *IntfId::fromName(name);
 }
 
-// What a seed is like.
+// What a seed's program does besides the ordinary.
 struct Mood {
     bool reckless = false;     // clients do what ends the process
     bool wildDigests = false;  // digests say what ends the process
@@ -86,7 +86,7 @@ class Drawer {
         }
         start();
         if (mood_.forges && random_.chance(40)) {
-            // The chip's own digests are lost, so those from nowhere give the answers.
+            // The chip's own digests are lost, so the forged ones give the answers.
             add(DigestsSuffer{.fate = DigestFate::lost, .window = {.times = 100000}});
         }
     }
@@ -218,8 +218,8 @@ class Drawer {
         }
     }
 
-    // A port and its sub-interface are one place in the chip, so of the job only the interface
-    // changes.
+    // A port and its sub-interface enter the chip at the same port, so only the interface changes
+    // in the job.
     void moveAside(unsigned client, std::uint32_t req) {
         Do::Request request = drawnRequest(client, req);
         request.intf = named("Ethernet4");
@@ -255,7 +255,8 @@ class Drawer {
         }
     }
 
-    // An entry gets another entity, of which a fresh one and the one in hand are the reckless'.
+    // An entry gets another entity; only reckless programs put a fresh one or the one in hand
+    // there.
     void replace(Vanta::String const& client) {
         bool const isConfig = random_.chance(50);
         auto const what = mood_.reckless ? random_.below(4) : random_.between(1, 2);
@@ -395,7 +396,8 @@ class Drawer {
         }
     }
 
-    // Another place for a port would change the packet's job; only the reckless do.
+    // Another port information for a port would change the packet's job; only reckless programs do
+    // that.
     void port() {
         Do::Port const port{
             random_.pick(ingress_), static_cast<std::uint8_t>(random_.below(4)),
@@ -458,8 +460,8 @@ class Drawer {
     std::vector<Event> told_;  // the switch's own forwarding state
 };
 
-// A job is answered; the next one the chip refuses until the packet ids have wrapped, and then it may
-// have the packet id of the first one's answer, which its digest completes once more.
+// A job is answered. The chip refuses the next one until the packet ids have wrapped; that job may
+// then get the packet id of the first one's answer, which its digest completes once more.
 void drawLongLife(Random& random, std::vector<Event>& events) {
     constexpr std::uint64_t refused = 65535;
     auto const request = [&](std::uint32_t req) {

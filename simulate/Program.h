@@ -1,8 +1,8 @@
 // What a seed stands for: a switch, and a program of events that happens to its tracer.
 //
-// One seed in a thousand is a long life of two jobs, in which the packet ids wrap. Of the others some
-// are calm, most draw a few kinds of faults, and some are reckless: their clients and
-// digests also do what the tracer answers with the end of the process.
+// One seed in a thousand is a long life of two jobs, in which the packet ids wrap. Of the others
+// some are calm, most draw a few kinds of faults, and some are reckless: their clients and digests
+// also do things at which the tracer ends the process.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// The one source of chance of a run: the same seed gives the same row of numbers everywhere, which
-// the standard library's distributions do not promise.
+// The one source of chance of a run: the same seed gives the same sequence of numbers everywhere,
+// which the standard library's distributions do not promise.
 #pragma once
 
 #include <cstddef>

@@ -153,8 +153,9 @@ bool Run::fail(Breach const& breach) {
 
 // ---- The end of the process
 
-// The event is not over, and never will be: what was seen of it must be a beginning that the model
-// ends in the same way. It is given nothing that the tracer did not get as far as asking for.
+// The event is not over, and never will be: what was seen of it must be the beginning of what the
+// model predicts, and the model must end in the same way. The model is given only what the tracer
+// got as far as asking for.
 void Run::ended(std::string_view type, std::string_view text) {
     writeDown(*event_);
     auto const happened = world_->logbook().takeLog();
@@ -209,7 +210,7 @@ void Run::closing() {
     carryOut(ChipStep());
 }
 
-// What was late comes now; a long row of digests is read one a turn.
+// What was late comes now; digests that wait are read one a turn.
 bool Run::settle() {
     turns(12);
     for (unsigned i = 0; i < 3000 && model_.unread() > 0 && !failed(); ++i) {
@@ -218,15 +219,15 @@ bool Run::settle() {
     return !failed();
 }
 
-// A job that is still asked for: its client runs and has the request.
+// Whether a job is still wanted: its client runs and has the request.
 bool Run::isAsked(Id const& id) const {
     auto const requests = model_.requestsOf(id.first);
     return model_.clientRuns(id.first) && std::ranges::find(requests, id) != requests.end();
 }
 
-// Each job goes through within its turns, or it is one that is held up: whose phase-0 answer was
-// lost, whose counter stands where it stood, or whose calls the chip refuses for good. Such a job is
-// withdrawn, which must free the engine.
+// Each job goes through within its turns unless it is held up: its phase-0 answer was lost, its
+// counter has not moved, or the chip refuses its calls for good. Such a job is withdrawn, which
+// must free the engine.
 bool Run::pushThrough() {
     for (unsigned guard = 0; guard < 200; ++guard) {
         auto const pending = model_.pendingJobs();
@@ -261,7 +262,7 @@ bool Run::pushThrough() {
 bool Run::withdraw(Id const& id) {
     PacketTracer::RequestId const request(id.first, id.second);
     if (!model_.clientRuns(id.first)) {
-        // Nobody but the client itself can withdraw what it left behind.
+        // Only the client itself can withdraw what it left behind.
         carryOut(Do::ClientConfig{id.first});
         carryOut(Do::ClientStatus{id.first});
     }

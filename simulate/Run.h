@@ -1,12 +1,13 @@
-// One program, carried out on the real system and foretold by the model, with every invariant asked
-// after every step.
+// One program, carried out on the real system and predicted by the model, with every invariant
+// checked after every step.
 //
-// After the program comes the closing: the faults end, what is late is withdrawn, every job must go
-// through, every client leaves, the tracer stops; so progress and leaks are asked of every seed.
+// After the program comes the closing: the faults end, late requests are withdrawn, every job must
+// go through, every client leaves, the tracer stops. So every seed is also checked for progress and
+// leaks.
 //
 // Where the tracer ends the process, the run ends with it: the process's last step compares the end
-// with the model's and then leaves. So a run belongs into a process of its own, see Child.h. One run
-// at a time; thread: one only.
+// with the model's and then leaves. So a run needs a process of its own, see Child.h. One run at a
+// time; thread: one only.
 #pragma once
 
 #include <cstdint>
@@ -43,7 +44,7 @@ class Run {
     // Turns within which the engine is free of a job that was withdrawn.
     static constexpr unsigned turnsToBeFree = 4;
 
-    // `finish` is told the report where the process ends under the run; it must not return.
+    // `finish` is called with the report if the process ends during the run; it must not return.
     Run(Program const& program, std::function<void(Report const&)> finish);
     Run(Run const&) = delete;
     Run& operator=(Run const&) = delete;
@@ -57,7 +58,7 @@ class Run {
     void transcriptIs(Transcript& transcript) { transcript_ = &transcript; }
 
     Report go();
-    // Where the run is, for whoever watches it.
+    // How far the run is.
     Report const& report() const { return report_; }
 
   private:

@@ -1,4 +1,4 @@
-// The digest socket's fullness, to order: how much its reader may leave unread before a send fails.
+// A limit to order for the digest socket: how much its reader may leave unread before a send fails.
 //
 // A process that links this has `sendmsg` replaced: a send that runs into the limit is short, or
 // fails with EAGAIN where nothing fits, and no system's own limit comes into play. Other
@@ -9,7 +9,7 @@
 
 namespace Simulate::DigestSocket {
 
-// Enough that nothing ever runs into it, and less than any system's own limit.
+// So much that no run ever reaches it, and less than any system's own limit.
 inline constexpr std::size_t plenty = 24000;
 
 // From now on at most `bytes` are unread at `reader`, which is the other end of `writer`.

@@ -26,8 +26,8 @@ struct SweepOptions {
 // Errors: std::system_error if no process can be started.
 unsigned sweep(SweepOptions const& options, std::ostream& out);
 
-// The program without the events that its failure does not need: as long as leaving some out still
-// breaks the same invariant, they go. Has `runProgram` run `budget` programs at most.
+// The program without the events that its failure does not need: events are left out as long as the
+// rest still breaks the same invariant. Has `runProgram` run `budget` programs at most.
 Program shrunken(Program program, Report const& report, unsigned budget,
                  std::function<Report(Program const&)> const& runProgram);
 

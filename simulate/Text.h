@@ -1,5 +1,5 @@
-// The lines in which the model and the recorder write down what they see. They share the words, not
-// the knowledge: each decides for itself what happened.
+// The lines in which the model and the recorder write down what they see. They share the wording
+// only: each decides for itself what happened.
 #pragma once
 
 #include <concepts>

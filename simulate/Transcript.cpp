@@ -8,7 +8,7 @@
 
 namespace Simulate {
 
-// What becomes of an event; most of those that scenarios do not have leave nothing.
+// The lines of an event; most of those that scenarios do not have leave none.
 struct Transcript::Adding {
     Transcript& transcript;
     Wire const& wire;
@@ -34,7 +34,7 @@ struct Transcript::Adding {
         transcript.turn();
     }
 
-    // Objects that are in no directory are nobody's to see.
+    // Nobody sees objects that are in no directory.
     void ofRequest(PacketTracer::RequestId const& id, Scenario::Event const& e) const {
         if (before.configIsMounted(std::string(id.clientName().view()))) {
             transcript.put(e);
@@ -79,7 +79,7 @@ void Transcript::put(Scenario::Event const& event) {
     text_ += Scenario::line(event) + '\n';
 }
 
-// Turns between which nothing is told are one line.
+// Turns with nothing to say between them share one line.
 void Transcript::turn() {
     if (text_.size() == turnsEnd_) {
         text_.resize(turnsBegin_);
@@ -121,7 +121,7 @@ void Transcript::announcements(Wire const& wire) {
     }
 }
 
-// Ahead of the entries a message names its device.
+// A message names its device before its entries.
 void Transcript::digests(Wire const& wire) {
     constexpr std::size_t size = SdkSeam::digestEntryBytes;
     for (auto const& message : wire.messages) {

@@ -2,9 +2,10 @@
 // (docs/scenario.md).
 //
 // The scripted chip is told beforehand what the software chip answered: counters, results of calls,
-// phase-0 entries, digests. Within a turn the phase-0 entries come first there. What the format has
-// no words for ends the scenario: a full digest socket, a client that comes back with its objects,
-// and calls of one function that fail more than once within a turn, with successes between.
+// phase-0 entries, digests. In the scenario the phase-0 entries of a turn come first. The scenario
+// ends at the first thing that its format cannot express: a full digest socket, a client that comes
+// back with its objects, or calls of one function that fail more than once within a turn, with
+// successes between.
 #pragma once
 
 #include <cstddef>
@@ -25,7 +26,7 @@ class Transcript {
 
     // The lines, each with its end.
     std::string const& text() const { return text_; }
-    // Why nothing was added any more; empty for a whole scenario.
+    // Why the scenario ends early; empty for a whole one.
     std::string const& endedBy() const { return endedBy_; }
 
   private:

@@ -11,8 +11,8 @@
 namespace Simulate {
 
 struct Wire {
-    // What an SDK function returned, and the counter that it reported. Which function that was, and
-    // of which pipe, is for whoever writes the run down; the model knows by itself.
+    // What an SDK function returned, and the counter that it reported. The function and the pipe
+    // are for the transcript; the model knows them by itself.
     struct Answer {
         std::int32_t rc = 0;
         std::uint64_t count = 0;

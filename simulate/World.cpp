@@ -45,7 +45,7 @@ Vanta::Ptr<ClientConfig> World::HandPlayer::newConfig(Vanta::String const& clien
     return world_.hands_[client].config = ClientConfig::ClientConfigIs();
 }
 
-// What is known of the new object's address was another's.
+// What is known of the new object's address belonged to another one.
 Vanta::Ptr<ClientStatus> World::HandPlayer::newStatus(Vanta::String const& client) {
     auto const fresh = ClientStatus::ClientStatusIs();
     world_.hands_[client].status = fresh;
@@ -74,7 +74,7 @@ World::~World() {
     DigestSocket::limitDel();
 }
 
-// What becomes of an event; one operator an event.
+// Carries an event out; one operator an event.
 struct World::Doing {
     World& world;
 

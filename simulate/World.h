@@ -2,9 +2,9 @@
 // stepwise, the event loop, and the tracer while there is one. All on one thread; the clock is the
 // count of the loop's turns.
 //
-// A scenario's events are the player's, with the objects that clients have in hand. It carries events
-// out and says what there is then, in the words of the model. The objects of
-// clients stay in hand when their directory entries go. Thread: one only, one world a process.
+// The events of scenarios are carried out by the player, with the objects that clients have in
+// hand; those stay in hand when their directory entries are removed. After an event the world says
+// what there is, in the words of the model. Thread: one only, one world a process.
 #pragma once
 
 #include <map>
@@ -44,9 +44,9 @@ class World {
     Packets& packets() { return packets_; }
     SoftChip::SoftChip& chip() { return chip_; }
     Board const& board() const { return board_; }
-    // Whether the engine's job is one that cannot go on for good reason: the phase-0 answer that it
-    // waits for is not coming, the chip's counter stands where it stood before the injection, or
-    // the chip refused the last injection or the answer before it.
+    // Whether there is a good reason why the engine's job does not go on: the phase-0 answer that
+    // it waits for is not coming, the chip's counter has not moved since the injection, or, in any
+    // other state, the chip refused the last injection.
     bool isHeldUp();
 
     // Everything that there is, line by line, as Model::content().
@@ -55,8 +55,8 @@ class World {
     std::size_t nodes() const { return Vanta::Node::liveCount() - base_; }
     // Changes that nobody published.
     std::optional<Breach> unpublished() const;
-    // Entries of results that are gone although their result is not; remembers what is there.
-    // Precondition: called after every event, with what was written down during it.
+    // Finds entries that were removed from a result that is still there; remembers what is there.
+    // Precondition: called after every event, with the lines that were written during it.
     std::optional<Breach> shrunkenResults(std::vector<std::string> const& log);
 
   private:
