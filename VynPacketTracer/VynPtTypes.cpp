@@ -146,13 +146,14 @@ PktGenConfig::~PktGenConfig() {
 Vanta::Ptr<PktGenCfgData> PktGenConfig::cfgIs(RequestId const& req, Vanta::Bytes const& pkt,
                                               VynSystem::PortInfo const& ingPortInfo,
                                               Plexa::IntfId ingIntf) {
-    if (auto const* entry = cfg_.find(req)) {
+    HashedId const hashed(req);
+    if (auto const* entry = cfg_.find(hashed)) {
         checkSameJob(*entry->value, pkt, ingPortInfo, ingIntf);
         return entry->value;
     }
     auto const made = pktGenCfgDataFactory(req, pkt, ingPortInfo, ingIntf);
-    made->order = cfg_.insert(req, made).order;
-    if (answers_ != nullptr && !answers_->statusHas(req)) {
+    made->order = cfg_.insertHashed(hashed, made).order;
+    if (answers_ != nullptr && answers_->status_.find(hashed) == nullptr) {
         pending_.freshIs(*made);
     }
     publisher_.publish(cfgAttribute, ValueRef::to(made->req()));
@@ -204,13 +205,20 @@ void PktGenConfig::answersAre(PktGenStatus* status) noexcept {
     }
 }
 
-void PktGenConfig::answerCame(RequestId const& req) noexcept {
-    if (auto const* entry = cfg_.find(req)) {
+// Mostly it is the answer of the job that comes first, which the engine has just begun with.
+void PktGenConfig::answerCame(HashedId const& req) noexcept {
+    auto* const first = static_cast<PktGenCfgData*>(pending_.first());
+    if (first == nullptr) {
+        return;
+    }
+    if (first->req() == req.key()) {
+        pending_.del(*first);
+    } else if (auto const* entry = cfg_.find(req)) {
         pending_.del(*entry->value);
     }
 }
 
-void PktGenConfig::answerWent(RequestId const& req) noexcept {
+void PktGenConfig::answerWent(HashedId const& req) noexcept {
     if (auto const* entry = cfg_.find(req)) {
         pending_.returnedIs(*entry->value);
     }
@@ -241,23 +249,25 @@ PktGenStatus::~PktGenStatus() {
 }
 
 Vanta::Ptr<PktGenStatusData> PktGenStatus::statusIs(RequestId const& req) {
-    if (auto const* entry = status_.find(req)) {
+    HashedId const hashed(req);
+    if (auto const* entry = status_.find(hashed)) {
         return entry->value;
     }
     pktIds_.makeTable();
     auto const made = pktGenStatusDataFactory(req);
-    made->order = status_.insert(req, made).order;
+    made->order = status_.insertHashed(hashed, made).order;
     made->collection_ = this;
     pktIds_.add(*made, made->pktId());
     if (jobs_ != nullptr) {
-        jobs_->answerCame(req);
+        jobs_->answerCame(hashed);
     }
     publisher_.publish(statusAttribute, ValueRef::to(made->req()));
     return made;
 }
 
 Vanta::Ptr<PktGenStatusData> PktGenStatus::statusDel(RequestId const& req) {
-    auto removed = status_.remove(req);
+    HashedId const hashed(req);
+    auto removed = status_.remove(hashed);
     if (!removed) {
         return nullptr;
     }
@@ -265,7 +275,7 @@ Vanta::Ptr<PktGenStatusData> PktGenStatus::statusDel(RequestId const& req) {
     entry.collection_ = nullptr;
     pktIds_.del(entry, entry.pktId());
     if (jobs_ != nullptr) {
-        jobs_->answerWent(entry.req());
+        jobs_->answerWent({entry.req(), hashed});
     }
     publisher_.publish(statusAttribute, ValueRef::to(entry.req()), ValueRef::to(*removed));
     return std::move(*removed);

@@ -55,6 +55,8 @@ VYN_EXPORT void reflectValue(Kel::AttributeSink& sink, PktGenState state);
 class PktGenConfig;
 class PktGenStatus;
 
+using HashedId = Kel::HashedKey<PacketTracer::RequestId>;
+
 // One job of the engine. It never changes and publishes nothing.
 class VYN_EXPORT PktGenCfgData final : public Kel::Object, private PendingLink {
   public:
@@ -212,8 +214,8 @@ class VYN_EXPORT PktGenConfig final : public Kel::Object {
     Cfgs const& allCfgs() const noexcept { return cfg_; }
     // Has the pending jobs follow a collection of answers, or (null) none.
     void answersAre(PktGenStatus* status) noexcept;
-    void answerCame(PacketTracer::RequestId const& req) noexcept;
-    void answerWent(PacketTracer::RequestId const& req) noexcept;
+    void answerCame(HashedId const& req) noexcept;
+    void answerWent(HashedId const& req) noexcept;
 
     Cfgs cfg_;
     PendingJobs pending_;              // the jobs without an answer in answers_

@@ -24,6 +24,36 @@
 
 namespace Kel {
 
+// A key with its hash: for several look-ups of one key, in one collection or in several of the same
+// kind of key. It refers to the key.
+template <class Key, class Hash = std::hash<Key>>
+class HashedKey {
+  public:
+    explicit HashedKey(Key const& key) : key_(key), hash_(hashOf(key)) {}
+
+    // An equal key that stands somewhere else.
+    HashedKey(Key const& key, HashedKey const& equal) : key_(key), hash_(equal.hash_) {}
+
+    Key const& key() const noexcept { return key_; }
+    std::uint64_t hash() const noexcept { return hash_; }
+
+    // The low bits choose the bucket, so weak hashes (identity for integers) are mixed. A hash that
+    // says that it chooses places itself is taken as it is.
+    static std::uint64_t hashOf(Key const& key) {
+        std::uint64_t const hash = Hash()(key);
+        if constexpr (requires { typename Hash::ChoosesPlaces; }) {
+            return hash;
+        } else {
+            std::uint64_t const mixed = hash * 0x9e3779b97f4a7c15ULL;
+            return mixed ^ (mixed >> 32);
+        }
+    }
+
+  private:
+    Key const& key_;
+    std::uint64_t hash_;
+};
+
 template <class Key, class Value, class Hash = std::hash<Key>>
 class Collection {
   public:
@@ -35,7 +65,7 @@ class Collection {
 
         Entry* previous = nullptr;
         Entry* next = nullptr;
-        Entry* chain = nullptr;   // the next entry of the same bucket
+        ChainLink chain;          // to the next entry of the same bucket
         std::uint64_t order = 0;  // rises with every insertion into the collection
         Key const key;
         Value value;
@@ -57,9 +87,13 @@ class Collection {
     bool empty() const noexcept { return size_ == 0; }
     bool has(Key const& key) const { return find(key) != nullptr; }
 
+    using Hashed = HashedKey<Key, Hash>;
+
     // The entry of a key, or null.
     Entry* find(Key const& key) { return findEntry(key); }
     Entry const* find(Key const& key) const { return findEntry(key); }
+    Entry* find(Hashed const& key) { return findHashed(key.key(), key.hash()); }
+    Entry const* find(Hashed const& key) const { return findHashed(key.key(), key.hash()); }
 
     // The value of a key, or a default one (for pointers: null).
     Value get(Key const& key) const {
@@ -70,15 +104,23 @@ class Collection {
     // Adds an entry at the end. The key must be absent. Errors: std::bad_alloc, nothing changed.
     template <class K, class... Args>
     Entry& insert(K&& key, Args&&... args) {
-        if (size_ >= unhashed) {
-            growTable();
-        }
-        auto entry = makeEntry(std::forward<K>(key), std::forward<Args>(args)...);
-        link(*entry);
+        makeRoom();
+        Entry& entry = *makeEntry(std::forward<K>(key), std::forward<Args>(args)...).release();
+        link(entry);
         if (buckets_) {
-            pushToBucket(*entry);
+            pushToBucket(entry, Hashed::hashOf(entry.key));
         }
-        return *entry.release();
+        return entry;
+    }
+    template <class... Args>
+    Entry& insertHashed(Hashed const& key, Args&&... args) {
+        makeRoom();
+        Entry& entry = *makeEntry(key.key(), std::forward<Args>(args)...).release();
+        link(entry);
+        if (buckets_) {
+            pushToBucket(entry, key.hash());
+        }
+        return entry;
     }
 
     // The entry of a key, added with a default value if it is absent.
@@ -90,20 +132,27 @@ class Collection {
     // Removes an entry and returns its value; nothing if the key is absent. The collection is
     // whole again before the value is handed out.
     std::optional<Value> remove(Key const& key) {
-        Entry* entry = find(key);
+        if (buckets_) {
+            return remove(Hashed(key));
+        }
+        Entry* const entry = findInList(key);
+        return entry != nullptr ? std::optional<Value>(take(*entry)) : std::nullopt;
+    }
+    std::optional<Value> remove(Hashed const& key) {
+        Entry* const entry = find(key);
         if (entry == nullptr) {
             return std::nullopt;
         }
-        return remove(*entry);
+        if (buckets_) {
+            popFromBucket(*entry, key.hash());
+        }
+        return take(*entry);
     }
     Value remove(Entry& entry) {
         if (buckets_) {
-            popFromBucket(entry);
+            popFromBucket(entry, Hashed::hashOf(entry.key));
         }
-        unlink(entry);
-        Value value = std::move(entry.value);
-        freeEntry(&entry);
-        return value;
+        return take(entry);
     }
 
     // Removes all entries, first to last.
@@ -156,60 +205,72 @@ class Collection {
         }
     }
 
-    static std::uint64_t hashOf(Key const& key) {
-        // The low bits choose the bucket, so weak hashes (identity for integers) are mixed.
-        std::uint64_t const mixed = Hash()(key) * 0x9e3779b97f4a7c15ULL;
-        return mixed ^ (mixed >> 32);
-    }
-
     Entry* findEntry(Key const& key) const {
-        Entry* entry = buckets_ ? static_cast<Entry*>(buckets_->head(hashOf(key))) : first_;
-        if (buckets_) {
-            while (entry != nullptr && !(entry->key == key)) {
-                entry = entry->chain;
+        return buckets_ ? findInBucket(key, Hashed::hashOf(key)) : findInList(key);
+    }
+    Entry* findHashed(Key const& key, std::uint64_t hash) const {
+        return buckets_ ? findInBucket(key, hash) : findInList(key);
+    }
+    Entry* findInBucket(Key const& key, std::uint64_t hash) const {
+        ChainLink link = buckets_->head(hash);
+        while (link.mayHave(hash)) {
+            auto* const entry = static_cast<Entry*>(link.entry());
+            if (entry->key == key) {
+                return entry;
             }
-        } else {
-            while (entry != nullptr && !(entry->key == key)) {
-                entry = entry->next;
-            }
+            link = entry->chain;
+        }
+        return nullptr;
+    }
+    Entry* findInList(Key const& key) const {
+        Entry* entry = first_;
+        while (entry != nullptr && !(entry->key == key)) {
+            entry = entry->next;
         }
         return entry;
     }
 
+    // Takes the value of an entry that stands in no bucket any more.
+    Value take(Entry& entry) {
+        unlink(entry);
+        Value value = std::move(entry.value);
+        freeEntry(&entry);
+        return value;
+    }
+
+    void makeRoom() {
+        if (size_ >= unhashed && (!buckets_ || size_ >= buckets_->count())) {
+            growTable();
+        }
+    }
     // Makes room for one more entry: the table, with all entries so far, or one more bucket.
     void growTable() {
         if (!buckets_) {
             buckets_ = std::make_unique<HashBuckets>();
             for (Entry* entry = first_; entry != nullptr; entry = entry->next) {
-                pushToBucket(*entry);
+                pushToBucket(*entry, Hashed::hashOf(entry->key));
             }
         }
         if (size_ < buckets_->count()) {
             return;
         }
-        auto* moving = static_cast<Entry*>(buckets_->split());
-        while (moving != nullptr) {
-            Entry& entry = *moving;
-            moving = entry.chain;
-            pushToBucket(entry);
+        ChainLink moving = buckets_->split();
+        while (auto* const entry = static_cast<Entry*>(moving.entry())) {
+            moving = entry->chain;
+            pushToBucket(*entry, Hashed::hashOf(entry->key));
         }
     }
-    void pushToBucket(Entry& entry) {
-        void*& head = buckets_->head(hashOf(entry.key));
-        entry.chain = static_cast<Entry*>(head);
-        head = &entry;
+    void pushToBucket(Entry& entry, std::uint64_t hash) {
+        ChainLink& head = buckets_->head(hash);
+        entry.chain = head;
+        head = head.with(&entry, hash);
     }
-    void popFromBucket(Entry& entry) {
-        void*& head = buckets_->head(hashOf(entry.key));
-        if (head == &entry) {
-            head = entry.chain;
-            return;
+    void popFromBucket(Entry& entry, std::uint64_t hash) {
+        ChainLink* link = &buckets_->head(hash);
+        while (link->entry() != &entry) {
+            link = &static_cast<Entry*>(link->entry())->chain;
         }
-        auto* before = static_cast<Entry*>(head);
-        while (before->chain != &entry) {
-            before = before->chain;
-        }
-        before->chain = entry.chain;
+        *link = entry.chain;
     }
 
     void link(Entry& entry) noexcept {

@@ -20,10 +20,13 @@ class RequestId {
     Vanta::String const& clientName() const noexcept { return clientName_; }
     std::uint32_t number() const noexcept { return number_; }
 
-    // A hash of both parts, begun with a seed.
+    // A hash of both parts, begun with a seed. Requests whose numbers follow one another differ in the
+    // last bits alone, so that what a table knows of them lies together; otherwise all bits are mixed.
     std::uint64_t hash(std::uint64_t seed = 0) const noexcept {
-        std::uint64_t const mixed = (clientName_.hash() ^ seed) + number_ * 0x9e3779b97f4a7c15ULL;
-        return mixed ^ (mixed >> 31);
+        std::uint64_t mixed =
+            (clientName_.hash() ^ seed) + (number_ / neighbours) * 0x9e3779b97f4a7c15ULL;
+        mixed = (mixed ^ (mixed >> 32)) * 0xff51afd7ed558ccdULL;
+        return mixed ^ (mixed >> 32) ^ number_ % neighbours;
     }
 
     friend bool operator==(RequestId const& a, RequestId const& b) noexcept {
@@ -35,6 +38,8 @@ class RequestId {
     }
 
   private:
+    static constexpr std::uint32_t neighbours = 64;
+
     Vanta::String clientName_;
     std::uint32_t number_ = 0;
 };
@@ -50,5 +55,6 @@ inline void reflectValue(Kel::AttributeSink& sink, RequestId const& id) {
 
 template <>
 struct std::hash<PacketTracer::RequestId> {
+    using ChoosesPlaces = void;  // see Kel::HashedKey
     std::size_t operator()(PacketTracer::RequestId const& id) const noexcept { return id.hash(); }
 };

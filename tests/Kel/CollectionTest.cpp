@@ -366,6 +366,91 @@ TEST(Collection, FindsEveryKeyAlsoWhenAllHashesAreEqual) {
     }
 }
 
+// A key that counts how often one is compared with another.
+struct Counted {
+    int number;
+    static inline unsigned comparisons = 0;
+
+    friend bool operator==(Counted const& a, Counted const& b) {
+        ++comparisons;
+        return a.number == b.number;
+    }
+};
+struct CountedHash {
+    std::size_t operator()(Counted const& key) const { return static_cast<unsigned>(key.number); }
+};
+using CountedKeys = Kel::Collection<Counted, int, CountedHash>;
+
+struct CountedKeysTest : testing::Test {
+    static constexpr int many = 10000;
+
+    CountedKeysTest() {
+        for (int key = 0; key < many; ++key) {
+            keys.insert(Counted{key}, key);
+        }
+        Counted::comparisons = 0;
+    }
+    // Comparisons a look-up of a key that is not there.
+    double inVain() const {
+        for (int key = many; key < 2 * many; ++key) {
+            EXPECT_FALSE(keys.has(Counted{key}));
+        }
+        return Counted::comparisons / double{many};
+    }
+    CountedKeys keys;
+};
+
+TEST_F(CountedKeysTest, LookedUpInVainAreHardlyComparedWithOthers) {
+    EXPECT_LT(inVain(), 0.2);
+}
+
+TEST_F(CountedKeysTest, AreHardlyComparedWithOthersAfterEachWasReplacedManyTimes) {
+    for (int key = 0; key < 20 * many; ++key) {
+        keys.remove(Counted{key});
+        keys.insert(Counted{many + key}, key);
+    }
+    Counted::comparisons = 0;
+    for (int key = 0; key < many; ++key) {
+        EXPECT_FALSE(keys.has(Counted{key}));
+    }
+    EXPECT_LT(Counted::comparisons / double{many}, 0.5);
+}
+
+TEST_F(CountedKeysTest, AreFoundWithAHashThatWasMadeBefore) {
+    Counted const key{4711};
+    CountedKeys::Hashed const hashed(key);
+    EXPECT_EQ(keys.find(hashed), keys.find(key));
+    EXPECT_EQ(keys.remove(hashed), 4711);
+    EXPECT_EQ(keys.find(hashed), nullptr);
+    EXPECT_EQ(keys.remove(hashed), std::nullopt);
+    auto const& added = keys.insertHashed(hashed, 1);
+    EXPECT_EQ(keys.find(key), &added);
+}
+
+TEST(Collection, WithoutATableTakesHashedKeysToo) {
+    Numbers numbers;
+    int const key = 7;
+    Numbers::Hashed const hashed(key);
+    numbers.insertHashed(hashed, "seven");
+    ASSERT_NE(numbers.find(hashed), nullptr);
+    int const equal = 7;
+    EXPECT_EQ(numbers.find(Numbers::Hashed(equal, hashed))->value, "seven");
+    EXPECT_EQ(numbers.remove(hashed), "seven");
+    EXPECT_TRUE(numbers.empty());
+}
+
+// A hash that says that it chooses places itself.
+struct OwnPlaces {
+    using ChoosesPlaces = void;
+    std::size_t operator()(int key) const { return static_cast<unsigned>(key); }
+};
+
+TEST(Collection, TakesAHashThatChoosesPlacesAsItIs) {
+    int const key = 5;
+    EXPECT_EQ((Kel::HashedKey<int, OwnPlaces>(key).hash()), 5u);
+    EXPECT_NE((Kel::HashedKey<int>(key).hash()), 5u);
+}
+
 TEST(Collection, NestsWalks) {
     Numbers numbers;
     numbers.insert(1, "");

@@ -44,6 +44,35 @@ TEST(RequestId, HashesDifferentIdsApart) {
     EXPECT_EQ(hashes.size(), 40000U);
 }
 
+// How many of 4,096 places a client's requests of these numbers share at most.
+std::size_t mostInOnePlace(std::uint32_t first, std::uint32_t stride) {
+    constexpr std::uint32_t places = 4096;
+    std::vector<std::size_t> requests(places);
+    for (std::uint32_t i = 0; i < places; ++i) {
+        ++requests[RequestId("client", first + i * stride).hash() % places];
+    }
+    return *std::max_element(requests.begin(), requests.end());
+}
+
+TEST(RequestId, HashSpreadsNumbersWhateverTheirDistance) {
+    for (unsigned bits = 0; bits < 32; ++bits) {
+        for (std::uint32_t const more : {0, 1}) {
+            std::uint32_t const stride = (1U << bits) + more;
+            if (std::uint64_t{stride} * 4096 <= std::uint64_t{1} << 32) {
+                EXPECT_LT(mostInOnePlace(7, stride), 14u) << stride;
+            }
+        }
+    }
+}
+
+TEST(RequestId, HashKeepsNumbersThatFollowOneAnotherTogether) {
+    std::set<std::uint64_t> rows;
+    for (std::uint32_t number = 128; number < 192; ++number) {
+        rows.insert(RequestId("client", number).hash() / 64);
+    }
+    EXPECT_EQ(rows.size(), 1u);
+}
+
 TEST(RequestId, HashDependsOnTheSeed) {
     RequestId const id("a", 7);
     EXPECT_NE(id.hash(1), id.hash(2));
