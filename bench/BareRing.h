@@ -1,5 +1,5 @@
-// The least that a trace record can be: a place taken by one addition, a format id, a time and three
-// values, made visible last. The floor of everything that traces. Threads: any.
+// The least that a trace record can be: a slot taken by one addition, a format id, a time and three
+// values, published last. The floor of everything that traces. Threads: any.
 #pragma once
 
 #include <x86intrin.h>

@@ -1,4 +1,4 @@
-// The floor of a trace: a program that makes every hand-off of one and nothing else.
+// The floor of a trace: a program that makes every hand-off of a trace and nothing else.
 //
 //   - the phase-0 answer, a turn of the loop after it was asked for;
 //   - the packet, through a queue with a lock to a thread of its own, which looks for work for some
@@ -34,7 +34,7 @@ class BareTracer {
     // Whether traces are also kept in maps and written to a ring.
     enum class Books : std::uint8_t { none, kept };
 
-    // Who does the chip's work: a thread of its own, or the event thread, before each turn.
+    // Which thread does the chip's work: one of its own, or the event thread before each turn.
     enum class Chip : std::uint8_t { threaded, stepwise };
 
     BareTracer(Books books, unsigned inFlight, Chip chip = Chip::threaded);
@@ -42,8 +42,8 @@ class BareTracer {
     BareTracer(BareTracer const&) = delete;
     BareTracer& operator=(BareTracer const&) = delete;
 
-    // Takes an answer, turning the loop until there is one. Withdraws its request and adds another
-    // one in its place.
+    // Takes an answer, turning the loop until there is one. Withdraws the request and adds another
+    // one instead.
     void next();
 
   private:

@@ -71,7 +71,7 @@ void pipeline(benchmark::State& state, std::string_view destinationMac,
 BENCHMARK_CAPTURE(pipeline, bridged, "02:00:00:00:00:02", 1)->Name("chip/pipeline/bridged");
 BENCHMARK_CAPTURE(pipeline, routed, "02:1c:73:00:00:01", 2)->Name("chip/pipeline/routed");
 
-// The decision with its explanation, and that kept for who asks.
+// The decision with its explanation, which is kept.
 void explain(benchmark::State& state) {
     auto const made = tables();
     auto const phase0 = SoftChip::encodePhase0(0);
@@ -86,7 +86,7 @@ void explain(benchmark::State& state) {
 }
 BENCHMARK(explain)->Name("chip/explain");
 
-// The frame's fields taken out, and one look-up in a map for each table that such a frame meets.
+// Extracting the frame's fields, and one look-up in a map for each table that such a frame meets.
 void pipelineFloor(benchmark::State& state) {
     auto const lookUps = static_cast<std::uint64_t>(state.range(0));
     std::unordered_map<std::uint64_t, std::uint64_t> table;

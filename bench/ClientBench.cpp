@@ -80,7 +80,7 @@ void handleFloor(benchmark::State& state) {
 }
 BENCHMARK(handleFloor)->Name("floor/client/handle");
 
-// An answer becomes a result, which goes again.
+// An answer becomes a result, which is removed again.
 void result(benchmark::State& state, bool flooded) {
     traceIntoRing();
     OneClient client;

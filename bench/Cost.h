@@ -1,4 +1,4 @@
-// What a run costs beside time: allocations, memory, and where its threads run.
+// The costs of a run besides time: allocations and memory; and where its threads run.
 //
 // This program replaces the general allocator's operators by counting ones, for figures and floors
 // alike. Threads: any for the counting itself, the event thread for everything here.
@@ -28,8 +28,8 @@ class Allocations {
 // Memory of this process that is resident, in bytes.
 std::uint64_t residentBytes();
 
-// Has the calling thread run on that processor only, counted among those it may run on when the
-// program starts; false if there are not so many. Threads made afterwards inherit it.
+// Has the calling thread run on one processor only: the `number`-th of those that the program may
+// run on when it starts; false if there are fewer. Threads made afterwards inherit it.
 bool runOnProcessor(unsigned number);
 
 // A file for a trace ring, in memory if the system has such a place.

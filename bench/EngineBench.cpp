@@ -58,7 +58,7 @@ void pick(benchmark::State& state) {
 }
 BENCHMARK(pick)->Name("engine/pick")->Arg(1'000)->Arg(standingJobs);
 
-// The answer of the first of all jobs goes, so it is picked again, ahead of the others.
+// The answer of the first of all jobs is removed, so that job is picked again, before the others.
 void pickReturned(benchmark::State& state) {
     Jobs jobs(standingJobs);
     RequestId const first = jobs.config->cfg().begin()->key;

@@ -1,4 +1,4 @@
-// The switch that the whole road is measured on: two ports in one VLAN, the software chip, the
+// The switch on which whole traces are measured: two ports in one VLAN, the software chip, the
 // tracer, and clients that keep requests under way.
 //
 // Thread: the event thread.
@@ -58,7 +58,7 @@ class Host {
     SoftChip::Mode mode_;
 };
 
-// A client. What it was answered waits until it is taken; the request stands until it is withdrawn.
+// A client. An answer waits until it is taken; the request stands until it is withdrawn.
 class Client {
   public:
     Client(Host& host, std::string const& name);
@@ -107,10 +107,10 @@ class Load {
     Load& operator=(Load const&) = delete;
 
     // Takes an answer, turning the loop until there is one. Withdraws the request and adds another
-    // one in its place.
+    // one instead.
     void next();
-    // Takes that many answers more, with as many requests under way as before, and leaves them
-    // standing.
+    // Takes that many more answers, with as many requests under way as before, and leaves the
+    // answered requests standing.
     void stand(std::uint64_t requests);
 
   private:

@@ -1,4 +1,4 @@
-// What everything stands on: publications, collections, trace records, packets.
+// The platform's parts: publications, collections, trace records, packets.
 #include <array>
 #include <cstring>
 #include <unordered_map>
@@ -64,7 +64,7 @@ BENCHMARK(publishFloor)->Name("floor/kel/publish")->Arg(0)->Arg(1)->Arg(8);
 
 constexpr std::uint64_t standingEntries = 100'000;
 
-// Beside the standing entries one is added, looked up and removed.
+// One entry is added to the standing ones, looked up and removed.
 void collection(benchmark::State& state) {
     Kel::Collection<std::uint64_t, std::uint64_t> map;
     for (std::uint64_t i = 0; i < standingEntries; ++i) {

@@ -24,7 +24,7 @@ int soak(std::uint64_t traces) {
     std::uint64_t afterFirst = 0;
     std::uint64_t resident = 0;
     for (std::uint64_t done = 0; done < traces;) {
-        // The oldest client goes with its requests, a new one comes.
+        // The oldest client is removed with its requests, a new one is added.
         loads.push_back(std::make_unique<Load>(host, 1, 16));
         if (loads.size() > clientsAtOnce) {
             loads.pop_front();

@@ -8,8 +8,8 @@
 namespace Bench {
 namespace {
 
-// The requests that stand stay for the next measurement with as many: making a million takes longer
-// than measuring with them.
+// The standing requests are kept for the next measurement with as many: making a million takes
+// longer than measuring with them.
 struct Standing {
     explicit Standing(std::uint64_t requests) : count(requests) {
         load.stand(warmUp);

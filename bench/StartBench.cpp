@@ -20,7 +20,7 @@ using Clock = std::chrono::steady_clock;
 
 constexpr unsigned trunks = 40;
 constexpr unsigned vlansOfATrunk = 100;
-constexpr unsigned physicalPorts = 456;  // more the chip does not have
+constexpr unsigned physicalPorts = 456;  // as many as the chip has
 constexpr unsigned vlanInterfaces = 44;  // 500 interfaces in all
 constexpr unsigned routes = 100'000;
 constexpr unsigned gateways = 8;

@@ -24,7 +24,7 @@ std::FILE* openFile(std::string const& path, std::string const& name) {
     return file;
 }
 
-// The library's messages are sentences of their own; one line of them is enough.
+// The library's messages may have several lines; the first one is enough.
 std::string firstLine(char const* message) {
     std::string const text(message);
     return text.substr(0, text.find('\n'));
@@ -47,7 +47,7 @@ Capture::Capture(std::string const& path, std::optional<std::uint64_t> only)
     if (fstat(fileno(file_), &facts) == 0 && S_ISREG(facts.st_mode)) {
         size_ = static_cast<double>(facts.st_size);
     } else {
-        // So that what is left unread in a pipe can be seen from outside; see ready().
+        // Unbuffered, so that bytes left unread in a pipe stay visible to ready().
         std::setvbuf(file_, nullptr, _IONBF, 0);
     }
     std::array<char, PCAP_ERRBUF_SIZE> problem{};

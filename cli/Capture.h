@@ -1,8 +1,8 @@
 // A capture file, pcap or pcapng, read frame by frame.
 //
-// Refused, with the place: a file that cannot be read, is no capture, ends inside a frame or holds
-// no frame; a link type other than Ethernet; a frame that was not captured whole, because what is
-// missing would decide. Thread: the event thread.
+// Refused, with the name of the file or the number of the frame: a file that cannot be read, is no
+// capture, ends inside a frame or holds no frame; a link type other than Ethernet; a frame that was
+// not captured whole, because the missing bytes could change the answer. Thread: the event thread.
 #pragma once
 
 #include <cstdio>
@@ -46,7 +46,7 @@ class Capture final : public FrameSource {
 
     std::string const name_;
     std::optional<std::uint64_t> const only_;
-    std::FILE* file_ = nullptr;  // goes with the capture
+    std::FILE* file_ = nullptr;  // closed by capture_
     std::unique_ptr<pcap, Close> capture_;
     double size_ = 0;           // of a regular file, in bytes
     std::uint64_t frames_ = 0;  // read so far

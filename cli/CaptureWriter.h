@@ -20,12 +20,12 @@ class CaptureWriter {
     explicit CaptureWriter(std::string path);
     CaptureWriter(CaptureWriter const&) = delete;
     CaptureWriter& operator=(CaptureWriter const&) = delete;
-    // Whatever has not been flushed may be lost.
+    // Frames that were not flushed may be lost.
     ~CaptureWriter();
 
     void write(std::span<std::uint8_t const> frame, timeval const& time);
 
-    // Everything so far is in the file. Errors: UsageError, also for an earlier write.
+    // Writes everything so far to the file. Errors: UsageError, also for an earlier write.
     void flush();
 
   private:

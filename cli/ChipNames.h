@@ -22,8 +22,8 @@ class ChipNames {
     // "Ethernet17, in Lag1", "no-telnet on Ethernet2 rule 10", "10.0.0.1 in VRF tenant-b, TTL 3".
     std::vector<ChipStep> steps(SoftChip::Explanation const& explanation) const;
 
-    // Names by number. What the switch file does not know is told by number: "port 17",
-    // "list 9", and a VRF's number alone.
+    // Names by number. Something that the switch file does not have is named by its number: "port
+    // 17", "list 9", and for a VRF the number alone.
     std::string port(std::uint16_t devicePort) const;
     std::string portOrLag(SoftChip::LogicalPort port) const;
     // What a list is and where it is applied: "edge on VLAN 10".

@@ -1,5 +1,5 @@
 // The chip's steps and reasons in a few words, the same for every frame: "VLAN classification",
-// "dropped: the ingress port is down". For people: programs go by their codes.
+// "dropped: the ingress port is down". For people: programs use their codes.
 #pragma once
 
 #include <string_view>

@@ -23,7 +23,7 @@ constexpr char const* examples =
     "  vynpt ringlog trace.ring --follow\n\n"
     "`vynpt SUBCOMMAND --help` tells more about each, with examples.\n";
 
-// What a process says that SIGPIPE ends, for one that is not told.
+// The exit status of a process that SIGPIPE ends, for a process that does not get the signal.
 constexpr int brokenPipe = 128 + 13;
 
 int complain(std::string message) {
@@ -35,7 +35,7 @@ int complain(std::string message) {
 }  // namespace
 
 int runCommand(int argc, char const* const* argv) {
-    // A file that may grow no further is a failed write, and not the end of the command.
+    // A file that may not grow further is then a failed write, and does not end the command.
     std::signal(SIGXFSZ, SIG_IGN);
     CLI::App app(description, "vynpt");
     app.require_subcommand(1);

@@ -7,8 +7,8 @@ class App;
 
 namespace Cli {
 
-// Exit statuses of `vynpt trace`; other subcommands use the first and the third, and replay those
-// of Replay/Replay.h.
+// Exit statuses of `vynpt trace`. Of the other subcommands replay uses those of replay/Replay.h,
+// the others `answered` and `badUsage`.
 enum ExitStatus : int {
     answered = 0,           // every request was answered, dropped and refused included
     expectationFailed = 1,  // --expect did not hold for every frame

@@ -17,7 +17,7 @@ bool isTag(std::uint16_t etherType) {
            etherType == PacketTracer::etherTypeServiceVlan;
 }
 
-// The chip's parser takes two tags at most; behind more of them still stands what the frame is.
+// The chip's parser takes two tags at most; this looks behind any number of them.
 std::uint16_t innermostEtherType(std::span<std::uint8_t const> frame) {
     for (std::size_t at = addressesSize; at + 2 <= frame.size(); at += tagSize) {
         auto const etherType = static_cast<std::uint16_t>(frame[at] << 8 | frame[at + 1]);

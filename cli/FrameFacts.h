@@ -1,4 +1,4 @@
-// What a front end says of a raw frame besides its bytes: the request's EtherType and flags.
+// What a request says of a raw frame besides its bytes: EtherType and flags.
 //
 // Pure functions over bytes; any bytes are good. Threads: any.
 #pragma once

@@ -1,4 +1,4 @@
-// All that there is to say about one frame, for whichever printer.
+// All that there is to say about one frame, for every printer.
 #pragma once
 
 #include <optional>
@@ -26,10 +26,10 @@ struct FrameReport {
     Packet packet;
     Plexa::IntfId ingress;
     Agent::Answer answer;
-    std::string remark;                    // what is to be said beside the outcome; may be empty
-    std::optional<Difference> difference;  // to what was expected, if something was
+    std::string remark;                    // to be printed beside the outcome; may be empty
+    std::optional<Difference> difference;  // from the expectation, if there is one
 
-    // Explained, if that was asked for.
+    // With --explain: what follows is filled in.
     bool explained = false;
     std::vector<Passage> road;
     std::vector<ChipStep> steps;  // none if the frame was not injected

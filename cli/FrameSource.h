@@ -13,13 +13,14 @@ class FrameSource {
     virtual ~FrameSource() = default;
 
     // The next packet, or nothing at the end. May wait for one.
-    // Errors: UsageError for what cannot be read, naming the place; the packets before it are good.
+    // Errors: UsageError for input that cannot be read, saying where; the packets before it are
+    // good.
     virtual std::optional<Packet> next() = 0;
 
-    // Whether next() has something to say without waiting for others.
+    // Whether next() returns without waiting for another process.
     virtual bool ready() const { return true; }
 
-    // How much has been read, 0 to 1; nothing where nobody knows.
+    // How much has been read, 0 to 1; nothing if that is not known.
     virtual std::optional<double> progress() const { return std::nullopt; }
 };
 

@@ -7,8 +7,8 @@
 
 namespace Cli {
 
-// The bytes of `text`. Between bytes may stand blanks, line ends, ':', '-' and '.'; upper and lower
-// case are alike. No text is no bytes.
+// The bytes of `text`. Blanks, line ends, ':', '-' and '.' may separate bytes; upper and lower case
+// mean the same. An empty text gives no bytes.
 // Errors: UsageError "`what`: character N: expected ..., got ...", also for half a byte.
 std::vector<std::uint8_t> parseHexBytes(std::string_view text, std::string_view what);
 

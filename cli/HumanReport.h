@@ -6,8 +6,8 @@
 //         Ethernet17  -
 //         -           Lag1
 //
-// Then, where there is something to say: the defaults that a packet by fields got, what differs
-// from what was expected, the chip's steps, the road. Threads: any.
+// Then, as far as there are any: the defaults that a packet by fields got, the differences from the
+// expectation, the chip's steps, the road. Threads: any.
 #pragma once
 
 #include <string>

@@ -16,7 +16,7 @@ struct Arguments {
     bool ingress = false;
 };
 
-// Where a packet can come in: what has port information.
+// Whether a packet can come in on the interface: it then has port information.
 bool isIngress(Plexa::IntfId const& id) {
     using Kind = Plexa::IntfId::Kind;
     return id.kind() == Kind::physical ||

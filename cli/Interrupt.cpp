@@ -13,7 +13,7 @@
 namespace Cli {
 namespace {
 
-// A handler has nothing but these; both are free of locks.
+// A signal handler uses nothing but these; both are lock-free.
 std::atomic<int> received = 0;
 std::atomic<int> wakeDescriptor = -1;
 

@@ -1,4 +1,4 @@
-// Ctrl-C, so that a command can put its things in order before it goes.
+// Ctrl-C, so that a command can clean up before it ends.
 //
 // While an Interrupt lives, the first SIGINT or SIGTERM only wakes the event loop and is
 // remembered; a second one ends the process at once. One at a time. Thread: the event thread.
@@ -20,7 +20,7 @@ class Interrupt {
     // The signal that came, 0 for none.
     static int signal() noexcept;
 
-    // Ends the process by the signal that came, as if nobody had caught it, so that a shell sees
+    // Ends the process by the signal that came, as if it had not been caught, so that a shell sees
     // what happened; returns if none came.
     static void raiseAgain();
 

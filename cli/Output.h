@@ -1,5 +1,5 @@
-// Standard output, written block by block, so that whatever ends the process finds whole blocks
-// there.
+// Standard output, written block by block, so that it holds whole blocks only, however the process
+// ends.
 //
 // Thread: one only.
 #pragma once
@@ -10,12 +10,12 @@
 
 namespace Cli {
 
-// What was to be written cannot be.
+// A write failed.
 class OutputError : public std::runtime_error {
   public:
     explicit OutputError(int error);
 
-    // Nobody reads any more: no fault of anybody's, and nothing to be said about it.
+    // The reader has closed its end: that is no error, and no message is printed about it.
     bool isClosed() const noexcept { return closed_; }
 
   private:
@@ -24,7 +24,7 @@ class OutputError : public std::runtime_error {
 
 class Output {
   public:
-    // Blocks are kept until there are so many bytes of them, or flush() is called.
+    // Blocks are kept until they have so many bytes in all, or flush() is called.
     static constexpr std::size_t kept = 65536;
 
     explicit Output(int descriptor) : descriptor_(descriptor) {}

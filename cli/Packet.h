@@ -1,4 +1,4 @@
-// One packet to be traced: what the user gave, and what a request says of it.
+// One packet to be traced: what the user gave, and how a request describes it.
 #pragma once
 
 #include <sys/time.h>

@@ -113,8 +113,8 @@ ArpFields& arp(PacketFields& fields) {
 
 struct Field {
     std::string_view name;
-    std::string_view value;  // how the help calls its value
-    std::string_view what;   // it expects
+    std::string_view value;  // the value's name in the help
+    std::string_view what;   // the value that it expects
     std::string_view help;
     bool (*set)(PacketFields& fields, std::string_view text);
 };

@@ -1,6 +1,7 @@
 // The command's options that describe a packet by its fields: --eth-dst, --ip-dst, --vlan, ...
 //
-// They are named after PacketTracer::namedFields(), so that what the answer lists can be given.
+// They are named after PacketTracer::namedFields(), so that a field that an answer lists can be
+// given as an option.
 #pragma once
 
 #include <cstdint>
@@ -22,7 +23,7 @@ class PacketOptions {
     PacketOptions(PacketOptions const&) = delete;
     PacketOptions& operator=(PacketOptions const&) = delete;
 
-    // Adds the options. The object must live as long as the command is parsed.
+    // Adds the options. The object must live until the command was parsed.
     void addTo(CLI::App& command);
 
     // Whether any of them was given.

@@ -1,7 +1,7 @@
 // A progress bar for people who wait for a long capture.
 //
-// It appears when the work has taken a moment, is drawn a few times a second at most, and leaves
-// nothing behind. Time is handed in. Thread: one only.
+// It appears when the work has taken a moment, is drawn a few times a second at most, and is wiped
+// out at the end. Time is handed in. Thread: one only.
 #pragma once
 
 #include <chrono>
@@ -22,11 +22,11 @@ class Progress {
     Progress& operator=(Progress const&) = delete;
     ~Progress() { clear(); }
 
-    // So many frames are answered, and `part` (0 to 1, if anybody knows) of all is read. Draws the
-    // bar if it is time.
+    // So many frames are answered, and `part` (0 to 1, if it is known) of the input is read. Draws
+    // the bar if it is time.
     void update(std::uint64_t frames, std::optional<double> part, Clock::time_point now);
 
-    // Takes the bar away until it is drawn again, so that something else can be printed.
+    // Wipes the bar out until it is drawn again, so that something else can be printed.
     void clear();
 
   private:

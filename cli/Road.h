@@ -1,8 +1,8 @@
 // A request's road through the tracer, taken from what the tracer's modules trace on the way.
 //
-// What it hears belongs to one request only if no other one is under way. Threads: it hears
-// statements of any thread; it is made before other threads trace and destroyed after them; start()
-// and take() are the event thread's.
+// The statements belong to one request only if no other one is under way. Threads: statements of
+// any thread are heard; a Road is made before other threads trace and destroyed after them; start()
+// and take() are for the event thread.
 #pragma once
 
 #include <chrono>
@@ -38,8 +38,8 @@ class Road {
     // Forgets everything; times count from here.
     void start();
 
-    // What was heard since the start, in the order of the first time. A statement that repeats
-    // itself, as an engine that polls does, stands once with its count.
+    // The statements since the start, in the order in which each was first heard. A statement that
+    // is repeated, by an engine that polls, is listed once, with its count.
     std::vector<Passage> take();
 
   private:

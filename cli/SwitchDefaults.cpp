@@ -24,17 +24,18 @@ SoftChip::IpAddress converted(PacketTracer::IpAddress const& address) {
     return *SoftChip::IpAddress::fromText(address.text());
 }
 
-// What takes the frames of the ingress interface: the interface itself, or the LAG it belongs to.
+// The interface that takes the frames of the ingress interface: itself, or the LAG that it belongs
+// to.
 Interface const* logical(SwitchModel const& model, Plexa::IntfId const& ingress) {
     Interface const* const intf = model.interface(ingress);
     return intf != nullptr && !intf->lag.empty() ? model.interface(intf->lag) : intf;
 }
 
-// Where a frame with these tags is on the switch.
+// The VLAN and interfaces of the switch that a frame with given tags belongs to.
 struct Place {
     std::uint16_t vlan = 0;         // 0 where it is not bridged
-    Interface const* at = nullptr;  // what the FDB calls its ingress; null for nothing
-    Interface const* l3 = nullptr;  // what routes it; null for nothing
+    Interface const* at = nullptr;  // its ingress in the FDB; null for none
+    Interface const* l3 = nullptr;  // the interface that routes it; null for none
 };
 
 Interface const* subInterface(SwitchModel const& model, Interface const& parent,
@@ -142,7 +143,8 @@ void hintFreeAddresses(PacketHints& hints, Interface const& l3) {
     }
 }
 
-// Whom a host would send such a packet to: the neighbour in its own subnet, or the router.
+// The next hop that a host would choose for such a packet: the neighbour in its own subnet, or the
+// router.
 SoftChip::MacAddress nextHopMac(SwitchModel const& model, Interface const& l3,
                                 PacketFields const& fields) {
     auto const* const known =

@@ -1,5 +1,5 @@
-// What the switch itself says about a packet that is given by a few fields: a packet of a host
-// behind the ingress interface, on its way through the router.
+// Defaults from the switch for a packet that is given by a few fields: it comes from a host behind
+// the ingress interface and goes through the router.
 //
 // Pure functions over the switch's model. Thread: the event thread.
 #pragma once
@@ -14,12 +14,12 @@
 
 namespace Cli {
 
-// What PacketTracer::fillDefaults() is told of the switch.
-//   host    a neighbour whom the FDB knows behind the interface, else a station of the FDB there,
+// The hints about the switch for PacketTracer::fillDefaults().
+//   host    a neighbour that the FDB has behind the interface, else a station of the FDB there,
 //           else a free address of the interface's subnet
 //   router  the router's MAC address where the packet's VLAN or port routes; for a destination in
 //           the host's own subnet that neighbour's, as the host would do itself
-// Each is left out where the switch does not say it.
+// Each is left out if the switch has none.
 PacketTracer::PacketHints packetHints(SwitchFile::SwitchModel const& model,
                                       Plexa::IntfId const& ingress,
                                       PacketTracer::PacketFields const& fields);

@@ -86,7 +86,7 @@ std::chrono::nanoseconds timeoutOf(std::string const& text) {
         std::chrono::duration<double>(value));
 }
 
-// A packet is given in one way.
+// A packet must be given in one way only.
 void checkSource(Arguments const& arguments) {
     int const ways = int{!arguments.capture.empty()} + int{arguments.hex.has_value()} +
                      int{arguments.fields.given()};
@@ -142,7 +142,7 @@ void checkOutput(char const* option, std::optional<std::string> const& path,
     }
 }
 
-// What is written takes the place of nothing that is read, nor of each other.
+// Output files must not replace input files, nor one another.
 void checkOutputs(Arguments const& arguments) {
     checkOutput("--write", arguments.write, arguments);
     checkOutput("--record", arguments.record, arguments);
@@ -171,7 +171,8 @@ std::unique_ptr<FrameSource> openSource(Arguments const& arguments, SwitchModel 
                                            : packetByFields(arguments.fields, model, ingress));
 }
 
-// Where reports go: to standard output, with a progress bar meanwhile, and frames to a file.
+// Prints the reports to standard output, with a progress bar meanwhile, and writes frames to a
+// file.
 class Printer {
   public:
     Printer(Arguments const& arguments, FrameSource const& source)
@@ -234,7 +235,7 @@ ExitStatus statusOf(TraceRun::Result const& result) {
 TraceRun::Result traceAll(Arguments const& arguments, TraceRunOptions options,
                           SwitchModel const& model, FrameSource& source,
                           Agent::RecordingFile* recording) {
-    // The road hears the chip's thread, too, so it outlives the agent.
+    // The road hears statements of the chip's thread, too, so it must outlive the agent.
     std::optional<Road> road;
     ChipNames const names(model);
     if (arguments.explain) {
@@ -273,7 +274,7 @@ int trace(Arguments const& arguments) {
     if (!lost.empty()) {
         std::cerr << "vynpt: " << lost << '\n';
     }
-    // A capture that the same Ctrl-C cut short is no bad input.
+    // If the same Ctrl-C cut the capture short, that is no bad input.
     Interrupt::raiseAgain();
     if (!result.badInput.empty()) {
         std::cerr << "vynpt: " << result.badInput << '\n';

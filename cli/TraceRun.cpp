@@ -48,7 +48,7 @@ TraceRun::Result TraceRun::run(std::function<bool()> const& stopped) {
     return std::exchange(result_, {});
 }
 
-// Waits for the source only while nobody waits for an answer.
+// Waits for the source only while no request waits for an answer.
 bool TraceRun::wantsMore() const {
     std::size_t const room = options_.road != nullptr ? 1 : window;
     return !ended_ && pending_.size() < room && (pending_.empty() || source_.ready());

@@ -31,22 +31,22 @@ struct TraceRunOptions {
 
 class TraceRun {
   public:
-    // Requests that are under way or answered and not yet reported, at most.
+    // The most requests that are under way, or answered and not yet reported.
     static constexpr std::size_t window = 256;
 
-    // What a run came to.
+    // The result of a run.
     struct Result {
         std::uint64_t frames = 0;
         bool unanswered = false;  // some request had no answer
         bool unexpected = false;  // some answer was not as expected
-        std::string badInput;     // where the input was bad; empty if it was not
+        std::string badInput;     // the message about bad input; empty if there was none
     };
 
     using Report = std::function<void(FrameReport const&)>;
     // Called when there is nothing to report for the moment.
     using Pause = std::function<void()>;
 
-    // Precondition: what is handed in outlives the run.
+    // Precondition: the arguments outlive the run.
     TraceRun(Agent::ForwardingAgent& agent, FrameSource& source, TraceRunOptions options,
              Report report, Pause pause);
     TraceRun(TraceRun const&) = delete;

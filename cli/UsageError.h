@@ -5,7 +5,7 @@
 
 namespace Cli {
 
-// Bad usage or bad input: one line that names the place and what was expected.
+// Bad usage or bad input: one line that says where it is and what was expected.
 class UsageError : public std::runtime_error {
   public:
     using std::runtime_error::runtime_error;

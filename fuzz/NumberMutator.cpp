@@ -1,7 +1,7 @@
 // Mutations for inputs that are texts: now and then a whole number becomes another one. Changes of
-// single bytes seldom make one number out of another that means something where it stands, and the
-// edges of a text's meaning lie at numbers: the length of a prefix, the tag of a VLAN, an id that
-// two things have.
+// single bytes seldom turn a number into another one that is meaningful there, and numbers are
+// where the edge cases of such texts lie: the length of a prefix, the tag of a VLAN, an id that two
+// objects share.
 #include <algorithm>
 #include <cstdint>
 #include <cstring>
@@ -16,7 +16,7 @@ namespace {
 
 using std::string_view;
 
-// Where ranges end that numbers in such texts have, and one beyond them.
+// The ends of the ranges of numbers in such texts, and the numbers one beyond.
 constexpr string_view edges =
     "0 1 2 3 4 6 7 8 9 15 16 24 30 31 32 33 63 64 65 71 72 127 128 129 224 239 254 255 256 455 456 "
     "457 511 512 4093 4094 4095 4096 5000 10000 65534 65535 65536 2147483647 2147483648 4294967295 "
@@ -51,7 +51,7 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
     }
     static auto const edgeNumbers = numbersOf(edges);
     string_view const old = oneOf(numbers);
-    // Half the time another one of the same text, so that ids and references meet.
+    // Half the time a number of the same text, so that references meet ids.
     std::string const put(oneOf(random() % 2 == 0 ? numbers : edgeNumbers));
     std::size_t const newSize = size - old.size() + put.size();
     if (newSize > maxSize) {

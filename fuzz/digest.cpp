@@ -1,8 +1,8 @@
 // Bytes for the digest's socket, as the SDK's thread or a stream out of step may leave them. An
-// input is a row of chunks: two bytes of size, little endian, and the bytes; each chunk is written
-// at once and read to its end before the next one comes. What a plain decoder makes of the same
-// bytes is compared with what the engine did. Where the decoder foretells the end of the process,
-// for an egress port that is none, the engine gets what came before.
+// input is a series of chunks: two bytes of size, little endian, and the bytes; each chunk is
+// written at once and read to its end before the next one comes. The engine's results are compared
+// with those of a plain decoder. Where the decoder predicts the end of the process, because of an
+// invalid egress port, the engine gets only the bytes before that message.
 #include <array>
 #include <cstring>
 #include <optional>
@@ -20,7 +20,7 @@ constexpr std::size_t headerSize = 10;
 constexpr std::size_t entrySize = SdkSeam::digestEntryBytes;
 constexpr unsigned answers = 8;
 
-// Several answers wait for one packet.
+// Several answers share a packet id.
 constexpr std::uint16_t pktIdOf(unsigned answer) {
     return static_cast<std::uint16_t>(answer / 2);
 }

@@ -95,7 +95,7 @@ bool isKept(std::optional<T> const& given, std::optional<T> const& read) {
     return !given || given == read;
 }
 
-// What was given stands in the frame.
+// The frame holds the fields that were given.
 void checkRead(PacketFields const& given, ReadFrame::Read const& read) {
     PacketFields const& fields = read.fields;
     check(read.checksumsAreRight, "checksums are right");

@@ -1,6 +1,7 @@
 // A frame for the chip's parser and pipeline. The first two bytes of an input choose the ingress
 // port, the third whether its phase-0 bytes are whole; the rest is the frame. An IPv4 header's
-// checksum is put right unless it is zero: by chance few would be, and the others are dropped early.
+// checksum is put right unless it is zero: few random frames have a right one, and the others are
+// dropped early.
 #include <algorithm>
 #include <vector>
 
@@ -50,7 +51,7 @@ void checkDecision(SoftChip::Tables const& tables, Decision const& decision) {
         check(decision.egressPort == SoftChip::noEgressPort && !decision.routed,
               "what is dropped leaves nowhere");
     } else if (decision.egressPort == SoftChip::noEgressPort) {
-        // A routed port's internal VLAN is known by what routes in it.
+        // A routed port's internal VLAN is known by its L3 interface.
         check(tables.vlan(decision.l2Domain) != nullptr ||
                   tables.l3Intf(decision.l2Domain) != nullptr,
               "what is flooded is flooded in a VLAN");
@@ -73,7 +74,8 @@ void checkFrame(std::span<std::uint8_t const> frame) {
 }  // namespace
 
 int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
-    // In the folder that the target runs in: where the project lies must not steer what is tried.
+    // A path relative to the folder that the target runs in: the project's location must not
+    // influence which inputs are tried.
     static auto const model = SwitchFile::readSwitchFile("examples/border.json");
     static SoftChip::Tables const tables = Agent::deriveTables(model);
     static Cli::ChipNames const names(model);

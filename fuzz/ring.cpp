@@ -1,7 +1,7 @@
 // A trace ring's file, as a crash or a bad disk may leave it. The first 72 bytes of an input are
 // the header's; the rest of the header is zeros, and what follows in the input follows in the file.
-// A record's check is put right unless it is zero: by chance none ever would be, and nothing that
-// is wrong behind a right one be seen.
+// A record's check is put right unless it is zero: random bytes never have a right one, and errors
+// behind a right check would never be seen.
 #include <algorithm>
 #include <cstring>
 #include <vector>
@@ -33,8 +33,8 @@ Bytes fileOf(std::uint8_t const* data, std::size_t size) {
     return content;
 }
 
-// The file holds what its header says. Were it shorter, a reader would leave the mapping, where
-// another one may lie that no sanitizer minds.
+// Whether the file is as long as its header says. If it were shorter, a reader would leave the
+// mapping and might read another one there, which no sanitizer notices.
 bool isWhole(Bytes const& content) {
     if (content.size() < sizeof(Header)) {
         return false;

@@ -1,6 +1,6 @@
-// A scenario. Its lines are read, and if none is refused for what it says, they are played, unless
-// the scenario may end the process it runs in. Which ones may is judged from the lines alone, so
-// some are left out that would not; ends of the process are the business of tests that fork.
+// A scenario. Its lines are read, and if none is refused they are played, unless the scenario may
+// end the process that it runs in. That is judged from the lines alone, so some scenarios that
+// would not end it are left out, too; tests that fork cover ends of the process.
 #include <map>
 #include <optional>
 #include <set>
@@ -17,7 +17,7 @@ namespace {
 
 namespace Do = Scenario::Do;
 
-// The events of a whole input; none if a line is refused, behind which none is read either.
+// The events of a whole input; none if a line is refused, which also ends the reading.
 std::optional<std::vector<Scenario::Event>> readAll(std::string const& text) {
     std::istringstream in(text);
     std::vector<Scenario::Event> events;
@@ -35,8 +35,8 @@ std::optional<std::vector<Scenario::Event>> readAll(std::string const& text) {
     return events;
 }
 
-// Whether events of a row are harmless, asked of one after the other: nothing that the tracer
-// answers with the end of the process, and not too many turns.
+// Whether a series of events is harmless, asked one event after the other: none at which the tracer
+// ends the process, and not too many turns.
 class Harmless {
   public:
     template <class AnyOther>
@@ -44,7 +44,7 @@ class Harmless {
         return true;
     }
 
-    // A client's objects that are replaced while it runs, and a job that would become another one.
+    // Harmful: replacing a client's objects while it runs, and turning a job into another one.
     bool operator()(Do::ClientConfig const& e) { return isFirst(configs_, e); }
     bool operator()(Do::ClientStatus const& e) { return isFirst(statuses_, e); }
     bool operator()(Do::Request const& e) { return requests_.insert(e.id).second; }
@@ -57,7 +57,7 @@ class Harmless {
         return ports_.emplace(e.intf, place).first->second == place;
     }
 
-    // Digests that say what cannot be, or leave the stream out of step.
+    // Harmful: digests with impossible values, or that leave the stream out of step.
     bool operator()(Do::Digest const& e) {
         constexpr std::size_t most = 4096 / SdkSeam::digestEntryBytes;
         bool good = e.entries.size() <= most;

@@ -1,5 +1,5 @@
-// A switch file. It is refused with its place, or it becomes a model from which tables and
-// forwarding state can be derived.
+// A switch file. It is refused with a message that says where, or it becomes a model from which
+// tables and forwarding state can be derived.
 #include "switchfile/SwitchFile.h"
 #include "Target.h"
 #include "agent/DeriveState.h"

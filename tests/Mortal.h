@@ -1,4 +1,4 @@
-// Something in memory that is somebody else's once it has gone.
+// An object whose memory belongs to somebody else once it was destroyed.
 #pragma once
 
 #include <algorithm>
@@ -30,7 +30,7 @@ class Mortal {
         memory_.fill(theirs);
     }
 
-    // Nothing was written to the memory since.
+    // Whether nothing was written to the memory since.
     bool isMemoryTheirs() const {
         return std::all_of(memory_.begin(), memory_.end(),
                            [](std::byte byte) { return byte == theirs; });

@@ -1,5 +1,5 @@
-// What nearly every test includes, compiled once. Each test includes what it uses all the same: the
-// build with the second compiler goes without this.
+// Headers that nearly every test includes, compiled once. Each test still includes what it uses,
+// because the build with the second compiler does not use this.
 #pragma once
 
 #include <gtest/gtest.h>

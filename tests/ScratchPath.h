@@ -1,5 +1,5 @@
-// A path of a test's own, which goes with the test: tests run in processes beside one another, and
-// none may meet the files of another one.
+// A path of a test's own, which is removed after the test: tests run in parallel processes, and
+// none may use the files of another one.
 #pragma once
 
 #include <stdlib.h>
@@ -17,7 +17,7 @@ class ScratchPath {
         : path_(std::filesystem::temp_directory_path() / ("vynpt-" + process() + "-" + name)) {}
     ScratchPath(ScratchPath const&) = delete;
     ScratchPath& operator=(ScratchPath const&) = delete;
-    // Takes away what is there, a folder with all that it contains.
+    // Removes what is there, a folder with all that it contains.
     ~ScratchPath() {
         std::error_code ignored;
         std::filesystem::remove_all(path_, ignored);
@@ -31,8 +31,8 @@ class ScratchPath {
     }
 
   private:
-    // A death test of the threadsafe style runs its statement in a process that starts afresh: it
-    // has the paths of the one that judges it.
+    // A death test of the threadsafe style runs its statement in a process that starts afresh: that
+    // process must use the paths of the one that judges it.
     static std::string process() {
         ::setenv("VYNPT_TEST_PROCESS", std::to_string(::getpid()).c_str(), 0);
         return ::getenv("VYNPT_TEST_PROCESS");

@@ -1,4 +1,4 @@
-// What the tests of the loop are written with: jobs and pipes that note their turns in one log.
+// Helpers for tests of the loop: jobs and pipes that note their turns in one log.
 #pragma once
 
 #include <fcntl.h>

@@ -4,14 +4,14 @@
 #include "VynPacketTracer/Fixture.h"
 #include "VynPacketTracer/VynPtClientSm.h"
 
-// What an accepted request brings about.
+// The lines that an accepted request causes.
 inline Lines accepted(std::uint32_t number) {
     std::string const key = std::to_string(number);
     return {"VynPtClientSm/7 handleRequest:client:noc reqId:" + key,
             "VynPtClientSm/7 isValidRequest:client:noc reqId:" + key, "cfg add noc/" + key};
 }
 
-// What an accepted request brings about when it is handled again.
+// The lines that an accepted request causes when it is handled again.
 inline Lines acceptedAgain(std::uint32_t number) {
     Lines lines = accepted(number);
     lines.pop_back();
@@ -31,14 +31,14 @@ class ClientTest : public Switch {
   protected:
     ClientTest() { port("Ethernet1", 0, 4); }
 
-    // The client's state machine begins.
+    // Makes the client's state machine.
     void start() {
         client = VynPacketTracer::packetTracerClientSmFactory("noc", clientConfig, clientStatus,
                                                               pktGenConfig, systemStatus, fcsd,
                                                               bridgingConfig, chipStatus);
     }
 
-    // The client writes a request, in place of one that is there.
+    // The client writes a request, which replaces one that is there.
     Vanta::Ptr<PacketTracer::Request> request(std::uint32_t number,
                                               std::string_view ingress = "Ethernet1",
                                               bool valid = true) {
@@ -70,7 +70,7 @@ class ClientTest : public Switch {
         made->readyIs(ready);
         return made;
     }
-    // What the client makes of an answer for request 1, which came in on Ethernet1.
+    // The lines when the client gets an answer for request 1, which came in on Ethernet1.
     Lines update(Outcome const& outcome) {
         if (!pktGenConfig->cfgHas(id("noc", 1))) {
             job(1);

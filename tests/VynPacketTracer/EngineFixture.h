@@ -9,7 +9,7 @@ inline std::string engineTrace(unsigned level, std::string const& text) {
     return "VynPtPktGenSm/" + std::to_string(level) + " " + text;
 }
 
-// What the task and the reactors bring about, step by step.
+// The lines that the task and the reactors cause, step by step.
 inline Lines const worked{engineTrace(7, "doWork:")};
 inline Lines const looked{engineTrace(7, "doWork:"), engineTrace(7, "processRequest:")};
 inline Lines const disabled{"sdk disableAppId session=1 device=0 pipe=0 appId=4 -> 0",
@@ -36,7 +36,7 @@ class EngineTest : public Switch {
   protected:
     using State = VynPacketTracer::PktGenState;
 
-    // An engine with or without the trace digest; it has slept since its first run.
+    // An engine with or without the trace digest, after its first run: it sleeps.
     void startAwake(bool pktTracerSupported = true) {
         engine = VynPacketTracer::pktGenSmFactory(config, chip.phase0Data(), status, 1,
                                                   chip.device(), pktTracerSupported,

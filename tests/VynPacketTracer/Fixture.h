@@ -1,5 +1,5 @@
-// What the plug-in's tests are written with: a scripted chip, a loop, forwarding state and a
-// recorder, moved by a few verbs.
+// What the plug-in's tests share: a scripted chip, a loop, forwarding state and a recorder, driven
+// by a few functions.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -35,25 +35,25 @@ inline PacketTracer::RequestId id(std::string_view client, std::uint32_t number)
     return {client, number};
 }
 
-// What an engine with trace support brings about when it goes.
+// The lines when an engine with trace support is destroyed.
 inline Lines const deregistered{
     "sdk pipe_mgr_lrn_digest_notification_deregister session=1 device=0 handle=77 -> 0",
     "VynPtPktGenSm/4 deRegisterPktTracerDigest:pktTracerDigest deregistered:0"};
 
 // The chip, the loop and the switch. Fixtures with a tracer or a part of it derive from it, so that
-// the chip goes last.
+// the chip is destroyed last.
 class Switch : public testing::Test {
   protected:
     using SdkFunction = SdkSeam::SdkFunction;
 
     Switch() { loop->yieldAfterIs(Orb::TaskSchedulerRoot::neverYield); }
     void TearDown() override {
-        // What a test does inside calls is over when the tracer goes.
+        // A test's hooks inside calls must not run while the tracer is destroyed.
         recorder.onSdkCall = nullptr;
         recorder.onTrace = nullptr;
         recorder.mark = nullptr;
     }
-    // From now on the first trace statement that says this raises an error.
+    // From now on the first trace statement with this text raises an error.
     void failsAtTrace(std::string const& text) {
         recorder.onTrace = [this, text] {
             if (recorder.lines().back().find(text) != std::string::npos) {
@@ -108,7 +108,7 @@ class Switch : public testing::Test {
     Lines happened(std::string_view beginningWith) {
         return beginning(beginningWith, recorder.take());
     }
-    // What an event brings about, whatever came before it.
+    // The lines that an event causes, without those from before.
     Lines after(std::function<void()> const& event) {
         recorder.take();
         event();

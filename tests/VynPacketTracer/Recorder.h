@@ -68,7 +68,7 @@ class Recorder final : public ScriptChip::Listener {
             lines_.push_back(mark ? mark() + std::move(line) : std::move(line));
         }
     }
-    // Deaf, nothing is put into lines: for tests that repeat something very often.
+    // Switched off, it records no lines: for tests that repeat something very often.
     void hearsIs(bool on) {
         hears_ = on;
         publications_.reset();

@@ -8,7 +8,7 @@ inline std::string handled(std::string const& name) {
     return "VynPtSm/7 handleClient:client " + name;
 }
 
-// What a client without requests brings about when its state machine is made.
+// The lines when the state machine of a client without requests is made.
 inline Lines begun(std::string const& name) {
     return {handled(name), "VynPtClientSm/7 handleInitialized:client " + name,
             "VynPtClientSm/7 handleResults:client " + name + " #status:0",
@@ -30,7 +30,7 @@ class TracerTest : public Switch {
             chip.device(), chip.learnQuanta(), chip.digestLayout(), loop, systemStatus, fcsd,
             bridgingConfig, chipStatus);
     }
-    // The tracer begins. Its engine has slept since its first run.
+    // Makes the tracer. Its engine has run once and sleeps.
     void start(bool pktTracerSupported = true) {
         tracer = made(pktTracerSupported);
         turn();

@@ -1,4 +1,4 @@
-// What the tests of forwarding state read objects and name interfaces with.
+// Helpers with which the tests of forwarding state read objects and name interfaces.
 #pragma once
 
 #include "Plexa/IntfId.h"

@@ -1,4 +1,4 @@
-// Runs that are recorded and replayed: what both show, side by side.
+// Runs that are recorded and replayed: the observations of both, compared.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -45,8 +45,8 @@ inline Observed sorted(std::string const& lines) {
     return observed;
 }
 
-// Takes away the agent's first registration and its last deregistration: nobody can stand in front
-// of the recorder so early and so late.
+// Removes the agent's first registration and its last deregistration, because the observer is put
+// in front of the recorder after the first and taken away before the last.
 inline void dropEnds(std::string& eventThread) {
     auto const drop = [&](std::size_t at) {
         if (at != std::string::npos) {
@@ -58,14 +58,16 @@ inline void dropEnds(std::string& eventThread) {
     drop(eventThread.rfind(R"("sdk":"pipe_mgr_lrn_digest_notification_deregister")"));
 }
 
-// Prints a live run as a replay prints its own: taps and, in front of the chip, its calls.
+// Prints a live run as a replay prints its own: through taps and, for the chip's calls, in front of
+// the chip.
 class LiveObservation final : public SdkSeam::CallHook {
   public:
     LiveObservation() = default;
     LiveObservation(LiveObservation const&) = delete;
     LiveObservation& operator=(LiveObservation const&) = delete;
 
-    // Stands in front of what stands before the device's chip already.
+    // Observes the calls of the device, in front of everything that is already in front of its
+    // chip.
     void calls(VynId::VynDevId device) { front_.emplace(device, *this); }
     void callsNoMore() { front_.reset(); }
 

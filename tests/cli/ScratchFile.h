@@ -1,4 +1,4 @@
-// A file of a test's own, which goes with it.
+// A file of a test's own, which is removed after the test.
 #pragma once
 
 #include <filesystem>

@@ -1,4 +1,4 @@
-// The system calls of the digest channel, in the hands of a test. This program defines sendmsg,
+// The system calls of the digest channel, under a test's control. This program defines sendmsg,
 // read, socketpair, fcntl and setsockopt itself, so the shared libraries' calls come here first;
 // they go on to the system unless a test has said otherwise.
 #pragma once
@@ -25,9 +25,11 @@ class SystemCalls {
     // function are kept; what is not kept is all 0.
     static Arguments arguments(SystemCall call, unsigned after = 0) noexcept;
 
-    // Once: the call after the next `after` ones returns `result` with this errno, and does nothing.
+    // Once: the call after the next `after` ones returns `result` with this errno, and does
+    // nothing.
     static void failsIs(SystemCall call, int error, unsigned after = 0, int result = -1) noexcept;
 
-    // Once: the call after the next `after` ones moves `bytes` bytes at most. sendmsg and read only.
+    // Once: the call after the next `after` ones moves `bytes` bytes at most. sendmsg and read
+    // only.
     static void isShort(SystemCall call, std::size_t bytes, unsigned after = 0) noexcept;
 };

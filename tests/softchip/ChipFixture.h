@@ -1,4 +1,4 @@
-// What the tests of the whole chip are written with: a small switch, and a receiver of its digests.
+// What the tests of the whole chip share: a small switch, and a receiver of its digests.
 #pragma once
 
 #include <gtest/gtest.h>

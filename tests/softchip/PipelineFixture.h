@@ -1,4 +1,4 @@
-// What the tests of the pipeline are written with: a small switch. Its ports by what they are:
+// What the tests of the pipeline share: a small switch. Its ports:
 //   1, 2 access VLAN 10      3 trunk of 10, 20, 30, native 10       4 access VLAN 20
 //   5 routed, 4094           6 access VLAN 30 (not routed)          7 no domain of its own, its
 //   8, 9, 10 LAG 1, access VLAN 20                                    sub-interface 100 is 4093

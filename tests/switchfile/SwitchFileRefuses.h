@@ -1,4 +1,4 @@
-// What tests of switch files that are refused share: one thing that is wrong, and the whole message.
+// What tests of refused switch files share: each has one error in a file, and the whole message.
 #pragma once
 
 #include <gtest/gtest.h>
