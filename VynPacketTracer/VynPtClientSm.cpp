@@ -3,7 +3,9 @@
 #include <utility>
 
 #include "Kel/Error.h"
+#include "Net/EtherType.h"
 #include "PacketTracer/ConstructPacket.h"
+#include "PacketTracer/PacketSize.h"
 #include "Trace/Trace.h"
 #include "Vanta/Assert.h"
 
@@ -14,10 +16,6 @@ using PacketTracer::RequestId;
 namespace {
 
 Trace::Handle& trace = Trace::handle("VynPtClientSm");
-
-constexpr std::uint16_t etherTypeMplsUnicast = 0x8847;
-constexpr std::uint16_t etherTypeMplsMulticast = 0x8848;
-constexpr std::uint32_t largestPacket = 9236;
 
 }  // namespace
 
@@ -223,8 +221,7 @@ bool PacketTracerClientSm::isValidRequest(
     Trace::twinlog(trace, 7, "isValidRequest:client:%s reqId:%s", packetRequest->id().clientName(),
                    packetRequest->id().number());
     std::uint16_t const etherType = packetRequest->etherType();
-    if (etherType == etherTypeMplsUnicast || etherType == etherTypeMplsMulticast ||
-        packetRequest->mpls()) {
+    if (Net::EtherType::isMpls(etherType) || packetRequest->mpls()) {
         Trace::twinlog(trace, 9, "isValidRequest:MPLS request cannot be fulfilled");
         return false;
     }
@@ -271,7 +268,8 @@ void PacketTracerClientSm::handleRequest(RequestId const& requestId) {
         finishResult(requestId, PacketTracer::State::noEgress);
         return;
     }
-    Vanta::Bytes const pkt = PacketTracer::constructPacket(requestId, request, largestPacket);
+    Vanta::Bytes const pkt =
+        PacketTracer::constructPacket(requestId, request, PacketTracer::maximumFrameSize);
     if (pkt.empty()) {
         Trace::twinlog(trace, 9, "handleRequest:Unable to construct packet from the request");
         finishResult(requestId, PacketTracer::State::notTraceable);

@@ -13,17 +13,9 @@ VynSystem::PortInfo portInfo(Interface const& port) {
             VynPortTypes::PortIndex(port.devicePort % 128)};
 }
 
-// The port that the interface's frames arrive at, or null.
-Interface const* portOf(SwitchModel const& model, Interface const& intf) {
-    if (intf.id.kind() == Kind::subIntf) {
-        return portOf(model, *model.interface(Plexa::SubIntfId::parentIntfId(intf.id)));
-    }
-    return intf.id.kind() == Kind::physical ? &intf : nullptr;
-}
-
 void derivePorts(SwitchModel const& model, ForwardingState& state) {
     for (Interface const& intf : model.interfaces) {
-        if (Interface const* const port = portOf(model, intf)) {
+        if (Interface const* const port = model.entryPort(intf)) {
             state.systemStatus->portInfoIs(intf.id, portInfo(*port));
         }
         if (intf.id.kind() != Kind::physical) {

@@ -1,7 +1,7 @@
 // From the switch's model to the forwarding state that a tracer reads.
 //
-//   - A physical port has port information: its pipe and its index there. A sub-interface has that
-//     of its parent port; LAGs, their sub-interfaces and VLAN interfaces have none.
+//   - An interface whose frames enter by one port has that port's information, its pipe and its
+//     index there: a physical port and its sub-interfaces, and nothing else.
 //   - portToIntfId gives a device port's own interface, also of a LAG's member.
 //   - LAGs are members of VLANs, the ports in them never are; a bridged sub-interface is a member
 //     of its VLAN.
@@ -10,7 +10,7 @@
 #pragma once
 
 #include "scenario/ForwardingState.h"
-#include "switchfile/SwitchFile.h"
+#include "switchfile/SwitchModel.h"
 
 namespace Agent {
 

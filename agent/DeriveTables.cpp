@@ -72,7 +72,7 @@ void deriveL3Intf(SwitchModel const& model, Interface const& intf, Tables& table
     tables.l3IntfIs(domain, l3);
     for (SwitchFile::InterfaceAddress const& own : intf.routing->addresses) {
         tables.ownAddressIs(vrf, own.address);
-        if (!SwitchFile::isLinkLocalV6(own.address)) {
+        if (!own.address.isLinkLocalV6()) {
             tables.routeIs(vrf, own.network(), SoftChip::Route::connected(domain));
         }
     }

@@ -14,7 +14,7 @@
 #include <vector>
 
 #include "softchip/Tables.h"
-#include "switchfile/SwitchFile.h"
+#include "switchfile/SwitchModel.h"
 
 namespace Agent {
 

@@ -73,10 +73,7 @@ void ForwardingAgent::loadChip(SwitchFile::SwitchModel const& model) {
     auto const tables = std::make_shared<SoftChip::Tables>(deriveTables(model));
     chip_.change([tables](SoftChip::Tables& chipTables) { chipTables = std::move(*tables); });
     for (SwitchFile::Interface const& intf : model.interfaces) {
-        bool const isSubIntf = Plexa::SubIntfId::isSubIntfId(intf.id);
-        SwitchFile::Interface const* const port =
-            isSubIntf ? model.interface(Plexa::SubIntfId::parentIntfId(intf.id)) : &intf;
-        if (port->id.kind() == Plexa::IntfId::Kind::physical) {
+        if (auto const* const port = model.entryPort(intf)) {
             phase0Data_->ingressPortIs(intf.id, port->devicePort);
         }
     }

@@ -1,6 +1,7 @@
 #include "agent/RequestEvents.h"
 
 #include "PacketTracer/ConstructPacket.h"
+#include "PacketTracer/PacketSize.h"
 
 namespace Agent {
 namespace {
@@ -13,8 +14,8 @@ Vanta::Bytes rawOf(Request const& request) {
         return request.frame();
     }
     // No longer packet is ever injected, and none can be built.
-    constexpr std::uint32_t largestPacket = 9236;
-    return PacketTracer::constructFrame(*request.fields(), request.etherType(), largestPacket);
+    return PacketTracer::constructFrame(*request.fields(), request.etherType(),
+                                        PacketTracer::maximumFrameSize);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <unordered_map>
 
 #include "PacketTracer/ConstructPacket.h"
+#include "PacketTracer/PacketSize.h"
 #include "bench/Cost.h"
 #include "bench/Host.h"
 #include "softchip/Explanations.h"
@@ -52,7 +53,8 @@ Vanta::Bytes udpFrame(std::string_view destinationMac) {
     fields.srcPort = 1000;
     fields.dstPort = 2000;
     fields.length = 64;
-    return PacketTracer::constructFrame(fields, 0x0800, 9236);
+    return PacketTracer::constructFrame(fields, Net::EtherType::ipv4,
+                                        PacketTracer::maximumFrameSize);
 }
 
 void pipeline(benchmark::State& state, std::string_view destinationMac,

@@ -6,6 +6,7 @@
 
 #include "Kel/Collection.h"
 #include "PacketTracer/ConstructPacket.h"
+#include "PacketTracer/PacketSize.h"
 #include "Trace/Trace.h"
 #include "Vanta/Publisher.h"
 #include "bench/BareRing.h"
@@ -150,12 +151,14 @@ PacketTracer::PacketFields udpFields() {
 
 void construct(benchmark::State& state) {
     auto const fields = udpFields();
-    if (PacketTracer::constructFrame(fields, 0x0800, 9236).size() != 64) {
+    if (PacketTracer::constructFrame(fields, Net::EtherType::ipv4, PacketTracer::maximumFrameSize)
+            .size() != 64) {
         state.SkipWithError("the frame was not built");
         return;
     }
     for (auto _ : state) {
-        benchmark::DoNotOptimize(PacketTracer::constructFrame(fields, 0x0800, 9236));
+        benchmark::DoNotOptimize(PacketTracer::constructFrame(fields, Net::EtherType::ipv4,
+                                                              PacketTracer::maximumFrameSize));
     }
 }
 BENCHMARK(construct)->Name("packet/construct");
@@ -171,7 +174,8 @@ std::uint16_t internetSum(std::uint8_t const* bytes, std::size_t size) {
 
 // A frame that is ready is copied into a block of its own, and both checksums are computed.
 void constructFloor(benchmark::State& state) {
-    auto const ready = PacketTracer::constructFrame(udpFields(), 0x0800, 9236);
+    auto const ready = PacketTracer::constructFrame(udpFields(), Net::EtherType::ipv4,
+                                                    PacketTracer::maximumFrameSize);
     for (auto _ : state) {
         auto const made = std::make_unique<std::uint8_t[]>(ready.size());
         std::memcpy(made.get(), ready.data(), ready.size());

@@ -12,6 +12,7 @@
 
 #include "agent/ForwardingAgent.h"
 #include "bench/Cost.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Bench {
 namespace {

@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <utility>
 
+#include "PacketTracer/PacketSize.h"
 #include "cli/Packet.h"
 #include "cli/UsageError.h"
 
@@ -18,7 +19,7 @@ void CaptureWriter::Close::operator()(pcap_dumper* dumper) const {
 }
 
 CaptureWriter::CaptureWriter(std::string path)
-    : path_(std::move(path)), format_(pcap_open_dead(DLT_EN10MB, maxFrameSize)) {
+    : path_(std::move(path)), format_(pcap_open_dead(DLT_EN10MB, PacketTracer::maximumFrameSize)) {
     dumper_.reset(pcap_dump_open(format_.get(), path_.c_str()));
     if (!dumper_) {
         throw UsageError(pcap_geterr(format_.get()));

@@ -9,7 +9,7 @@
 
 #include "cli/FrameReport.h"
 #include "softchip/Explanation.h"
-#include "switchfile/SwitchFile.h"
+#include "switchfile/SwitchModel.h"
 
 namespace Cli {
 

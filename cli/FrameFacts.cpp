@@ -2,7 +2,7 @@
 
 #include <cstddef>
 
-#include "PacketTracer/PacketFields.h"
+#include "Net/EtherType.h"
 #include "softchip/Frame.h"
 
 namespace Cli {
@@ -12,16 +12,11 @@ constexpr std::size_t addressesSize = 12;
 constexpr std::size_t tagSize = 4;
 constexpr std::uint8_t protocolGre = 47;
 
-bool isTag(std::uint16_t etherType) {
-    return etherType == PacketTracer::etherTypeVlan ||
-           etherType == PacketTracer::etherTypeServiceVlan;
-}
-
 // The chip's parser takes two tags at most; this looks behind any number of them.
 std::uint16_t innermostEtherType(std::span<std::uint8_t const> frame) {
     for (std::size_t at = addressesSize; at + 2 <= frame.size(); at += tagSize) {
         auto const etherType = static_cast<std::uint16_t>(frame[at] << 8 | frame[at + 1]);
-        if (!isTag(etherType)) {
+        if (!Net::EtherType::isTag(etherType)) {
             return etherType;
         }
     }
@@ -34,8 +29,7 @@ FrameFacts frameFacts(std::span<std::uint8_t const> frame) {
     auto const parsed = SoftChip::parseFrame(frame);
     FrameFacts facts;
     facts.etherType = innermostEtherType(frame);
-    facts.mpls = facts.etherType == PacketTracer::etherTypeMpls ||
-                 facts.etherType == PacketTracer::etherTypeMplsMulticast;
+    facts.mpls = Net::EtherType::isMpls(facts.etherType);
     facts.gre = parsed.isIp() && parsed.hasIp && parsed.protocol == protocolGre;
     return facts;
 }

@@ -1,8 +1,5 @@
 #include "cli/FrameText.h"
 
-#include <array>
-#include <cstdio>
-
 namespace Cli {
 namespace {
 
@@ -11,12 +8,6 @@ using SoftChip::L3;
 using SoftChip::L3Fault;
 using SoftChip::L4;
 using SoftChip::ParsedFrame;
-
-std::string hex(std::uint16_t value) {
-    std::array<char, 8> buffer{};
-    std::snprintf(buffer.data(), buffer.size(), "0x%04x", unsigned{value});
-    return buffer.data();
-}
 
 std::string ports(ParsedFrame const& frame) {
     return " port " + std::to_string(frame.srcPort) + " to " + std::to_string(frame.dstPort);
@@ -65,7 +56,7 @@ std::string l3Text(ParsedFrame const& frame) {
         case L3::none:
             break;
     }
-    return ", EtherType " + hex(frame.etherType);
+    return ", EtherType " + Net::EtherType::text(frame.etherType);
 }
 
 }  // namespace

@@ -16,18 +16,11 @@ struct Arguments {
     bool ingress = false;
 };
 
-// Whether a packet can come in on the interface: it then has port information.
-bool isIngress(Plexa::IntfId const& id) {
-    using Kind = Plexa::IntfId::Kind;
-    return id.kind() == Kind::physical ||
-           Plexa::SubIntfId::parentIntfId(id).kind() == Kind::physical;
-}
-
 void run(Arguments const& arguments) {
     auto const model = SwitchFile::readSwitchFile(arguments.switchFile);
     Output output(STDOUT_FILENO);
     for (auto const& intf : model.interfaces) {
-        if (!arguments.ingress || isIngress(intf.id)) {
+        if (!arguments.ingress || model.entryPort(intf) != nullptr) {
             output.write(intf.id.stringValue() + "\n");
         }
     }

@@ -4,6 +4,7 @@
 
 #include "PacketTracer/ConstructPacket.h"
 #include "PacketTracer/PacketFault.h"
+#include "PacketTracer/PacketSize.h"
 #include "cli/FrameText.h"
 #include "softchip/Frame.h"
 
@@ -23,9 +24,10 @@ std::string sizeReason(std::size_t size) {
     if (size == 0) {
         return "an empty frame cannot be sent";
     }
-    return size > maxFrameSize ? "a frame of " + std::to_string(size) + " bytes; at most " +
-                                     std::to_string(maxFrameSize) + " can be sent"
-                               : "";
+    return size > PacketTracer::maximumFrameSize
+               ? "a frame of " + std::to_string(size) + " bytes; at most " +
+                     std::to_string(PacketTracer::maximumFrameSize) + " can be sent"
+               : "";
 }
 
 }  // namespace
@@ -49,7 +51,9 @@ std::string Packet::refusalReason() const {
     }
     std::string const fault(PacketTracer::packetFault(*fields, facts.etherType));
     bool const tooLong = fault.empty() && frame.empty();
-    return tooLong ? "a frame of more than " + std::to_string(maxFrameSize) + " bytes" : fault;
+    return tooLong
+               ? "a frame of more than " + std::to_string(PacketTracer::maximumFrameSize) + " bytes"
+               : fault;
 }
 
 void Packet::describeTo(PacketTracer::Request& request) const {
@@ -73,10 +77,9 @@ Packet packetOfFrame(Vanta::Bytes frame) {
 Packet packetOfFields(PacketTracer::PacketFields const& fields, std::uint16_t etherType) {
     Packet packet;
     packet.facts.etherType = etherType != 0 ? etherType : PacketTracer::impliedEtherType(fields);
-    packet.facts.mpls = etherType == PacketTracer::etherTypeMpls ||
-                        etherType == PacketTracer::etherTypeMplsMulticast;
+    packet.facts.mpls = Net::EtherType::isMpls(etherType);
     packet.fields = fields;
-    packet.frame = PacketTracer::constructFrame(fields, etherType, maxFrameSize);
+    packet.frame = PacketTracer::constructFrame(fields, etherType, PacketTracer::maximumFrameSize);
     return packet;
 }
 

@@ -15,9 +15,6 @@
 
 namespace Cli {
 
-// The tracer's own limit, in bytes.
-inline constexpr std::uint32_t maxFrameSize = 9236;
-
 // A plain value; thread: the event thread, because of the bytes.
 struct Packet {
     std::uint64_t number = 1;  // of the frame in its capture, from 1

@@ -2,10 +2,10 @@
 
 #include <CLI/CLI.hpp>
 #include <array>
-#include <charconv>
 #include <optional>
 #include <string_view>
 
+#include "Net/Number.h"
 #include "cli/HexBytes.h"
 #include "cli/UsageError.h"
 
@@ -20,20 +20,9 @@ using PacketTracer::VlanTag;
 
 constexpr std::string_view noTag = "none";
 
-// A whole number from 0 to `most`, decimal or with 0x in front.
-std::optional<std::uint32_t> number(std::string_view text, std::uint32_t most) {
-    bool const isHex = text.starts_with("0x");
-    text.remove_prefix(isHex ? 2 : 0);
-    std::uint32_t value = 0;
-    auto const [end, error] =
-        std::from_chars(text.data(), text.data() + text.size(), value, isHex ? 16 : 10);
-    bool const whole = error == std::errc() && end == text.data() + text.size();
-    return whole && value <= most ? std::optional(value) : std::nullopt;
-}
-
 template <class T>
 std::optional<T> numberOf(std::string_view text, std::uint32_t most) {
-    auto const value = number(text, most);
+    auto const value = Net::numberFromText(text, most);
     return value ? std::optional(static_cast<T>(*value)) : std::nullopt;
 }
 
@@ -48,41 +37,6 @@ std::vector<std::string_view> parts(std::string_view text) {
         }
         text.remove_prefix(comma + 1);
     }
-}
-
-bool setTagPart(VlanTag& tag, std::string_view part) {
-    auto const equals = part.find('=');
-    std::string_view const name = part.substr(0, equals);
-    std::string_view const text =
-        equals == std::string_view::npos ? std::string_view() : part.substr(equals + 1);
-    if (name == "priority") {
-        auto const value = numberOf<std::uint8_t>(text, 7);
-        tag.priority = value.value_or(0);
-        return value.has_value();
-    }
-    if (name == "tpid") {
-        auto const value = numberOf<std::uint16_t>(text, 0xffff);
-        tag.tpid = value.value_or(0);
-        return value.has_value();
-    }
-    tag.dropEligible = part == "dei";
-    return tag.dropEligible;
-}
-
-// "20", "20,priority=5,tpid=0x88a8,dei".
-std::optional<VlanTag> tagFromText(std::string_view text) {
-    auto const pieces = parts(text);
-    auto const vlan = numberOf<std::uint16_t>(pieces.front(), 4094);
-    if (!vlan) {
-        return std::nullopt;
-    }
-    VlanTag tag{.vlan = *vlan};
-    for (std::size_t i = 1; i < pieces.size(); ++i) {
-        if (!setTagPart(tag, pieces[i])) {
-            return std::nullopt;
-        }
-    }
-    return tag;
 }
 
 std::optional<std::uint8_t> tcpFlagsFromText(std::string_view text) {
@@ -142,7 +96,7 @@ constexpr std::array fieldTable{
           "none",
           "Tag; twice for two, the outer one first; none for none at all",
           [](PacketFields& f, Text t) {
-              auto const tag = tagFromText(t);
+              auto const tag = VlanTag::fromText(t);
               if (tag) {
                   f.tags.push_back(*tag);
               }
@@ -244,14 +198,10 @@ PacketFields PacketOptions::fields() const {
 }
 
 std::uint16_t PacketOptions::etherType() const {
-    static std::map<std::string_view, std::uint16_t> const names{
-        {"", 0},
-        {"ipv4", PacketTracer::etherTypeIpv4},
-        {"ipv6", PacketTracer::etherTypeIpv6},
-        {"arp", PacketTracer::etherTypeArp}};
-    auto const name = names.find(etherType_);
-    auto const value = name != names.end() ? std::optional(name->second)
-                                           : numberOf<std::uint16_t>(etherType_, 0xffff);
+    auto const named = Net::EtherType::fromText(etherType_);
+    auto const value = etherType_.empty() ? 0
+                       : named            ? named
+                                          : numberOf<std::uint16_t>(etherType_, 0xffff);
     return value ? *value
                  : throw wrong("ether-type", "ipv4, ipv6, arp or a number from 0 to 0xffff",
                                etherType_);

@@ -3,8 +3,6 @@
 #include <algorithm>
 #include <optional>
 
-#include "softchip/Addresses.h"
-
 namespace Cli {
 namespace {
 
@@ -13,16 +11,6 @@ using PacketTracer::PacketHints;
 using PacketTracer::VlanTag;
 using SwitchFile::Interface;
 using SwitchFile::SwitchModel;
-
-PacketTracer::MacAddress converted(SoftChip::MacAddress mac) {
-    return *PacketTracer::MacAddress::fromText(mac.text());
-}
-PacketTracer::IpAddress converted(SoftChip::IpAddress const& address) {
-    return *PacketTracer::IpAddress::fromText(address.text());
-}
-SoftChip::IpAddress converted(PacketTracer::IpAddress const& address) {
-    return *SoftChip::IpAddress::fromText(address.text());
-}
 
 // The interface that takes the frames of the ingress interface: itself, or the LAG that it belongs
 // to.
@@ -67,7 +55,7 @@ Place placeOf(SwitchModel const& model, Plexa::IntfId const& ingress, PacketFiel
                      : Place{0, intf, intf->routing ? intf : nullptr};
 }
 
-bool isBehind(SwitchModel const& model, Place const& place, SoftChip::MacAddress mac) {
+bool isBehind(SwitchModel const& model, Place const& place, Net::MacAddress mac) {
     return place.vlan == 0 ||
            std::ranges::any_of(model.fdb, [&](SwitchFile::FdbEntry const& entry) {
                return entry.vlan == place.vlan && entry.mac == mac && entry.intf == place.at->id;
@@ -75,7 +63,7 @@ bool isBehind(SwitchModel const& model, Place const& place, SoftChip::MacAddress
 }
 
 SwitchFile::Neighbour const* neighbour(SwitchModel const& model, Interface const& l3,
-                                       SoftChip::IpAddress const& address) {
+                                       Net::IpAddress const& address) {
     auto const found = std::ranges::find_if(model.neighbours, [&](SwitchFile::Neighbour const& n) {
         return n.intf == l3.id && n.address == address;
     });
@@ -83,15 +71,14 @@ SwitchFile::Neighbour const* neighbour(SwitchModel const& model, Interface const
 }
 
 void hintNeighbour(PacketHints& hints, SwitchFile::Neighbour const& known) {
-    hints.hostMac = converted(known.mac);
-    bool const isV4 = known.address.family == SoftChip::Family::ipv4;
-    auto& address = isV4 ? hints.hostIpv4 : hints.hostIpv6;
-    address = address ? address : std::optional(converted(known.address));
+    hints.hostMac = known.mac;
+    auto& address = known.address.isV4() ? hints.hostIpv4 : hints.hostIpv6;
+    address = address ? address : known.address;
 }
 
 // The first neighbour behind the ingress interface, with its addresses of both families.
 void hintKnownHost(PacketHints& hints, SwitchModel const& model, Place const& place) {
-    std::optional<SoftChip::MacAddress> host;
+    std::optional<Net::MacAddress> host;
     for (SwitchFile::Neighbour const& known : model.neighbours) {
         bool const isHost = host ? known.mac == *host : isBehind(model, place, known.mac);
         if (known.intf == place.l3->id && isHost) {
@@ -106,18 +93,18 @@ void hintStation(PacketHints& hints, SwitchModel const& model, Place const& plac
         return entry.vlan == place.vlan && entry.intf == place.at->id;
     });
     if (!hints.hostMac && station != model.fdb.end()) {
-        hints.hostMac = converted(station->mac);
+        hints.hostMac = station->mac;
     }
 }
 
 // The last address of the subnet that is neither the switch's own nor a broadcast address.
-std::optional<SoftChip::IpAddress> freeAddress(SwitchFile::InterfaceAddress const& own) {
-    unsigned const bits = SoftChip::addressBits(own.address.family) - own.length;
+std::optional<Net::IpAddress> freeAddress(SwitchFile::InterfaceAddress const& own) {
+    unsigned const bits = Net::addressBits(own.address.family) - own.length;
     if (bits == 0) {
         return std::nullopt;
     }
-    bool const isV4 = own.address.family == SoftChip::Family::ipv4;
-    SoftChip::IpAddress last = own.network().address;
+    bool const isV4 = own.address.isV4();
+    Net::IpAddress last = own.network().address;
     unsigned const unused = isV4 ? 32 : 0;  // an IPv4 address is the upper half of `hi`
     std::uint64_t const ones = bits >= 64 ? ~0ULL : (1ULL << bits) - 1;
     std::uint64_t& low = isV4 ? last.hi : last.lo;
@@ -130,25 +117,23 @@ std::optional<SoftChip::IpAddress> freeAddress(SwitchFile::InterfaceAddress cons
 
 void hintFreeAddresses(PacketHints& hints, Interface const& l3) {
     for (auto const& own : l3.routing->addresses) {
-        bool const isV4 = own.address.family == SoftChip::Family::ipv4;
-        if (SwitchFile::isLinkLocalV6(own.address)) {
+        bool const isV4 = own.address.isV4();
+        if (own.address.isLinkLocalV6()) {
             continue;
         }
         auto& host = isV4 ? hints.hostIpv4 : hints.hostIpv6;
-        auto const free = host ? std::nullopt : freeAddress(own);
-        host = free ? std::optional(converted(*free)) : host;
+        host = host ? host : freeAddress(own);
         if (isV4 && !hints.routerIpv4) {
-            hints.routerIpv4 = converted(own.address);
+            hints.routerIpv4 = own.address;
         }
     }
 }
 
 // The next hop that a host would choose for such a packet: the neighbour in its own subnet, or the
 // router.
-SoftChip::MacAddress nextHopMac(SwitchModel const& model, Interface const& l3,
-                                PacketFields const& fields) {
-    auto const* const known =
-        fields.ipDst ? neighbour(model, l3, converted(*fields.ipDst)) : nullptr;
+Net::MacAddress nextHopMac(SwitchModel const& model, Interface const& l3,
+                           PacketFields const& fields) {
+    auto const* const known = fields.ipDst ? neighbour(model, l3, *fields.ipDst) : nullptr;
     return known != nullptr ? known->mac : model.routerMac;
 }
 
@@ -188,7 +173,7 @@ PacketHints packetHints(SwitchModel const& model, Plexa::IntfId const& ingress,
     bool const routes = place.l3 != nullptr && place.l3->routing;
     if (routes) {
         hintKnownHost(hints, model, place);
-        hints.routerMac = converted(nextHopMac(model, *place.l3, fields));
+        hints.routerMac = nextHopMac(model, *place.l3, fields);
     }
     if (place.vlan != 0) {
         hintStation(hints, model, place);

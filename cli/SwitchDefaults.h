@@ -10,7 +10,7 @@
 #include "PacketTracer/PacketDefaults.h"
 #include "PacketTracer/PacketFields.h"
 #include "Plexa/IntfId.h"
-#include "switchfile/SwitchFile.h"
+#include "switchfile/SwitchModel.h"
 
 namespace Cli {
 

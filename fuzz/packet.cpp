@@ -22,8 +22,8 @@ class Draw {
 
     PacketFields fields() {
         PacketFields fields;
-        maybe(fields.ethDst, [&] { return MacAddress(octets<6>()); });
-        maybe(fields.ethSrc, [&] { return MacAddress(octets<6>()); });
+        maybe(fields.ethDst, [&] { return MacAddress::fromOctets(octets<6>()); });
+        maybe(fields.ethSrc, [&] { return MacAddress::fromOctets(octets<6>()); });
         fields.tags.resize(provider_.ConsumeIntegralInRange<std::size_t>(0, 3));
         for (auto& tag : fields.tags) {
             tag = {pick({0x8100, 0x88a8, 0x9100}), number<std::uint16_t>(), number<std::uint8_t>(),
@@ -48,7 +48,9 @@ class Draw {
         return provider_.ConsumeBool() ? pick({0, 0x800, 0x806, 0x86dd, 0x88b5})
                                        : number<std::uint16_t>();
     }
-    std::uint32_t limit() { return provider_.ConsumeBool() ? 9236 : number<std::uint16_t>(); }
+    std::uint32_t limit() {
+        return provider_.ConsumeBool() ? maximumFrameSize : number<std::uint16_t>();
+    }
     // What is left.
     std::vector<std::uint8_t> payload() { return provider_.ConsumeRemainingBytes<std::uint8_t>(); }
 
@@ -69,14 +71,15 @@ class Draw {
         return octets;
     }
     IpAddress address() {
-        return provider_.ConsumeBool() ? IpAddress(octets<16>()) : IpAddress(octets<4>());
+        return provider_.ConsumeBool() ? IpAddress::fromOctets(Net::Family::ipv6, octets<16>())
+                                       : IpAddress::fromOctets(Net::Family::ipv4, octets<4>());
     }
     ArpFields arp() {
         ArpFields arp;
         maybe(arp.operation, [&] { return static_cast<ArpOperation>(pick({1, 2, 3})); });
-        maybe(arp.senderMac, [&] { return MacAddress(octets<6>()); });
+        maybe(arp.senderMac, [&] { return MacAddress::fromOctets(octets<6>()); });
         maybe(arp.senderIp, [&] { return address(); });
-        maybe(arp.targetMac, [&] { return MacAddress(octets<6>()); });
+        maybe(arp.targetMac, [&] { return MacAddress::fromOctets(octets<6>()); });
         maybe(arp.targetIp, [&] { return address(); });
         return arp;
     }

@@ -5,6 +5,7 @@
 #include "simulate/DrawnFrame.h"
 #include "simulate/DrawnSwitch.h"
 #include "simulate/Model.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Simulate {
 namespace {

@@ -11,7 +11,7 @@
 
 #include "simulate/Event.h"
 #include "simulate/Random.h"
-#include "switchfile/SwitchFile.h"
+#include "switchfile/SwitchModel.h"
 
 namespace Simulate {
 

@@ -59,11 +59,7 @@ World::World(Switch const& drawn) : chip_(stepwiseChip()), player_(stageOf(loop_
     chip_.change([tables = Agent::deriveTables(drawn.model)](SoftChip::Tables& t) { t = tables; });
     chip_.drain();
     for (auto const& intf : drawn.model.interfaces) {
-        bool const physical = intf.id.kind() == Plexa::IntfId::Kind::physical;
-        bool const sub = intf.id.kind() == Plexa::IntfId::Kind::subIntf;
-        auto const& port =
-            sub ? drawn.model.interface(Plexa::SubIntfId::parentIntfId(intf.id)) : &intf;
-        if ((physical || sub) && port->id.kind() == Plexa::IntfId::Kind::physical) {
+        if (auto const* const port = drawn.model.entryPort(intf)) {
             phase0_->ingressPortIs(intf.id, port->devicePort);
         }
     }

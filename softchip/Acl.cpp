@@ -32,7 +32,7 @@ bool matchesL2(FrameMatch const& match, ParsedFrame const& frame) {
 // Whether the match's addresses may be compared with the frame's.
 bool hasAddresses(FrameMatch const& match, ParsedFrame const& frame) {
     bool const arp = frame.l3 == L3::arp && frame.l3Fault == L3Fault::none;
-    return frame.hasIp || (arp && match.etherType == etherTypeArp);
+    return frame.hasIp || (arp && match.etherType == Net::EtherType::arp);
 }
 
 bool matchesAddresses(FrameMatch const& match, ParsedFrame const& frame) {

@@ -24,12 +24,8 @@ Bytes from(Bytes bytes, std::size_t at) {
 }
 
 bool isTag(std::uint16_t etherType, unsigned tagsBefore) {
-    return etherType == etherTypeVlan || (etherType == etherTypeServiceVlan && tagsBefore == 0);
-}
-
-VlanTag readTag(std::uint16_t tpid, std::uint16_t control) {
-    return {tpid, static_cast<std::uint16_t>(control & 0xfff),
-            static_cast<std::uint8_t>(control >> 13), (control & 0x1000) != 0};
+    return etherType == Net::EtherType::vlan ||
+           (etherType == Net::EtherType::serviceVlan && tagsBefore == 0);
 }
 
 // Takes addresses, tags and EtherType; returns what follows them, or nothing with l2Fault set.
@@ -38,8 +34,8 @@ Bytes parseEthernet(Bytes bytes, ParsedFrame& frame) {
         frame.l2Fault = L2Fault::tooShort;
         return {};
     }
-    frame.dst = MacAddress::fromBytes(bytes);
-    frame.src = MacAddress::fromBytes(bytes.subspan(6));
+    frame.dst = MacAddress::fromOctets(bytes);
+    frame.src = MacAddress::fromOctets(bytes.subspan(6));
     frame.etherType = u16(bytes, 12);
     bytes = bytes.subspan(14);
     while (frame.tagCount < 2 && isTag(frame.etherType, frame.tagCount)) {
@@ -47,7 +43,7 @@ Bytes parseEthernet(Bytes bytes, ParsedFrame& frame) {
             frame.l2Fault = L2Fault::tagTooShort;
             return {};
         }
-        frame.tags[frame.tagCount++] = readTag(frame.etherType, u16(bytes, 0));
+        frame.tags[frame.tagCount++] = Net::VlanTag::fromWords(frame.etherType, u16(bytes, 0));
         frame.etherType = u16(bytes, 2);
         bytes = bytes.subspan(4);
     }
@@ -60,13 +56,14 @@ void parseArp(Bytes bytes, ParsedFrame& frame) {
         frame.l3Fault = L3Fault::truncated;
         return;
     }
-    if (u16(bytes, 0) != 1 || u16(bytes, 2) != etherTypeIpv4 || bytes[4] != 6 || bytes[5] != 4) {
+    if (u16(bytes, 0) != 1 || u16(bytes, 2) != Net::EtherType::ipv4 || bytes[4] != 6 ||
+        bytes[5] != 4) {
         frame.l3Fault = L3Fault::arpForm;
         return;
     }
     frame.arpOperation = u16(bytes, 6);
-    frame.srcIp = IpAddress::fromBytes(Family::ipv4, bytes.subspan(14));
-    frame.dstIp = IpAddress::fromBytes(Family::ipv4, bytes.subspan(24));
+    frame.srcIp = IpAddress::fromOctets(Family::ipv4, bytes.subspan(14));
+    frame.dstIp = IpAddress::fromOctets(Family::ipv4, bytes.subspan(24));
 }
 
 // The ones' complement sum of the header, folded; 0xffff if the checksum in it is right.
@@ -126,8 +123,8 @@ Bytes parseIpv4(Bytes bytes, ParsedFrame& frame) {
     frame.dscp = bytes[1] >> 2;
     frame.ttl = bytes[8];
     frame.protocol = bytes[9];
-    frame.srcIp = IpAddress::fromBytes(Family::ipv4, bytes.subspan(12));
-    frame.dstIp = IpAddress::fromBytes(Family::ipv4, bytes.subspan(16));
+    frame.srcIp = IpAddress::fromOctets(Family::ipv4, bytes.subspan(12));
+    frame.dstIp = IpAddress::fromOctets(Family::ipv4, bytes.subspan(16));
     frame.options = ipv4HeaderLength(bytes) > 20;
     frame.fragment = (fragmentField & 0x3fff) != 0;
     frame.laterFragment = (fragmentField & 0x1fff) != 0;
@@ -181,8 +178,8 @@ Bytes parseIpv6(Bytes bytes, ParsedFrame& frame) {
     frame.dscp = static_cast<std::uint8_t>((u16(bytes, 0) >> 6) & 0x3f);
     frame.protocol = bytes[6];
     frame.ttl = bytes[7];
-    frame.srcIp = IpAddress::fromBytes(Family::ipv6, bytes.subspan(8));
-    frame.dstIp = IpAddress::fromBytes(Family::ipv6, bytes.subspan(24));
+    frame.srcIp = IpAddress::fromOctets(Family::ipv6, bytes.subspan(8));
+    frame.dstIp = IpAddress::fromOctets(Family::ipv6, bytes.subspan(24));
     return parseExtensions(trimmed(payload, payloadLength), frame);
 }
 
@@ -235,13 +232,13 @@ ParsedFrame parseFrame(std::span<std::uint8_t const> bytes) {
         return frame;
     }
     switch (frame.etherType) {
-        case etherTypeArp:
+        case Net::EtherType::arp:
             parseArp(rest, frame);
             break;
-        case etherTypeIpv4:
+        case Net::EtherType::ipv4:
             parseL4(parseIpv4(rest, frame), frame);
             break;
-        case etherTypeIpv6:
+        case Net::EtherType::ipv6:
             parseL4(parseIpv6(rest, frame), frame);
             break;
         default:

@@ -10,27 +10,15 @@
 #include <cstdint>
 #include <span>
 
+#include "Net/VlanTag.h"
 #include "softchip/Addresses.h"
 
 namespace SoftChip {
-
-constexpr std::uint16_t etherTypeIpv4 = 0x0800;
-constexpr std::uint16_t etherTypeArp = 0x0806;
-constexpr std::uint16_t etherTypeVlan = 0x8100;
-constexpr std::uint16_t etherTypeIpv6 = 0x86dd;
-constexpr std::uint16_t etherTypeServiceVlan = 0x88a8;
 
 constexpr std::uint8_t protocolIcmp = 1;
 constexpr std::uint8_t protocolTcp = 6;
 constexpr std::uint8_t protocolUdp = 17;
 constexpr std::uint8_t protocolIcmpv6 = 58;
-
-struct VlanTag {
-    std::uint16_t tpid = 0;
-    std::uint16_t vlan = 0;  // 0 to 4095
-    std::uint8_t priority = 0;
-    bool dropEligible = false;
-};
 
 enum class L2Fault : std::uint8_t { none, tooShort, tagTooShort };
 
@@ -53,9 +41,9 @@ struct ParsedFrame {
     L2Fault l2Fault = L2Fault::none;
     MacAddress dst;
     MacAddress src;
-    std::uint8_t tagCount = 0;    // 0 to 2
-    std::array<VlanTag, 2> tags;  // the outer one first
-    // What follows the last tag that was taken. Below 0x600 it is a length (IEEE 802.3).
+    std::uint8_t tagCount = 0;         // 0 to 2
+    std::array<Net::VlanTag, 2> tags;  // the outer one first
+    // What follows the last tag that was taken. Below Net::EtherType::least it is a length.
     std::uint16_t etherType = 0;
 
     // Set by the EtherType; `l3Fault` says whether the header that follows is what the EtherType

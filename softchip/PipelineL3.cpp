@@ -8,35 +8,20 @@
 namespace SoftChip::PipelineSteps {
 namespace {
 
-bool isLoopback(IpAddress const& address) {
-    return address.family == Family::ipv4 ? address.hi >> 56 == 127
-                                          : address.hi == 0 && address.lo == 1;
-}
-
 // IPv4's "this network" and IPv6's unspecified address.
 bool isUnspecified(IpAddress const& address) {
-    return address.family == Family::ipv4 ? address.hi >> 56 == 0
-                                          : address.hi == 0 && address.lo == 0;
-}
-
-bool isLimitedBroadcast(IpAddress const& address) {
-    return address == IpAddress::v4(0xffffffff);
-}
-
-// fe80::/10. IPv4's 169.254.0.0/16 is not special here: the routes decide.
-bool isLinkLocal(IpAddress const& address) {
-    return address.family == Family::ipv6 && address.hi >> 54 == 0xfe80 >> 6;
+    return address.isV4() ? address.hi >> 56 == 0 : address.isUnspecified();
 }
 
 // No packet may have this source.
 bool isBadSource(IpAddress const& address) {
-    return address.isMulticast() || isLoopback(address) || isLimitedBroadcast(address);
+    return address.isMulticast() || address.isLoopback() || address.isBroadcast();
 }
 
-// No router forwards packets with such addresses.
+// No router forwards there, or from there. IPv4's 169.254.0.0/16 is not special: the routes decide.
 bool isNotRouted(IpAddress const& src, IpAddress const& dst) {
-    return dst.isMulticast() || isLoopback(dst) || isLimitedBroadcast(dst) || isUnspecified(dst) ||
-           isUnspecified(src) || isLinkLocal(dst) || isLinkLocal(src);
+    return dst.isMulticast() || dst.isLoopback() || dst.isBroadcast() || isUnspecified(dst) ||
+           isUnspecified(src) || dst.isLinkLocalV6() || src.isLinkLocalV6();
 }
 
 VrfId vrfOf(Walk const& walk) {

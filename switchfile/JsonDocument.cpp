@@ -129,24 +129,24 @@ class JsonDocument::Builder : public nlohmann::json_sax<nlohmann::json> {
   public:
     Builder(JsonDocument& document, std::string_view text) : document_(document), text_(text) {}
 
-    bool null() override { return add(JsonValue::Kind::null); }
-    bool boolean(bool value) override { return add(JsonValue::Kind::boolean, value ? 1 : 0); }
+    bool null() override { return add(JsonNode::Kind::null); }
+    bool boolean(bool value) override { return add(JsonNode::Kind::boolean, value ? 1 : 0); }
     bool number_integer(number_integer_t value) override {
-        return add(JsonValue::Kind::integer, value);
+        return add(JsonNode::Kind::integer, value);
     }
     bool number_unsigned(number_unsigned_t value) override {
         if (value > static_cast<std::uint64_t>(std::numeric_limits<std::int64_t>::max())) {
-            return add(JsonValue::Kind::number, 0, std::to_string(value));
+            return add(JsonNode::Kind::number, 0, std::to_string(value));
         }
-        return add(JsonValue::Kind::integer, static_cast<std::int64_t>(value));
+        return add(JsonNode::Kind::integer, static_cast<std::int64_t>(value));
     }
     bool number_float(number_float_t, string_t const& token) override {
-        return add(JsonValue::Kind::number, 0, token);
+        return add(JsonNode::Kind::number, 0, token);
     }
-    bool string(string_t& value) override { return add(JsonValue::Kind::text, 0, value); }
+    bool string(string_t& value) override { return add(JsonNode::Kind::text, 0, value); }
     bool binary(binary_t&) override { return false; }
-    bool start_object(std::size_t) override { return open(JsonValue::Kind::object); }
-    bool start_array(std::size_t) override { return open(JsonValue::Kind::list); }
+    bool start_object(std::size_t) override { return open(JsonNode::Kind::object); }
+    bool start_array(std::size_t) override { return open(JsonNode::Kind::list); }
     bool end_object() override { return close(); }
     bool end_array() override { return close(); }
     bool key(string_t& name) override {
@@ -162,14 +162,14 @@ class JsonDocument::Builder : public nlohmann::json_sax<nlohmann::json> {
     }
 
   private:
-    bool add(JsonValue::Kind kind, std::int64_t integer = 0, std::string_view text = {}) {
+    bool add(JsonNode::Kind kind, std::int64_t integer = 0, std::string_view text = {}) {
         if (document_.nodes_.size() >= std::numeric_limits<std::uint32_t>::max() - 1) {
             throw InputError(document_.fileName_ + ": too many values");
         }
         if (!open_.empty()) {
             ++document_.nodes_[open_.back()].count;
         }
-        Node node;
+        Stored node;
         node.name = std::exchange(name_, {});
         node.text = document_.keep(text);
         node.integer = integer;
@@ -177,14 +177,14 @@ class JsonDocument::Builder : public nlohmann::json_sax<nlohmann::json> {
         document_.nodes_.push_back(node);
         return true;
     }
-    bool open(JsonValue::Kind kind) {
+    bool open(JsonNode::Kind kind) {
         auto const index = static_cast<std::uint32_t>(document_.nodes_.size());
         add(kind);
         open_.push_back(index);
         return true;
     }
     bool close() {
-        Node& node = document_.nodes_[open_.back()];
+        Stored& node = document_.nodes_[open_.back()];
         node.span = static_cast<std::uint32_t>(document_.nodes_.size()) - open_.back();
         open_.pop_back();
         return true;
@@ -222,8 +222,8 @@ void JsonDocument::refuseRepeatedMembers() const {
     // large one (a table of routes) is looked through once.
     std::vector<std::uint32_t> table;
     std::hash<std::string_view> const hash;
-    for (Node const& node : nodes_) {
-        if (node.kind != JsonValue::Kind::object || node.count < 2) {
+    for (Stored const& node : nodes_) {
+        if (node.kind != JsonNode::Kind::object || node.count < 2) {
             continue;
         }
         std::size_t slots = 4;
@@ -232,7 +232,7 @@ void JsonDocument::refuseRepeatedMembers() const {
         }
         table.assign(slots, 0);
         auto const object = static_cast<std::uint32_t>(&node - nodes_.data());
-        for (JsonValue const member : JsonValue(this, object)) {
+        for (JsonNode const member : JsonNode(this, object)) {
             std::size_t slot = hash(member.name()) & (slots - 1);
             while (table[slot] != 0) {
                 if (nodes_[table[slot]].name == member.name()) {
@@ -246,30 +246,29 @@ void JsonDocument::refuseRepeatedMembers() const {
     }
 }
 
-JsonValue::Kind JsonValue::kind() const {
+JsonNode::Kind JsonNode::kind() const {
     return document_->nodes_[index_].kind;
 }
 
-std::string_view JsonValue::name() const {
+std::string_view JsonNode::name() const {
     return document_->nodes_[index_].name;
 }
 
-bool JsonValue::boolean() const {
+bool JsonNode::boolean() const {
     if (kind() != Kind::boolean) {
         throw expected("true or false");
     }
     return document_->nodes_[index_].integer != 0;
 }
 
-std::string_view JsonValue::text(std::string_view what) const {
+std::string_view JsonNode::text(std::string_view what) const {
     if (kind() != Kind::text) {
         throw expected(what);
     }
     return document_->nodes_[index_].text;
 }
 
-std::int64_t JsonValue::integer(std::int64_t least, std::int64_t most,
-                                std::string_view what) const {
+std::int64_t JsonNode::integer(std::int64_t least, std::int64_t most, std::string_view what) const {
     std::int64_t const value = document_->nodes_[index_].integer;
     if (kind() != Kind::integer || value < least || value > most) {
         throw expected(std::string(what) + " from " + std::to_string(least) + " to " +
@@ -278,22 +277,22 @@ std::int64_t JsonValue::integer(std::int64_t least, std::int64_t most,
     return value;
 }
 
-JsonValue const& JsonValue::object() const {
+JsonNode const& JsonNode::object() const {
     if (!isObject()) {
         throw expected("an object");
     }
     return *this;
 }
 
-JsonValue const& JsonValue::list() const {
+JsonNode const& JsonNode::list() const {
     if (!isList()) {
         throw expected("a list");
     }
     return *this;
 }
 
-JsonValue JsonValue::member(std::string_view name) const {
-    for (JsonValue const value : *this) {
+JsonNode JsonNode::member(std::string_view name) const {
+    for (JsonNode const value : *this) {
         if (value.name() == name) {
             return value;
         }
@@ -301,29 +300,29 @@ JsonValue JsonValue::member(std::string_view name) const {
     return {};
 }
 
-JsonValue::Iterator JsonValue::begin() const {
-    return Iterator(JsonValue(document_, index_ + 1));
+JsonNode::Iterator JsonNode::begin() const {
+    return Iterator(JsonNode(document_, index_ + 1));
 }
 
-JsonValue::Iterator JsonValue::end() const {
-    return Iterator(JsonValue(document_, index_ + document_->nodes_[index_].span));
+JsonNode::Iterator JsonNode::end() const {
+    return Iterator(JsonNode(document_, index_ + document_->nodes_[index_].span));
 }
 
-JsonValue::Iterator& JsonValue::Iterator::operator++() {
+JsonNode::Iterator& JsonNode::Iterator::operator++() {
     at_.index_ += at_.document_->nodes_[at_.index_].span;
     return *this;
 }
 
-std::size_t JsonValue::size() const {
+std::size_t JsonNode::size() const {
     return document_->nodes_[index_].count;
 }
 
-std::string JsonValue::path() const {
+std::string JsonNode::path() const {
     std::string pointer;
-    JsonValue at = document_->root();
+    JsonNode at = document_->root();
     while (at.index_ != index_) {
         std::size_t position = 0;
-        for (JsonValue const child : at) {
+        for (JsonNode const child : at) {
             if (index_ < child.index_ + document_->nodes_[child.index_].span) {
                 appendStep(pointer, at.isList() ? std::to_string(position) : child.name());
                 at = child;
@@ -335,7 +334,7 @@ std::string JsonValue::path() const {
     return pointer.empty() ? "/" : pointer;
 }
 
-std::string JsonValue::shown() const {
+std::string JsonNode::shown() const {
     auto const& node = document_->nodes_[index_];
     switch (node.kind) {
         case Kind::null:
@@ -356,19 +355,19 @@ std::string JsonValue::shown() const {
     return {};
 }
 
-InputError JsonValue::error(std::string_view problem) const {
+InputError JsonNode::error(std::string_view problem) const {
     return InputError(document_->fileName_ + ": " + path() + ": " + std::string(problem));
 }
 
-InputError JsonValue::expected(std::string_view what) const {
+InputError JsonNode::expected(std::string_view what) const {
     return expected(what, shown());
 }
 
-InputError JsonValue::expected(std::string_view what, std::string_view got) const {
+InputError JsonNode::expected(std::string_view what, std::string_view got) const {
     return error("expected " + std::string(what) + ", got " + std::string(got));
 }
 
-std::string JsonValue::shownName() const {
+std::string JsonNode::shownName() const {
     return quoted(name());
 }
 

@@ -1,31 +1,25 @@
-// A JSON text as a tree that remembers where everything stands, and the one error of bad input.
+// A JSON text as a tree that remembers where everything stands.
 //
 // The tree keeps what a plain JSON value forgets: members in the order of the file, and for each
 // value its position in the text, so that a contradiction found long after reading can still be
 // named by path. An object with two members of one name is refused; they are never merged.
 //
-// Values: a JsonDocument moves but does not copy; a JsonValue is a handle of two words that is
-// valid as long as its document stays where it is. Threads: any one thread at a time.
+// A JsonDocument neither copies nor moves; a JsonNode is a handle of two words that is valid as long
+// as its document lives. Threads: any one thread at a time.
 #pragma once
 
 #include <cstdint>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <vector>
 
-namespace SwitchFile {
+#include "switchfile/InputError.h"
 
-// Bad input: what() is one line that says where it is and what was expected there,
-// "file:line:column: ..." for syntax and "file: /json/pointer: ..." for content.
-class InputError : public std::runtime_error {
-  public:
-    using std::runtime_error::runtime_error;
-};
+namespace SwitchFile {
 
 class JsonDocument;
 
-class JsonValue {
+class JsonNode {
   public:
     enum class Kind : std::uint8_t { null, boolean, integer, number, text, list, object };
 
@@ -33,7 +27,7 @@ class JsonValue {
     class Iterator;
 
     // No value at all, which member() returns for a member that is not there.
-    JsonValue() = default;
+    JsonNode() = default;
     explicit operator bool() const { return document_ != nullptr; }
 
     Kind kind() const;
@@ -51,11 +45,11 @@ class JsonValue {
     std::int64_t integer(std::int64_t least, std::int64_t most, std::string_view what) const;
 
     // The same value. Errors: InputError unless it is an object (a list).
-    JsonValue const& object() const;
-    JsonValue const& list() const;
+    JsonNode const& object() const;
+    JsonNode const& list() const;
 
     // The object's member of that name, or no value. Linear in the number of members.
-    JsonValue member(std::string_view name) const;
+    JsonNode member(std::string_view name) const;
 
     // Elements or members below this value; none for a scalar.
     Iterator begin() const;
@@ -78,23 +72,23 @@ class JsonValue {
 
   private:
     friend class JsonDocument;
-    JsonValue(JsonDocument const* document, std::uint32_t index)
+    JsonNode(JsonDocument const* document, std::uint32_t index)
         : document_(document), index_(index) {}
 
     JsonDocument const* document_ = nullptr;
     std::uint32_t index_ = 0;
 };
 
-class JsonValue::Iterator {
+class JsonNode::Iterator {
   public:
-    explicit Iterator(JsonValue at) : at_(at) {}
-    JsonValue const& operator*() const { return at_; }
-    JsonValue const* operator->() const { return &at_; }
+    explicit Iterator(JsonNode at) : at_(at) {}
+    JsonNode const& operator*() const { return at_; }
+    JsonNode const* operator->() const { return &at_; }
     Iterator& operator++();
     bool operator==(Iterator const& other) const { return at_.index_ == other.at_.index_; }
 
   private:
-    JsonValue at_;
+    JsonNode at_;
 };
 
 // Invariant: nodes stand in the order of the text, a value before everything inside it, and `span`
@@ -109,27 +103,27 @@ class JsonDocument {
     JsonDocument(JsonDocument&&) = delete;
     JsonDocument& operator=(JsonDocument&&) = delete;
 
-    JsonValue root() const { return JsonValue(this, 0); }
+    JsonNode root() const { return JsonNode(this, 0); }
     std::string const& fileName() const { return fileName_; }
 
   private:
-    friend class JsonValue;
+    friend class JsonNode;
     class Builder;
 
-    struct Node {
+    struct Stored {
         std::string_view name;
         std::string_view text;
         std::int64_t integer = 0;
         std::uint32_t span = 1;
         std::uint32_t count = 0;
-        JsonValue::Kind kind = JsonValue::Kind::null;
+        JsonNode::Kind kind = JsonNode::Kind::null;
     };
 
     std::string_view keep(std::string_view text);
     void refuseRepeatedMembers() const;
 
     std::string fileName_;
-    std::vector<Node> nodes_;
+    std::vector<Stored> nodes_;
     // The texts of the nodes, in blocks that never move.
     std::vector<std::string> blocks_;
 };

@@ -7,11 +7,6 @@
 
 namespace SwitchFile {
 
-Interface const* SwitchModel::interface(Plexa::IntfId const& id) const {
-    auto const found = places.find(id);
-    return found == places.end() ? nullptr : &interfaces[found->second];
-}
-
 SwitchModel parseSwitchFile(std::string_view text, std::string const& fileName) {
     JsonDocument const document(text, fileName);
     return SwitchFileReader(document).read();
@@ -21,18 +16,8 @@ SwitchModel readSwitchFile(std::string const& path) {
     return parseSwitchFile(readWholeFile(path), path == "-" ? "standard input" : path);
 }
 
-bool isLinkLocalV6(SoftChip::IpAddress const& address) {
-    return address.family == SoftChip::Family::ipv6 && address.hi >> 54U == 0x3fa;
-}
-
-std::uint16_t lagNumber(Plexa::IntfId const& lag) {
-    std::string const name = lag.stringValue();
-    return static_cast<std::uint16_t>(
-        parseNumber(std::string_view(name).substr(3), 1, 65535).value_or(0));
-}
-
-void onlyMembers(JsonValue object, std::initializer_list<std::string_view> names) {
-    for (JsonValue const member : object.object()) {
+void onlyMembers(JsonNode object, std::initializer_list<std::string_view> names) {
+    for (JsonNode const member : object.object()) {
         if (std::find(names.begin(), names.end(), member.name()) == names.end()) {
             std::string known;
             for (std::string_view const name : names) {
@@ -44,16 +29,15 @@ void onlyMembers(JsonValue object, std::initializer_list<std::string_view> names
     }
 }
 
-SoftChip::MacAddress readMac(JsonValue where, std::string_view text, std::string_view shown) {
-    auto const mac = SoftChip::MacAddress::fromText(text);
+Net::MacAddress readMac(JsonNode where, std::string_view text, std::string_view shown) {
+    auto const mac = Net::MacAddress::fromText(text);
     if (!mac) {
         throw where.expected("a MAC address such as 02:1c:73:aa:00:01", shown);
     }
     return *mac;
 }
 
-SoftChip::MacAddress readStationMac(JsonValue where, std::string_view text,
-                                    std::string_view shown) {
+Net::MacAddress readStationMac(JsonNode where, std::string_view text, std::string_view shown) {
     auto const mac = readMac(where, text, shown);
     if (mac.isMulticast() || mac.value == 0) {
         throw where.expected("the MAC address of one station", shown);
@@ -64,50 +48,50 @@ SoftChip::MacAddress readStationMac(JsonValue where, std::string_view text,
 SwitchModel SwitchFileReader::read() {
     onlyMembers(root_, {"$schema", "description", "routerMac", "vrfs", "acls", "vlans",
                         "interfaces", "protocolCopies", "neighbours", "routes", "fdb"});
-    if (JsonValue const value = root_.member("$schema")) {
+    if (JsonNode const value = root_.member("$schema")) {
         value.text();
     }
-    if (JsonValue const value = root_.member("description")) {
+    if (JsonNode const value = root_.member("description")) {
         model_.description = value.text();
     }
-    if (JsonValue const value = root_.member("routerMac")) {
+    if (JsonNode const value = root_.member("routerMac")) {
         model_.routerMac = readStationMac(value, value.text("a MAC address"), value.shown());
     }
     readVrfs(root_.member("vrfs"));
-    if (JsonValue const value = root_.member("acls")) {
+    if (JsonNode const value = root_.member("acls")) {
         readAcls(value);
     }
-    if (JsonValue const value = root_.member("vlans")) {
+    if (JsonNode const value = root_.member("vlans")) {
         readVlans(value);
     }
-    JsonValue const interfaces = root_.member("interfaces");
+    JsonNode const interfaces = root_.member("interfaces");
     if (!interfaces) {
         throw root_.expected("a member interfaces", "none");
     }
     readInterfaces(interfaces);
     requireRouterMac();
-    if (JsonValue const value = root_.member("protocolCopies")) {
+    if (JsonNode const value = root_.member("protocolCopies")) {
         readProtocolCopies(value);
     }
-    if (JsonValue const value = root_.member("neighbours")) {
+    if (JsonNode const value = root_.member("neighbours")) {
         readNeighbours(value);
     }
-    if (JsonValue const value = root_.member("routes")) {
+    if (JsonNode const value = root_.member("routes")) {
         readRoutes(value);
     }
-    if (JsonValue const value = root_.member("fdb")) {
+    if (JsonNode const value = root_.member("fdb")) {
         readFdb(value);
     }
     return std::move(model_);
 }
 
-void SwitchFileReader::readVrfs(JsonValue value) {
+void SwitchFileReader::readVrfs(JsonNode value) {
     model_.vrfs.emplace_back("default");
     vrfs_.emplace("default", 0);
     if (!value) {
         return;
     }
-    for (JsonValue const vrf : value.list()) {
+    for (JsonNode const vrf : value.list()) {
         std::string_view const name = vrf.text("the name of a VRF");
         if (name.empty() || model_.vrfs.size() > 0xffff) {
             throw vrf.expected("a name, and at most 65535 of them");
@@ -120,21 +104,21 @@ void SwitchFileReader::readVrfs(JsonValue value) {
     }
 }
 
-void SwitchFileReader::readVlans(JsonValue value) {
-    for (JsonValue const vlan : value.object()) {
+void SwitchFileReader::readVlans(JsonNode value) {
+    for (JsonNode const vlan : value.object()) {
         readVlan(vlan);
     }
 }
 
-void SwitchFileReader::readVlan(JsonValue value) {
+void SwitchFileReader::readVlan(JsonNode value) {
     auto const range = parseRange(value.name(), 1, maxVlan);
     if (!range) {
         throw value.expected("a VLAN from 1 to 4094, or a range such as 100-199",
                              value.shownName());
     }
     onlyMembers(value, {"name", "acl"});
-    JsonValue const name = value.member("name");
-    JsonValue const acl = value.member("acl");
+    JsonNode const name = value.member("name");
+    JsonNode const acl = value.member("acl");
     for (std::uint32_t id = range->first; id <= range->last; ++id) {
         if (vlans_[id]) {
             throw value.expected("each VLAN once", std::to_string(id) + " again");
@@ -163,7 +147,7 @@ void SwitchFileReader::requireRouterMac() {
     }
 }
 
-std::uint16_t SwitchFileReader::vrfOf(JsonValue where, std::string_view name) const {
+std::uint16_t SwitchFileReader::vrfOf(JsonNode where, std::string_view name) const {
     auto const found = vrfs_.find(name);
     if (found == vrfs_.end()) {
         throw where.expected("default or a VRF of the list vrfs", "\"" + std::string(name) + "\"");
@@ -171,7 +155,7 @@ std::uint16_t SwitchFileReader::vrfOf(JsonValue where, std::string_view name) co
     return found->second;
 }
 
-std::uint16_t SwitchFileReader::aclOf(JsonValue value) {
+std::uint16_t SwitchFileReader::aclOf(JsonNode value) {
     auto const found = acls_.find(value.text("the name of an access list"));
     if (found == acls_.end()) {
         throw value.expected("an access list of the member acls");
@@ -182,7 +166,7 @@ std::uint16_t SwitchFileReader::aclOf(JsonValue value) {
     return found->second;
 }
 
-Interface const& SwitchFileReader::interfaceOf(JsonValue where, std::string_view name,
+Interface const& SwitchFileReader::interfaceOf(JsonNode where, std::string_view name,
                                                std::string_view shown) const {
     auto const id = Plexa::IntfId::fromName(name);
     Interface const* const intf = id ? model_.interface(*id) : nullptr;

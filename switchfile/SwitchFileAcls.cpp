@@ -3,6 +3,7 @@
 #include <map>
 #include <set>
 
+#include "Net/EtherType.h"
 #include "softchip/Frame.h"
 #include "switchfile/NumberText.h"
 #include "switchfile/SwitchFileReader.h"
@@ -32,14 +33,6 @@ constexpr std::array protocolNames{ProtocolName{"icmp", SoftChip::protocolIcmp},
                                    ProtocolName{"pim", protocolPim},
                                    ProtocolName{"vrrp", protocolVrrp}};
 
-struct EtherTypeName {
-    std::string_view name;
-    std::uint16_t value;
-};
-constexpr std::array etherTypeNames{EtherTypeName{"ipv4", SoftChip::etherTypeIpv4},
-                                    EtherTypeName{"ipv6", SoftChip::etherTypeIpv6},
-                                    EtherTypeName{"arp", SoftChip::etherTypeArp}};
-
 struct FlagName {
     std::string_view name;
     std::uint8_t bit;
@@ -55,36 +48,26 @@ auto const* named(Names const& names, std::string_view name) {
     return found == names.end() ? nullptr : &*found;
 }
 
-std::uint8_t readByte(JsonValue value, int most, std::string_view what) {
+std::uint8_t readByte(JsonNode value, int most, std::string_view what) {
     return static_cast<std::uint8_t>(value.integer(0, most, what));
 }
 
-std::uint16_t readEtherType(JsonValue value) {
-    if (value.kind() == JsonValue::Kind::integer) {
-        return static_cast<std::uint16_t>(value.integer(0x600, 0xffff, "an EtherType"));
+std::uint16_t readEtherType(JsonNode value) {
+    if (value.kind() == JsonNode::Kind::integer) {
+        return static_cast<std::uint16_t>(
+            value.integer(Net::EtherType::least, 0xffff, "an EtherType"));
     }
     constexpr std::string_view expected =
         "an EtherType: ipv4, ipv6, arp, a number or a text such as 0x88cc";
-    std::string_view const text = value.text(expected);
-    if (auto const* const known = named(etherTypeNames, text)) {
-        return known->value;
-    }
-    std::uint32_t number = 0;
-    bool good = text.size() > 2 && text.size() <= 6 && text.substr(0, 2) == "0x";
-    for (char const c : good ? text.substr(2) : "") {
-        auto const digit = std::string_view("0123456789abcdef")
-                               .find(static_cast<char>(c >= 'A' && c <= 'F' ? c + 32 : c));
-        good = good && digit != std::string_view::npos;
-        number = number * 16 + static_cast<std::uint32_t>(digit & 15U);
-    }
-    if (!good || number < 0x600) {
+    auto const type = Net::EtherType::fromText(value.text(expected));
+    if (!type || *type < Net::EtherType::least) {
         throw value.expected(expected);
     }
-    return static_cast<std::uint16_t>(number);
+    return *type;
 }
 
-std::uint8_t readProtocol(JsonValue value) {
-    if (value.kind() == JsonValue::Kind::integer) {
+std::uint8_t readProtocol(JsonNode value) {
+    if (value.kind() == JsonNode::Kind::integer) {
         return readByte(value, 255, "an IP protocol");
     }
     constexpr std::string_view expected =
@@ -96,8 +79,8 @@ std::uint8_t readProtocol(JsonValue value) {
     return known->number;
 }
 
-SoftChip::Range readNumberRange(JsonValue value, std::uint16_t most, std::string_view what) {
-    if (value.kind() == JsonValue::Kind::integer) {
+SoftChip::Range readNumberRange(JsonNode value, std::uint16_t most, std::string_view what) {
+    if (value.kind() == JsonNode::Kind::integer) {
         auto const number = static_cast<std::uint16_t>(value.integer(0, most, what));
         return {number, number};
     }
@@ -109,7 +92,7 @@ SoftChip::Range readNumberRange(JsonValue value, std::uint16_t most, std::string
     return {static_cast<std::uint16_t>(range->first), static_cast<std::uint16_t>(range->last)};
 }
 
-SoftChip::MacMatch readMacMatch(JsonValue value) {
+SoftChip::MacMatch readMacMatch(JsonNode value) {
     std::string_view const text = value.text("a MAC address, or address/mask");
     std::size_t const slash = text.find('/');
     SoftChip::MacMatch match;
@@ -120,15 +103,15 @@ SoftChip::MacMatch readMacMatch(JsonValue value) {
     return match;
 }
 
-SoftChip::IpMatch readIpMatch(JsonValue value) {
-    auto const prefix = SoftChip::Prefix::fromText(value.text("an IP prefix"));
+SoftChip::IpMatch readIpMatch(JsonNode value) {
+    auto const prefix = Net::Prefix::fromText(value.text("an IP prefix"));
     if (!prefix) {
         throw value.expected("an address, or a prefix without host bits such as 10.1.0.0/16");
     }
     return SoftChip::IpMatch::prefix(*prefix);
 }
 
-SoftChip::TcpFlagsMatch readTcpFlags(JsonValue value) {
+SoftChip::TcpFlagsMatch readTcpFlags(JsonNode value) {
     std::string_view rest = value.text("TCP flags such as \"syn,!ack\"");
     SoftChip::TcpFlagsMatch match;
     while (true) {
@@ -152,7 +135,7 @@ SoftChip::TcpFlagsMatch readTcpFlags(JsonValue value) {
 }
 
 // Takes `field` into the match; false if it is no field of a frame.
-bool readField(JsonValue field, FrameMatch& match) {
+bool readField(JsonNode field, FrameMatch& match) {
     std::string_view const name = field.name();
     if (name == "sourceMac") {
         match.srcMac = readMacMatch(field);
@@ -195,17 +178,16 @@ constexpr std::string_view fieldNames =
     "fragment, sourcePort, destinationPort, tcpFlags, icmpType, icmpCode";
 
 // Refuses fields that no frame has together, so that the rule could never match.
-void refuseImpossible(JsonValue rule, FrameMatch const& match) {
+void refuseImpossible(JsonNode rule, FrameMatch const& match) {
     if (match.srcIp && match.dstIp && match.srcIp->value.family != match.dstIp->value.family) {
         throw rule.member("destination")
             .expected("an address of the same family as source",
                       rule.member("destination").shown());
     }
     bool const ip = match.srcIp || match.dstIp || match.ipProtocol || match.dscp || match.ttl;
-    if (ip && match.etherType && *match.etherType != SoftChip::etherTypeIpv4 &&
-        *match.etherType != SoftChip::etherTypeIpv6 &&
-        (*match.etherType != SoftChip::etherTypeArp || match.ipProtocol || match.dscp ||
-         match.ttl)) {
+    if (ip && match.etherType && *match.etherType != Net::EtherType::ipv4 &&
+        *match.etherType != Net::EtherType::ipv6 &&
+        (*match.etherType != Net::EtherType::arp || match.ipProtocol || match.dscp || match.ttl)) {
         throw rule.member("etherType").expected("ipv4 or ipv6 beside fields of IP");
     }
     auto const needs = [&](std::string_view field, std::initializer_list<std::uint8_t> protocols,
@@ -247,7 +229,7 @@ FrameMatch neighbourDiscovery(std::uint8_t type) {
 std::vector<FrameMatch> protocolMatches(std::string_view name) {
     if (name == "arp") {
         FrameMatch match;
-        match.etherType = SoftChip::etherTypeArp;
+        match.etherType = Net::EtherType::arp;
         return {match};
     }
     if (name == "nd") {
@@ -271,8 +253,8 @@ std::vector<FrameMatch> protocolMatches(std::string_view name) {
 
 }  // namespace
 
-void SwitchFileReader::readAcls(JsonValue value) {
-    for (JsonValue const acl : value.object()) {
+void SwitchFileReader::readAcls(JsonNode value) {
+    for (JsonNode const acl : value.object()) {
         if (acl.name().empty() || model_.acls.size() > 0xffff) {
             throw acl.expected("a name for the access list, and at most 65536 of them",
                                acl.shownName());
@@ -282,16 +264,16 @@ void SwitchFileReader::readAcls(JsonValue value) {
     }
 }
 
-Acl SwitchFileReader::readAcl(JsonValue value) {
+Acl SwitchFileReader::readAcl(JsonNode value) {
     Acl acl;
     acl.name = value.name();
     std::map<std::uint32_t, SoftChip::AclRule> rules;
     std::uint32_t last = 0;
-    for (JsonValue const rule : value.list()) {
+    for (JsonNode const rule : value.list()) {
         auto const read = readRule(rule, last <= 0xffffffff - 10 ? last + 10 : last);
         last = read.sequence;
         if (!rules.emplace(read.sequence, read).second) {
-            JsonValue const given = rule.member("sequence");
+            JsonNode const given = rule.member("sequence");
             throw(given ? given : rule)
                 .expected("a sequence number that no other rule of the list has",
                           std::to_string(last) + " again");
@@ -303,11 +285,11 @@ Acl SwitchFileReader::readAcl(JsonValue value) {
     return acl;
 }
 
-SoftChip::AclRule SwitchFileReader::readRule(JsonValue value, std::uint32_t defaultSequence) {
+SoftChip::AclRule SwitchFileReader::readRule(JsonNode value, std::uint32_t defaultSequence) {
     SoftChip::AclRule rule;
     rule.sequence = defaultSequence;
     bool hasAction = false;
-    for (JsonValue const member : value.object()) {
+    for (JsonNode const member : value.object()) {
         if (member.name() == "sequence") {
             rule.sequence =
                 static_cast<std::uint32_t>(member.integer(1, 0xffffffff, "a sequence number"));
@@ -338,13 +320,13 @@ SoftChip::AclRule SwitchFileReader::readRule(JsonValue value, std::uint32_t defa
     return rule;
 }
 
-void SwitchFileReader::readProtocolCopies(JsonValue value) {
+void SwitchFileReader::readProtocolCopies(JsonNode value) {
     std::set<std::string_view> seen;
-    for (JsonValue const entry : value.list()) {
+    for (JsonNode const entry : value.list()) {
         if (entry.isObject()) {
             SoftChip::ProtocolRule rule;
             bool any = false;
-            for (JsonValue const member : entry) {
+            for (JsonNode const member : entry) {
                 if (member.name() == "trap") {
                     rule.trap = member.boolean();
                 } else if (readField(member, rule.match)) {

@@ -8,9 +8,9 @@ namespace SwitchFile {
 namespace {
 
 using Kind = Plexa::IntfId::Kind;
-using SoftChip::Family;
-using SoftChip::IpAddress;
-using SoftChip::Prefix;
+using Net::Family;
+using Net::IpAddress;
+using Net::Prefix;
 
 bool speaksV6(Interface const& intf) {
     return std::any_of(intf.routing->addresses.begin(), intf.routing->addresses.end(),
@@ -23,25 +23,25 @@ std::string familyName(Family family) {
 
 }  // namespace
 
-void SwitchFileReader::readNeighbours(JsonValue value) {
-    for (JsonValue const entry : value.object()) {
+void SwitchFileReader::readNeighbours(JsonNode value) {
+    for (JsonNode const entry : value.object()) {
         Interface const& intf = interfaceOf(entry, entry.name(), entry.shownName());
         if (!intf.routing) {
             throw entry.expected("an interface that routes", entry.shownName());
         }
-        for (JsonValue const neighbour : entry.object()) {
+        for (JsonNode const neighbour : entry.object()) {
             readNeighbour(neighbour, intf);
         }
     }
 }
 
-void SwitchFileReader::readNeighbour(JsonValue value, Interface const& intf) {
+void SwitchFileReader::readNeighbour(JsonNode value, Interface const& intf) {
     auto const address = IpAddress::fromText(value.name());
     if (!address) {
         throw value.expected("an IP address", value.shownName());
     }
     auto const reached = connected_.longest(intf.routing->vrf, *address);
-    bool const here = isLinkLocalV6(*address)
+    bool const here = address->isLinkLocalV6()
                           ? speaksV6(intf)
                           : reached && &model_.interfaces[*reached->value] == &intf;
     if (!here) {
@@ -58,19 +58,19 @@ void SwitchFileReader::readNeighbour(JsonValue value, Interface const& intf) {
     model_.neighbours.push_back({intf.id, *address, mac});
 }
 
-void SwitchFileReader::readRoutes(JsonValue value) {
-    for (JsonValue const table : value.object()) {
+void SwitchFileReader::readRoutes(JsonNode value) {
+    for (JsonNode const table : value.object()) {
         std::uint16_t const vrf = vrfOf(table, table.name());
         model_.routes.reserve(model_.routes.size() + table.object().size());
         seenRoutes_.reserve(model_.routes.size() + table.size());
         singleHops_.clear();
-        for (JsonValue const route : table) {
+        for (JsonNode const route : table) {
             readRoute(route, vrf);
         }
     }
 }
 
-void SwitchFileReader::readRoute(JsonValue value, std::uint16_t vrf) {
+void SwitchFileReader::readRoute(JsonNode value, std::uint16_t vrf) {
     auto const prefix = value.name().find('/') == std::string_view::npos
                             ? std::nullopt
                             : Prefix::fromText(value.name());
@@ -95,7 +95,7 @@ void SwitchFileReader::readRoute(JsonValue value, std::uint16_t vrf) {
     model_.routes.push_back(route);
 }
 
-Route SwitchFileReader::readTarget(JsonValue value, std::uint16_t vrf, Family family) {
+Route SwitchFileReader::readTarget(JsonNode value, std::uint16_t vrf, Family family) {
     Route route;
     if (value.isText()) {
         std::string_view const text = value.text();
@@ -121,7 +121,7 @@ Route SwitchFileReader::readTarget(JsonValue value, std::uint16_t vrf, Family fa
     return route;
 }
 
-std::uint32_t SwitchFileReader::nextHopSet(JsonValue value, std::uint16_t vrf, Family family) {
+std::uint32_t SwitchFileReader::nextHopSet(JsonNode value, std::uint16_t vrf, Family family) {
     if (!value.isList()) {
         // Most routes of a large table share a few next hops: each is resolved once.
         std::string key(value.isText() ? value.text() : "");
@@ -134,7 +134,7 @@ std::uint32_t SwitchFileReader::nextHopSet(JsonValue value, std::uint16_t vrf, F
         return set;
     }
     std::vector<NextHop> hops;
-    for (JsonValue const element : value) {
+    for (JsonNode const element : value) {
         NextHop const hop = readNextHop(element, vrf, family);
         if (std::find(hops.begin(), hops.end(), hop) != hops.end()) {
             throw element.expected("each next hop once", element.shown() + " again");
@@ -147,7 +147,7 @@ std::uint32_t SwitchFileReader::nextHopSet(JsonValue value, std::uint16_t vrf, F
     return intern(std::move(hops));
 }
 
-NextHop SwitchFileReader::readNextHop(JsonValue value, std::uint16_t vrf, Family family) const {
+NextHop SwitchFileReader::readNextHop(JsonNode value, std::uint16_t vrf, Family family) const {
     constexpr std::string_view expected =
         "a next hop's address, a list of them, an interface, drop or cpu";
     std::string_view const text = value.text(expected);
@@ -167,14 +167,14 @@ NextHop SwitchFileReader::readNextHop(JsonValue value, std::uint16_t vrf, Family
 }
 
 // `zone` is empty or "%" and an interface's name.
-NextHop SwitchFileReader::resolve(JsonValue value, std::uint16_t vrf, IpAddress gateway,
+NextHop SwitchFileReader::resolve(JsonNode value, std::uint16_t vrf, IpAddress gateway,
                                   std::string_view zone) const {
     auto const connected = connected_.longest(vrf, gateway);
     Interface const* const reached = connected ? &model_.interfaces[*connected->value] : nullptr;
     if (zone.empty()) {
         if (reached == nullptr) {
             throw value.expected(
-                isLinkLocalV6(gateway)
+                gateway.isLinkLocalV6()
                     ? std::string("an interface behind a link-local next hop, as in "
                                   "\"fe80::1%Vlan10\"")
                     : "a next hop in a connected subnet of VRF " + model_.vrfs[vrf]);
@@ -183,7 +183,7 @@ NextHop SwitchFileReader::resolve(JsonValue value, std::uint16_t vrf, IpAddress 
     }
     Interface const& named = interfaceOf(value, zone.substr(1), value.shown());
     bool const good = named.routing && named.routing->vrf == vrf &&
-                      (isLinkLocalV6(gateway) ? speaksV6(named) : reached == &named);
+                      (gateway.isLinkLocalV6() ? speaksV6(named) : reached == &named);
     if (!good) {
         throw value.expected("a next hop that " + named.id.stringValue() + " reaches in VRF " +
                              model_.vrfs[vrf]);
@@ -204,19 +204,19 @@ std::uint32_t SwitchFileReader::intern(std::vector<NextHop> hops) {
     return at->second;
 }
 
-void SwitchFileReader::readFdb(JsonValue value) {
-    for (JsonValue const table : value.object()) {
+void SwitchFileReader::readFdb(JsonNode value) {
+    for (JsonNode const table : value.object()) {
         auto const vlan = parseNumber(table.name(), 1, maxVlan);
         if (!vlan || !vlans_[*vlan]) {
             throw table.expected("a VLAN of the member vlans", table.shownName());
         }
-        for (JsonValue const entry : table.object()) {
+        for (JsonNode const entry : table.object()) {
             readFdbEntry(entry, static_cast<std::uint16_t>(*vlan));
         }
     }
 }
 
-void SwitchFileReader::readFdbEntry(JsonValue value, std::uint16_t vlan) {
+void SwitchFileReader::readFdbEntry(JsonNode value, std::uint16_t vlan) {
     auto const mac = readStationMac(value, value.name(), value.shownName());
     if (!isFirst(seenStations_, {vlan, {mac.value, 0, Family::ipv4}})) {
         throw value.expected("each MAC address once", value.shownName() + " again");

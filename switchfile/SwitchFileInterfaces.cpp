@@ -8,8 +8,8 @@ namespace {
 using Kind = Plexa::IntfId::Kind;
 
 // "1/5" is index 5 of pipe 1; a number is a device port.
-std::uint16_t readDevicePort(JsonValue value) {
-    if (value.kind() == JsonValue::Kind::integer) {
+std::uint16_t readDevicePort(JsonNode value) {
+    if (value.kind() == JsonNode::Kind::integer) {
         return static_cast<std::uint16_t>(
             value.integer(0, SoftChip::maxDevicePort, "a device port"));
     }
@@ -34,28 +34,23 @@ std::string named(Interface const& intf) {
 
 // An address that a host can have in its subnet.
 bool isHostAddress(InterfaceAddress const& own) {
-    SoftChip::IpAddress const& address = own.address;
-    if (address.isMulticast() || (address.hi == 0 && address.lo == 0)) {
+    Net::IpAddress const& address = own.address;
+    if (address.isMulticast() || address.isUnspecified() || address.isLoopback() ||
+        address.isBroadcast()) {
         return false;
     }
-    if (address.family == SoftChip::Family::ipv6) {
-        return address.hi != 0 || address.lo != 1;
-    }
-    std::uint32_t const v4 = address.asV4();
-    if (v4 >> 24 == 127 || v4 == 0xffffffff) {
-        return false;
-    }
-    if (own.length >= 31) {
+    if (address.isV6() || own.length >= 31) {
         return true;  // A subnet this small has no address of its own, and none for broadcasts.
     }
     std::uint32_t const hostBits = 0xffffffffU >> own.length;
-    return (v4 & hostBits) != 0 && (v4 & hostBits) != hostBits;
+    std::uint32_t const host = address.asV4() & hostBits;
+    return host != 0 && host != hostBits;
 }
 
 // The first of these members that is there.
-JsonValue firstOf(JsonValue object, std::initializer_list<std::string_view> names) {
+JsonNode firstOf(JsonNode object, std::initializer_list<std::string_view> names) {
     for (std::string_view const name : names) {
-        if (JsonValue const value = object.member(name)) {
+        if (JsonNode const value = object.member(name)) {
             return value;
         }
     }
@@ -64,10 +59,10 @@ JsonValue firstOf(JsonValue object, std::initializer_list<std::string_view> name
 
 }  // namespace
 
-void SwitchFileReader::readInterfaces(JsonValue value) {
+void SwitchFileReader::readInterfaces(JsonNode value) {
     model_.interfaces.reserve(value.object().size());
     places_.reserve(value.size());
-    for (JsonValue const intf : value) {
+    for (JsonNode const intf : value) {
         readInterface(intf);
     }
     joinLags();
@@ -75,7 +70,7 @@ void SwitchFileReader::readInterfaces(JsonValue value) {
     numberInternalVlans();
 }
 
-void SwitchFileReader::readInterface(JsonValue value) {
+void SwitchFileReader::readInterface(JsonNode value) {
     auto const id = Plexa::IntfId::fromName(value.name());
     if (!id || id->empty() || id->kind() == Kind::cpu) {
         throw value.expected(
@@ -104,18 +99,18 @@ void SwitchFileReader::readInterface(JsonValue value) {
         case Kind::cpu:
             break;
     }
-    if (JsonValue const description = value.member("description")) {
+    if (JsonNode const description = value.member("description")) {
         intf.description = description.text();
     }
-    if (JsonValue const acl = value.member("acl")) {
+    if (JsonNode const acl = value.member("acl")) {
         intf.acl = aclOf(acl);
     }
 }
 
-void SwitchFileReader::readPort(JsonValue value, Interface& intf) {
+void SwitchFileReader::readPort(JsonNode value, Interface& intf) {
     onlyMembers(value, {"description", "port", "up", "cpu", "access", "trunk", "native", "routed",
                         "vrf", "addresses", "acl"});
-    JsonValue const port = value.member("port");
+    JsonNode const port = value.member("port");
     if (!port) {
         throw value.expected("a member port", "none");
     }
@@ -127,39 +122,39 @@ void SwitchFileReader::readPort(JsonValue value, Interface& intf) {
                                 owner.stringValue() + "'s");
     }
     owner = intf.id;
-    if (JsonValue const up = value.member("up")) {
+    if (JsonNode const up = value.member("up")) {
         intf.up = up.boolean();
     }
-    if (JsonValue const cpu = value.member("cpu")) {
+    if (JsonNode const cpu = value.member("cpu")) {
         intf.cpu = cpu.boolean();
     }
-    JsonValue const use =
+    JsonNode const use =
         firstOf(value, {"access", "trunk", "native", "routed", "vrf", "addresses", "acl"});
     if (intf.cpu && use) {
         throw use.expected("no VLAN, address or access list on a CPU port", use.shown());
     }
     readSwitching(value, intf);
-    JsonValue const routed = value.member("routed");
+    JsonNode const routed = value.member("routed");
     readRouting(value, intf, routed && routed.boolean());
 }
 
-void SwitchFileReader::readLag(JsonValue value, Interface& intf) {
+void SwitchFileReader::readLag(JsonNode value, Interface& intf) {
     onlyMembers(value, {"description", "members", "access", "trunk", "native", "routed", "vrf",
                         "addresses", "acl"});
-    JsonValue const members = value.member("members");
+    JsonNode const members = value.member("members");
     if (!members) {
         throw value.expected("a member members", "none");
     }
     members.list();
     readSwitching(value, intf);
-    JsonValue const routed = value.member("routed");
+    JsonNode const routed = value.member("routed");
     readRouting(value, intf, routed && routed.boolean());
 }
 
-void SwitchFileReader::readSubInterface(JsonValue value, Interface& intf) {
+void SwitchFileReader::readSubInterface(JsonNode value, Interface& intf) {
     onlyMembers(value, {"description", "tag", "vlan", "vrf", "addresses", "acl"});
     unsigned const number = Plexa::SubIntfId::number(intf.id);
-    if (JsonValue const tag = value.member("tag")) {
+    if (JsonNode const tag = value.member("tag")) {
         intf.tag = static_cast<std::uint16_t>(tag.integer(1, maxVlan, "a VLAN tag"));
     } else if (number <= maxVlan) {
         intf.tag = static_cast<std::uint16_t>(number);
@@ -167,8 +162,8 @@ void SwitchFileReader::readSubInterface(JsonValue value, Interface& intf) {
         throw value.expected("a member tag, because " + std::to_string(number) + " is no tag",
                              "none");
     }
-    JsonValue const vlan = value.member("vlan");
-    JsonValue const layer3 = firstOf(value, {"vrf", "addresses"});
+    JsonNode const vlan = value.member("vlan");
+    JsonNode const layer3 = firstOf(value, {"vrf", "addresses"});
     if (vlan && layer3) {
         throw layer3.expected("no VRF or address on a sub-interface that is bridged",
                               layer3.shown());
@@ -179,7 +174,7 @@ void SwitchFileReader::readSubInterface(JsonValue value, Interface& intf) {
     readRouting(value, intf, !vlan);
 }
 
-void SwitchFileReader::readVlanInterface(JsonValue value, Interface& intf) {
+void SwitchFileReader::readVlanInterface(JsonNode value, Interface& intf) {
     onlyMembers(value, {"description", "vrf", "addresses"});
     intf.vlan = Plexa::VlanIntfId::vlanId(intf.id);
     if (!vlans_[intf.vlan]) {
@@ -188,10 +183,10 @@ void SwitchFileReader::readVlanInterface(JsonValue value, Interface& intf) {
     readRouting(value, intf, true);
 }
 
-void SwitchFileReader::readSwitching(JsonValue value, Interface& intf) {
-    JsonValue const access = value.member("access");
-    JsonValue const trunk = value.member("trunk");
-    JsonValue const native = value.member("native");
+void SwitchFileReader::readSwitching(JsonNode value, Interface& intf) {
+    JsonNode const access = value.member("access");
+    JsonNode const trunk = value.member("trunk");
+    JsonNode const native = value.member("native");
     if (access && (trunk || native)) {
         throw(trunk ? trunk : native)
             .expected("no trunk beside access", (trunk ? trunk : native).shown());
@@ -214,7 +209,7 @@ void SwitchFileReader::readSwitching(JsonValue value, Interface& intf) {
     }
 }
 
-std::uint16_t SwitchFileReader::readVlanId(JsonValue value) const {
+std::uint16_t SwitchFileReader::readVlanId(JsonNode value) const {
     auto const id = static_cast<std::uint16_t>(value.integer(1, maxVlan, "a VLAN"));
     if (!vlans_[id]) {
         throw value.expected("a VLAN of the member vlans");
@@ -222,9 +217,9 @@ std::uint16_t SwitchFileReader::readVlanId(JsonValue value) const {
     return id;
 }
 
-VlanSet SwitchFileReader::readTrunk(JsonValue value) const {
+VlanSet SwitchFileReader::readTrunk(JsonNode value) const {
     VlanSet set;
-    if (value.kind() == JsonValue::Kind::integer) {
+    if (value.kind() == JsonNode::Kind::integer) {
         set[readVlanId(value)] = true;
         return set;
     }
@@ -257,17 +252,17 @@ VlanSet SwitchFileReader::readTrunk(JsonValue value) const {
     }
 }
 
-void SwitchFileReader::readRouting(JsonValue value, Interface& intf, bool routes) {
-    JsonValue const addresses = value.member("addresses");
-    JsonValue const vrf = value.member("vrf");
-    JsonValue const routed = value.member("routed");
-    JsonValue const layer3 = firstOf(value, {"addresses", "vrf"});
+void SwitchFileReader::readRouting(JsonNode value, Interface& intf, bool routes) {
+    JsonNode const addresses = value.member("addresses");
+    JsonNode const vrf = value.member("vrf");
+    JsonNode const routed = value.member("routed");
+    JsonNode const layer3 = firstOf(value, {"addresses", "vrf"});
     if (routed && !routes && layer3) {
         throw layer3.expected("no VRF or address beside \"routed\": false", layer3.shown());
     }
     routes = routes || addresses;
     if (routes && intf.switching) {
-        JsonValue const where = routed ? routed : addresses;
+        JsonNode const where = routed ? routed : addresses;
         throw where.expected("no routing beside a VLAN", where.shown());
     }
     if (vrf && !routes) {
@@ -281,20 +276,20 @@ void SwitchFileReader::readRouting(JsonValue value, Interface& intf, bool routes
         routing.vrf = vrfOf(vrf, vrf.text("the name of a VRF"));
     }
     if (addresses) {
-        for (JsonValue const address : addresses.list()) {
+        for (JsonNode const address : addresses.list()) {
             readAddress(address, routing);
         }
     }
 }
 
-void SwitchFileReader::readAddress(JsonValue value, Routing& routing) {
+void SwitchFileReader::readAddress(JsonNode value, Routing& routing) {
     constexpr std::string_view expected =
         "an address and length such as 10.0.10.1/24 or 2001:db8::1/64";
     std::string_view const text = value.text(expected);
     std::size_t const slash = std::min(text.find('/'), text.size());
-    auto const address = SoftChip::IpAddress::fromText(text.substr(0, slash));
+    auto const address = Net::IpAddress::fromText(text.substr(0, slash));
     auto const length = address ? parseNumber(text.substr(std::min(slash + 1, text.size())), 1,
-                                              SoftChip::addressBits(address->family))
+                                              Net::addressBits(address->family))
                                 : std::nullopt;
     if (!length) {
         throw value.expected(expected);
@@ -306,7 +301,7 @@ void SwitchFileReader::readAddress(JsonValue value, Routing& routing) {
     routing.addresses.push_back(own);
     auto const place = static_cast<std::uint32_t>(model_.interfaces.size() - 1);
     // A link-local address means something on its own link only.
-    if (isLinkLocalV6(own.address)) {
+    if (own.address.isLinkLocalV6()) {
         return;
     }
     auto const taken = [&](std::uint32_t other) {
@@ -328,14 +323,14 @@ void SwitchFileReader::readAddress(JsonValue value, Routing& routing) {
 void SwitchFileReader::joinLags() {
     for (std::size_t i = 0; i < model_.interfaces.size(); ++i) {
         if (model_.interfaces[i].id.kind() == Kind::lag) {
-            for (JsonValue const member : places_[i].member("members")) {
+            for (JsonNode const member : places_[i].member("members")) {
                 joinLag(member, model_.interfaces[i]);
             }
         }
     }
 }
 
-void SwitchFileReader::joinLag(JsonValue value, Interface const& lag) {
+void SwitchFileReader::joinLag(JsonNode value, Interface const& lag) {
     constexpr std::string_view expected = "the name of a physical port";
     std::string_view const name = value.text(expected);
     Interface const& found = interfaceOf(value, name, value.shown());
@@ -350,7 +345,7 @@ void SwitchFileReader::joinLag(JsonValue value, Interface const& lag) {
     if (port.cpu) {
         throw value.expected("no CPU port in a LAG", named(port));
     }
-    JsonValue const use =
+    JsonNode const use =
         firstOf(at(port), {"access", "trunk", "native", "routed", "vrf", "addresses", "acl"});
     if (use) {
         throw use.expected("no VLAN, address or access list on " + named(port) +

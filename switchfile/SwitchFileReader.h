@@ -33,7 +33,7 @@ class SwitchFileReader {
     // like.
     struct ScopedIp {
         std::uint32_t scope = 0;
-        SoftChip::IpAddress address;
+        Net::IpAddress address;
         bool operator==(ScopedIp const&) const = default;
         std::uint64_t hash() const {
             return SoftChip::mix(SoftChip::mix(address.hi ^ scope) ^ address.lo ^
@@ -42,53 +42,53 @@ class SwitchFileReader {
     };
 
     // SwitchFile.cpp: the document, names.
-    void readVrfs(JsonValue value);
-    void readVlans(JsonValue value);
-    void readVlan(JsonValue value);
+    void readVrfs(JsonNode value);
+    void readVlans(JsonNode value);
+    void readVlan(JsonNode value);
     void requireRouterMac();
 
     // SwitchFileAcls.cpp
-    void readAcls(JsonValue value);
-    Acl readAcl(JsonValue value);
-    SoftChip::AclRule readRule(JsonValue value, std::uint32_t defaultSequence);
-    void readProtocolCopies(JsonValue value);
+    void readAcls(JsonNode value);
+    Acl readAcl(JsonNode value);
+    SoftChip::AclRule readRule(JsonNode value, std::uint32_t defaultSequence);
+    void readProtocolCopies(JsonNode value);
 
     // SwitchFileInterfaces.cpp
-    void readInterfaces(JsonValue value);
-    void readInterface(JsonValue value);
-    void readPort(JsonValue value, Interface& intf);
-    void readLag(JsonValue value, Interface& intf);
-    void readSubInterface(JsonValue value, Interface& intf);
-    void readVlanInterface(JsonValue value, Interface& intf);
-    void readSwitching(JsonValue value, Interface& intf);
-    void readRouting(JsonValue value, Interface& intf, bool routes);
-    void readAddress(JsonValue value, Routing& routing);
-    VlanSet readTrunk(JsonValue value) const;
-    std::uint16_t readVlanId(JsonValue value) const;
-    void joinLag(JsonValue value, Interface const& lag);
+    void readInterfaces(JsonNode value);
+    void readInterface(JsonNode value);
+    void readPort(JsonNode value, Interface& intf);
+    void readLag(JsonNode value, Interface& intf);
+    void readSubInterface(JsonNode value, Interface& intf);
+    void readVlanInterface(JsonNode value, Interface& intf);
+    void readSwitching(JsonNode value, Interface& intf);
+    void readRouting(JsonNode value, Interface& intf, bool routes);
+    void readAddress(JsonNode value, Routing& routing);
+    VlanSet readTrunk(JsonNode value) const;
+    std::uint16_t readVlanId(JsonNode value) const;
+    void joinLag(JsonNode value, Interface const& lag);
     void joinLags();
     void attachSubInterfaces();
     void numberInternalVlans();
 
     // SwitchFileForwarding.cpp: neighbours, routes, FDB.
-    void readNeighbours(JsonValue value);
-    void readNeighbour(JsonValue value, Interface const& intf);
-    void readRoutes(JsonValue value);
-    void readRoute(JsonValue value, std::uint16_t vrf);
-    Route readTarget(JsonValue value, std::uint16_t vrf, SoftChip::Family family);
-    std::uint32_t nextHopSet(JsonValue value, std::uint16_t vrf, SoftChip::Family family);
-    NextHop readNextHop(JsonValue value, std::uint16_t vrf, SoftChip::Family family) const;
-    NextHop resolve(JsonValue value, std::uint16_t vrf, SoftChip::IpAddress gateway,
+    void readNeighbours(JsonNode value);
+    void readNeighbour(JsonNode value, Interface const& intf);
+    void readRoutes(JsonNode value);
+    void readRoute(JsonNode value, std::uint16_t vrf);
+    Route readTarget(JsonNode value, std::uint16_t vrf, Net::Family family);
+    std::uint32_t nextHopSet(JsonNode value, std::uint16_t vrf, Net::Family family);
+    NextHop readNextHop(JsonNode value, std::uint16_t vrf, Net::Family family) const;
+    NextHop resolve(JsonNode value, std::uint16_t vrf, Net::IpAddress gateway,
                     std::string_view zone) const;
     std::uint32_t intern(std::vector<NextHop> hops);
-    void readFdb(JsonValue value);
-    void readFdbEntry(JsonValue value, std::uint16_t vlan);
+    void readFdb(JsonNode value);
+    void readFdbEntry(JsonNode value, std::uint16_t vlan);
     bool isMember(Plexa::IntfId const& id, std::uint16_t vlan) const;
 
     // References, by text. `where` is the value or the name that errors point at.
-    std::uint16_t vrfOf(JsonValue where, std::string_view name) const;
-    std::uint16_t aclOf(JsonValue value);
-    Interface const& interfaceOf(JsonValue where, std::string_view name,
+    std::uint16_t vrfOf(JsonNode where, std::string_view name) const;
+    std::uint16_t aclOf(JsonNode value);
+    Interface const& interfaceOf(JsonNode where, std::string_view name,
                                  std::string_view shown) const;
 
     // Whether the key is new to the table; it is in the table afterwards.
@@ -99,17 +99,17 @@ class SwitchFileReader {
         return table.size() != before;
     }
 
-    JsonValue at(Interface const& intf) const {
+    JsonNode at(Interface const& intf) const {
         return places_[static_cast<std::size_t>(&intf - model_.interfaces.data())];
     }
 
-    JsonValue root_;
+    JsonNode root_;
     SwitchModel model_;
     VlanSet vlans_;
     std::unordered_map<std::string_view, std::uint16_t> vrfs_;
     std::unordered_map<std::string_view, std::uint16_t> acls_;
-    std::uint32_t aclPlaces_ = 0;    // uses of access lists; the chip numbers them
-    std::vector<JsonValue> places_;  // where each of model_.interfaces was read
+    std::uint32_t aclPlaces_ = 0;   // uses of access lists; the chip numbers them
+    std::vector<JsonNode> places_;  // where each of model_.interfaces was read
     std::array<Plexa::IntfId, SoftChip::maxDevicePort + 1> portOwners_;
     SoftChip::FlatHash<ScopedIp, std::uint32_t> ownAddresses_;  // to indexes of interfaces
     SoftChip::Lpm<std::uint32_t> connected_;                    // the same
@@ -123,10 +123,10 @@ class SwitchFileReader {
 
 // The object's members that are known by these names. Errors: InputError for any other member, or
 // if the value is no object.
-void onlyMembers(JsonValue object, std::initializer_list<std::string_view> names);
+void onlyMembers(JsonNode object, std::initializer_list<std::string_view> names);
 
 // Texts of addresses. Errors: InputError naming what was expected.
-SoftChip::MacAddress readMac(JsonValue where, std::string_view text, std::string_view shown);
-SoftChip::MacAddress readStationMac(JsonValue where, std::string_view text, std::string_view shown);
+Net::MacAddress readMac(JsonNode where, std::string_view text, std::string_view shown);
+Net::MacAddress readStationMac(JsonNode where, std::string_view text, std::string_view shown);
 
 }  // namespace SwitchFile

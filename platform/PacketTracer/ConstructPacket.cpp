@@ -13,8 +13,7 @@ void addEthernet(PacketBytes& frame, PacketFields const& fields, std::uint16_t e
     frame.add(fields.ethSrc->octets());
     for (VlanTag const& tag : fields.tags) {
         frame.add16(tag.tpid);
-        frame.add16(static_cast<std::uint16_t>(tag.priority << 13 |
-                                               (tag.dropEligible ? 1 << 12 : 0) | tag.vlan));
+        frame.add16(tag.control());
     }
     std::uint16_t const implied = impliedEtherType(fields);
     frame.add16(implied != 0 ? implied : etherType);
@@ -23,7 +22,7 @@ void addEthernet(PacketBytes& frame, PacketFields const& fields, std::uint16_t e
 void addArp(PacketBytes& frame, PacketFields const& fields) {
     ArpFields const& arp = *fields.arp;
     frame.add16(1);  // Ethernet
-    frame.add16(etherTypeIpv4);
+    frame.add16(Net::EtherType::ipv4);
     frame.add8(6);
     frame.add8(4);
     frame.add16(static_cast<std::uint16_t>(*arp.operation));

@@ -111,7 +111,8 @@ std::vector<std::uint8_t> leastIcmpBody(PacketFields const& fields) {
     }
     std::vector<std::uint8_t> body;
     for (IpAddress const& address : carriedAddresses(fields)) {
-        body.insert(body.end(), address.octets().begin(), address.octets().end());
+        Net::IpOctets const octets = address.octets();
+        body.insert(body.end(), octets.begin(), octets.end());
     }
     body.resize(size);
     return body;

@@ -2,11 +2,13 @@
 
 #include <algorithm>
 
+#include "Net/Prefix.h"
+
 namespace PacketTracer {
 namespace {
 
-constexpr MacAddress someHostMac({0x02, 0, 0, 0, 0, 0x01});
-constexpr MacAddress someRouterMac({0x02, 0, 0, 0, 0, 0x02});
+constexpr MacAddress someHostMac{0x020000000001};
+constexpr MacAddress someRouterMac{0x020000000002};
 constexpr std::uint16_t someSrcPort = 49152;
 constexpr std::uint16_t someDstPort = 49153;
 constexpr std::uint8_t echoRequest = 8;
@@ -14,15 +16,13 @@ constexpr std::uint8_t echoRequestV6 = 128;
 
 // Addresses that are set apart for documentation.
 constexpr IpAddress ipv4Host(std::uint8_t last) {
-    return IpAddress(IpAddress::V4Octets{192, 0, 2, last});
+    return IpAddress::v4(0xc0000200 | last);  // 192.0.2.0/24
 }
 constexpr IpAddress ipv6Host(std::uint8_t last) {
-    return IpAddress(
-        IpAddress::V6Octets{0x20, 0x01, 0x0d, 0xb8, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, 0, last});
+    return IpAddress::v6(0x20010db800000000, last);  // 2001:db8::/64
 }
-constexpr IpAddress farIpv4(IpAddress::V4Octets{198, 51, 100, 1});
-constexpr IpAddress farIpv6(IpAddress::V6Octets{0x20, 0x01, 0x0d, 0xb8, 0, 1, 0, 0, 0, 0, 0, 0, 0,
-                                                0, 0, 1});
+constexpr IpAddress farIpv4 = IpAddress::v4(0xc6336401);             // 198.51.100.1
+constexpr IpAddress farIpv6 = IpAddress::v6(0x20010db800010000, 1);  // 2001:db8:1::1
 
 enum class Kind : std::uint8_t { arp, ipv4, ipv6, other };
 
@@ -48,14 +48,14 @@ bool saysSomethingOfIp(PacketFields const& fields) {
 Kind kindOf(PacketFields const& fields, std::uint16_t etherType) {
     std::uint16_t const implied = impliedEtherType(fields);
     std::uint16_t const type = implied != 0 ? implied : etherType;
-    if (type == etherTypeArp) {
+    if (type == Net::EtherType::arp) {
         return Kind::arp;
     }
-    if (type == etherTypeIpv6 || (type == 0 && fields.protocol == IpProtocol::icmpv6)) {
+    if (type == Net::EtherType::ipv6 || (type == 0 && fields.protocol == IpProtocol::icmpv6)) {
         return Kind::ipv6;
     }
-    return type == 0 || type == etherTypeIpv4 || saysSomethingOfIp(fields) ? Kind::ipv4
-                                                                           : Kind::other;
+    return type == 0 || type == Net::EtherType::ipv4 || saysSomethingOfIp(fields) ? Kind::ipv4
+                                                                                  : Kind::other;
 }
 
 // The first candidate that is not the other end's address.
@@ -96,7 +96,6 @@ void fillTransport(PacketFields& fields) {
 
 // The Ethernet group that a multicast or broadcast destination is sent to.
 std::optional<MacAddress> groupMac(IpAddress const& destination) {
-    auto const octets = destination.octets();
     if (destination.isBroadcast()) {
         return MacAddress::broadcast();
     }
@@ -104,10 +103,9 @@ std::optional<MacAddress> groupMac(IpAddress const& destination) {
         return std::nullopt;
     }
     if (destination.isV6()) {
-        return MacAddress({0x33, 0x33, octets[12], octets[13], octets[14], octets[15]});
+        return MacAddress{0x333300000000U | (destination.lo & 0xffffffff)};
     }
-    return MacAddress(
-        {0x01, 0x00, 0x5e, static_cast<std::uint8_t>(octets[1] & 0x7f), octets[2], octets[3]});
+    return MacAddress{0x01005e000000U | (destination.asV4() & 0x7fffff)};
 }
 
 void fillIp(PacketFields& fields, Kind kind, PacketHints const& hints) {
@@ -154,11 +152,9 @@ std::uint8_t defaultTtl(PacketFields const& fields) noexcept {
             return 1;
         }
     }
-    if (fields.ipDst && fields.ipDst->isV4()) {
-        auto const octets = fields.ipDst->octets();
-        if (octets[0] == 224 && octets[1] == 0 && octets[2] == 0) {
-            return 1;
-        }
+    constexpr Net::Prefix linkLocalGroups{IpAddress::v4(0xe0000000), 24};  // 224.0.0.0/24
+    if (fields.ipDst && linkLocalGroups.contains(*fields.ipDst)) {
+        return 1;
     }
     return 64;
 }

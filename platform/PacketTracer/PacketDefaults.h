@@ -10,7 +10,6 @@
 #include <optional>
 #include <vector>
 
-#include "PacketTracer/Addresses.h"
 #include "PacketTracer/PacketFields.h"
 #include "VynExport.h"
 

@@ -23,7 +23,6 @@ Fault firstFault(PacketFields const& fields, std::initializer_list<Rule> rules) 
     return none;
 }
 
-constexpr std::uint16_t firstEtherType = 0x600;
 constexpr std::uint64_t maximumIpSize = 65535;
 
 bool isTcpOrUdp(PacketFields const& fields) {
@@ -51,7 +50,8 @@ Fault tagsFault(std::vector<VlanTag> const& tags) {
     }
     for (VlanTag const& tag : tags) {
         bool const isOuter = &tag == &tags.front();
-        if (tag.tpid != etherTypeVlan && !(isOuter && tag.tpid == etherTypeServiceVlan)) {
+        if (tag.tpid != Net::EtherType::vlan &&
+            !(isOuter && tag.tpid == Net::EtherType::serviceVlan)) {
             return isOuter ? "an outer tag other than 0x8100 or 0x88a8"
                            : "an inner tag other than 0x8100";
         }
@@ -72,7 +72,7 @@ Fault ethernetFault(PacketFields const& fields) {
     if (!fields.ethSrc) {
         return "no source MAC address";
     }
-    if (fields.ethSrc->isGroup()) {
+    if (fields.ethSrc->isMulticast()) {
         return "a source MAC address that is a group";
     }
     return tagsFault(fields.tags);
@@ -82,19 +82,20 @@ Fault lonelyEtherTypeFault(std::uint16_t etherType) {
     switch (etherType) {
         case 0:
             return "neither IP addresses nor ARP nor an EtherType";
-        case etherTypeIpv4:
-        case etherTypeIpv6:
+        case Net::EtherType::ipv4:
+        case Net::EtherType::ipv6:
             return "an EtherType of IP without IP addresses";
-        case etherTypeArp:
+        case Net::EtherType::arp:
             return "the EtherType of ARP without ARP";
-        case etherTypeVlan:
-        case etherTypeServiceVlan:
+        case Net::EtherType::vlan:
+        case Net::EtherType::serviceVlan:
             return "an EtherType that is a tag";
-        case etherTypeMpls:
-        case etherTypeMplsMulticast:
+        case Net::EtherType::mpls:
+        case Net::EtherType::mplsMulticast:
             return "MPLS, which only a whole frame can carry";
         default:
-            return etherType < firstEtherType ? Fault("an EtherType that is a length") : none;
+            return etherType < Net::EtherType::least ? Fault("an EtherType that is a length")
+                                                     : none;
     }
 }
 
@@ -135,7 +136,7 @@ Fault arpFault(PacketFields const& fields) {
     if (!arp.senderIp->isV4() || !arp.targetIp->isV4()) {
         return "ARP with an IPv6 address";
     }
-    if (isGroup(*arp.senderIp) || (arp.senderMac && arp.senderMac->isGroup())) {
+    if (isGroup(*arp.senderIp) || (arp.senderMac && arp.senderMac->isMulticast())) {
         return "an ARP sender that is a group";
     }
     return fields.payload.empty() ? none : Fault("ARP with a payload");

@@ -36,13 +36,6 @@ std::string valueText(std::uint32_t number) {
     return std::to_string(number);
 }
 
-std::string valueText(VlanTag const& tag) {
-    std::array<std::uint8_t, 2> const tpid{static_cast<std::uint8_t>(tag.tpid >> 8),
-                                           static_cast<std::uint8_t>(tag.tpid)};
-    return std::to_string(tag.vlan) + " tpid 0x" + Vanta::hexText(tpid) + " priority " +
-           std::to_string(tag.priority) + (tag.dropEligible ? " drop-eligible" : "");
-}
-
 std::string tcpFlagsText(std::uint8_t flags) {
     static constexpr std::array<std::string_view, 8> names{"fin", "syn", "rst", "psh",
                                                            "ack", "urg", "ece", "cwr"};
@@ -72,7 +65,7 @@ class Names {
         add("eth-dst", fields.ethDst);
         add("eth-src", fields.ethSrc);
         for (VlanTag const& tag : fields.tags) {
-            add("vlan", valueText(tag));
+            add("vlan", tag.text());
         }
     }
 
@@ -122,10 +115,10 @@ class Names {
 
 std::uint16_t impliedEtherType(PacketFields const& fields) noexcept {
     if (fields.arp) {
-        return etherTypeArp;
+        return Net::EtherType::arp;
     }
     if (auto const& address = fields.ipDst ? fields.ipDst : fields.ipSrc) {
-        return address->isV6() ? etherTypeIpv6 : etherTypeIpv4;
+        return address->isV6() ? Net::EtherType::ipv6 : Net::EtherType::ipv4;
     }
     return 0;
 }

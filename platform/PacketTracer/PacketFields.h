@@ -14,28 +14,17 @@
 #include <vector>
 
 #include "Kel/Reflection.h"
-#include "PacketTracer/Addresses.h"
+#include "Net/IpAddress.h"
+#include "Net/MacAddress.h"
+#include "Net/VlanTag.h"
 #include "Vanta/Bytes.h"
 #include "VynExport.h"
 
 namespace PacketTracer {
 
-inline constexpr std::uint16_t etherTypeIpv4 = 0x0800;
-inline constexpr std::uint16_t etherTypeArp = 0x0806;
-inline constexpr std::uint16_t etherTypeVlan = 0x8100;
-inline constexpr std::uint16_t etherTypeIpv6 = 0x86dd;
-inline constexpr std::uint16_t etherTypeMpls = 0x8847;
-inline constexpr std::uint16_t etherTypeMplsMulticast = 0x8848;
-inline constexpr std::uint16_t etherTypeServiceVlan = 0x88a8;
-
-struct VlanTag {
-    std::uint16_t tpid = etherTypeVlan;
-    std::uint16_t vlan = 0;     // 0 to 4094; 0 is a priority tag
-    std::uint8_t priority = 0;  // 0 to 7
-    bool dropEligible = false;
-
-    friend bool operator==(VlanTag const&, VlanTag const&) noexcept = default;
-};
+using Net::IpAddress;
+using Net::MacAddress;
+using Net::VlanTag;
 
 enum class IpProtocol : std::uint8_t { icmp = 1, tcp = 6, udp = 17, icmpv6 = 58 };
 

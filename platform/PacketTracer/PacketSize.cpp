@@ -28,11 +28,11 @@ std::uint64_t ethernetSize(PacketFields const& fields) noexcept {
 
 std::uint64_t headerSize(PacketFields const& fields) noexcept {
     switch (impliedEtherType(fields)) {
-        case etherTypeArp:
+        case Net::EtherType::arp:
             return ethernetSize(fields) + 28;
-        case etherTypeIpv4:
+        case Net::EtherType::ipv4:
             return ethernetSize(fields) + 20 + transportSize(fields);
-        case etherTypeIpv6:
+        case Net::EtherType::ipv6:
             return ethernetSize(fields) + 40 + transportSize(fields);
         default:
             return ethernetSize(fields);

@@ -12,6 +12,8 @@ namespace PacketTracer {
 
 // The shortest frame; like every length here without the check sequence.
 inline constexpr std::uint32_t minimumFrameSize = 60;
+// The longest frame that is traced.
+inline constexpr std::uint32_t maximumFrameSize = 9236;
 
 // The Ethernet header with its tags.
 VYN_EXPORT std::uint64_t ethernetSize(PacketFields const& fields) noexcept;

@@ -112,7 +112,7 @@ struct Dissected : testing::Test {
         ASSERT_FALSE(frame.empty()) << name;
         std::string layers = "eth:";
         for (VlanTag const& tag : fields.tags) {
-            layers += tag.tpid == etherTypeServiceVlan ? "ieee8021ad:" : "vlan:";
+            layers += tag.tpid == Net::EtherType::serviceVlan ? "ieee8021ad:" : "vlan:";
         }
         samples.push_back({std::move(name), frame, layers + protocols, std::move(checksum)});
     }
@@ -170,14 +170,14 @@ struct Dissected : testing::Test {
 std::vector<std::vector<VlanTag>> const tagsOfAllKinds{
     {},
     {{.vlan = 10}},
-    {{.tpid = etherTypeServiceVlan, .vlan = 20, .priority = 5}},
+    {{.tpid = Net::EtherType::serviceVlan, .vlan = 20, .priority = 5}},
     {{.vlan = 10}, {.vlan = 4094, .dropEligible = true}},
-    {{.tpid = etherTypeServiceVlan, .vlan = 20}, {.vlan = 10, .priority = 7}}};
+    {{.tpid = Net::EtherType::serviceVlan, .vlan = 20}, {.vlan = 10, .priority = 7}}};
 
 std::string nameOf(std::vector<VlanTag> const& tags) {
     std::string name = " tags:";
     for (VlanTag const& tag : tags) {
-        name += tag.tpid == etherTypeServiceVlan ? " 88a8" : " 8100";
+        name += tag.tpid == Net::EtherType::serviceVlan ? " 88a8" : " 8100";
     }
     return name;
 }

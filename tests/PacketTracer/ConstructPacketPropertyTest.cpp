@@ -19,24 +19,32 @@ namespace {
 
 using namespace SomeFields;
 
-template <class Array>
-Array anyOctets() {
-    Array octets{};
+template <std::size_t count>
+std::array<std::uint8_t, count> anyOctets() {
+    std::array<std::uint8_t, count> octets{};
     for (auto& octet : octets) {
         octet = *rc::gen::arbitrary<std::uint8_t>();
     }
     return octets;
 }
 
+MacAddress anyMac() {
+    return MacAddress::fromOctets(anyOctets<6>());
+}
+
 MacAddress anyHostMac() {
-    auto octets = anyOctets<MacAddress::Octets>();
+    auto octets = anyOctets<6>();
     octets[0] &= 0xfe;
-    return MacAddress(octets);
+    return MacAddress::fromOctets(octets);
+}
+
+IpAddress anyIpv4() {
+    return IpAddress::fromOctets(Net::Family::ipv4, anyOctets<4>());
 }
 
 IpAddress anyUnicast(bool isV6) {
-    auto const address = isV6 ? IpAddress(anyOctets<IpAddress::V6Octets>())
-                              : IpAddress(anyOctets<IpAddress::V4Octets>());
+    auto const address =
+        isV6 ? IpAddress::fromOctets(Net::Family::ipv6, anyOctets<16>()) : anyIpv4();
     RC_PRE(!address.isMulticast() && !address.isBroadcast() && !address.isUnspecified());
     return address;
 }
@@ -45,7 +53,7 @@ std::vector<VlanTag> anyTags() {
     std::vector<VlanTag> tags(*rc::gen::inRange<std::size_t>(0, 3));
     for (VlanTag& tag : tags) {
         bool const isService = &tag == &tags.front() && *rc::gen::arbitrary<bool>();
-        tag = {isService ? etherTypeServiceVlan : etherTypeVlan,
+        tag = {isService ? Net::EtherType::serviceVlan : Net::EtherType::vlan,
                *rc::gen::inRange<std::uint16_t>(0, 4095), *rc::gen::inRange<std::uint8_t>(0, 8),
                *rc::gen::arbitrary<bool>()};
     }
@@ -54,7 +62,7 @@ std::vector<VlanTag> anyTags() {
 
 PacketFields anyEthernet() {
     PacketFields fields;
-    fields.ethDst = MacAddress(anyOctets<MacAddress::Octets>());
+    fields.ethDst = anyMac();
     fields.ethSrc = anyHostMac();
     fields.tags = anyTags();
     return fields;
@@ -104,8 +112,8 @@ PacketFields anyArp() {
     arp.operation = *rc::gen::element(ArpOperation::request, ArpOperation::reply);
     arp.senderMac = anyHostMac();
     arp.senderIp = anyUnicast(false);
-    arp.targetMac = MacAddress(anyOctets<MacAddress::Octets>());
-    arp.targetIp = IpAddress(anyOctets<IpAddress::V4Octets>());
+    arp.targetMac = anyMac();
+    arp.targetIp = anyIpv4();
     return fields;
 }
 
@@ -210,7 +218,9 @@ RC_GTEST_PROP(AnyPieces, KeepWhatIsGivenWhenTheyAreCompleted, ()) {
     auto const after = namedFields(completed);
     RC_ASSERT(after.size() == before.size() + filled.size());
     for (auto const& field : before) {
-        RC_ASSERT(std::count(after.begin(), after.end(), field) == 1);
+        // Two tags may be alike.
+        RC_ASSERT(std::count(after.begin(), after.end(), field) ==
+                  std::count(before.begin(), before.end(), field));
     }
 }
 
@@ -225,7 +235,7 @@ RC_GTEST_PROP(AnyPieces, OfOneVersionAndProtocolCanBeBuiltWhenTheyAreCompleted, 
     fields.ttl.reset();
     fields.srcPort.reset();
     fields.icmpType.reset();
-    fillDefaults(fields, isV6 ? etherTypeIpv6 : etherTypeIpv4);
+    fillDefaults(fields, isV6 ? Net::EtherType::ipv6 : Net::EtherType::ipv4);
     RC_ASSERT(packetFault(fields, 0) == "");
 }
 

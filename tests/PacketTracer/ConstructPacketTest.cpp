@@ -73,7 +73,8 @@ TEST(ConstructFrame, BuildsTcpInIpv6) {
 
 TEST(ConstructFrame, BuildsUdpInIpv6BehindTwoTags) {
     PacketFields fields = udp(ipv6());
-    fields.tags = {{etherTypeServiceVlan, 100, 3, false}, {etherTypeVlan, 4094, 7, true}};
+    fields.tags = {{Net::EtherType::serviceVlan, 100, 3, false},
+                   {Net::EtherType::vlan, 4094, 7, true}};
     fields.ttl = 1;
     fields.dscp = 10;
     fields.payload = bytesOf("odd");
@@ -125,14 +126,14 @@ TEST(ConstructFrame, BuildsAnyOtherEtherTypeWithItsPayload) {
 
 TEST(ConstructFrame, GivesAServiceTagAloneItsEtherType) {
     PacketFields fields = ethernet();
-    fields.tags = {{.tpid = etherTypeServiceVlan, .vlan = 7}};
+    fields.tags = {{.tpid = Net::EtherType::serviceVlan, .vlan = 7}};
     EXPECT_EQ(hexOf(fields, 0x88b5), "02000000000202000000000188a8000788b5" + zeros(42));
 }
 
 TEST(ConstructFrame, AcceptsTheEtherTypeThatTheAddressesDemand) {
-    EXPECT_EQ(hexOf(udp(ipv4()), etherTypeIpv4), hexOf(udp(ipv4())));
-    EXPECT_EQ(hexOf(udp(ipv6()), etherTypeIpv6), hexOf(udp(ipv6())));
-    EXPECT_EQ(hexOf(arpRequest(), etherTypeArp), hexOf(arpRequest()));
+    EXPECT_EQ(hexOf(udp(ipv4()), Net::EtherType::ipv4), hexOf(udp(ipv4())));
+    EXPECT_EQ(hexOf(udp(ipv6()), Net::EtherType::ipv6), hexOf(udp(ipv6())));
+    EXPECT_EQ(hexOf(arpRequest(), Net::EtherType::arp), hexOf(arpRequest()));
 }
 
 TEST(ConstructFrame, PadsToSixtyBytes) {

@@ -203,7 +203,7 @@ TEST(PacketDefaults, KeepLocalControlGroupsOnTheLink) {
 
 TEST(PacketDefaults, MakeTheEtherTypeOfArpARequestForTheRouter) {
     PacketFields fields;
-    EXPECT_EQ(filled(fields, etherTypeArp, allHints()),
+    EXPECT_EQ(filled(fields, Net::EtherType::arp, allHints()),
               (Filled{{"eth-dst", "ff:ff:ff:ff:ff:ff"},
                       {"eth-src", "00:1c:73:00:00:99"},
                       {"arp-op", "request"},
@@ -211,15 +211,15 @@ TEST(PacketDefaults, MakeTheEtherTypeOfArpARequestForTheRouter) {
                       {"arp-sender-ip", "10.1.0.50"},
                       {"arp-target-mac", "00:00:00:00:00:00"},
                       {"arp-target-ip", "10.1.0.1"}}));
-    EXPECT_EQ(packetFault(fields, etherTypeArp), "");
+    EXPECT_EQ(packetFault(fields, Net::EtherType::arp), "");
 }
 
 TEST(PacketDefaults, NeedNoHintForArp) {
     PacketFields fields;
-    auto const found = filled(fields, etherTypeArp);
+    auto const found = filled(fields, Net::EtherType::arp);
     EXPECT_EQ(found.at("arp-sender-ip"), "192.0.2.1");
     EXPECT_EQ(found.at("arp-target-ip"), "192.0.2.2");
-    EXPECT_EQ(packetFault(fields, etherTypeArp), "");
+    EXPECT_EQ(packetFault(fields, Net::EtherType::arp), "");
 }
 
 TEST(PacketDefaults, AskForAnotherAddressThanTheSenders) {
@@ -258,11 +258,11 @@ TEST(PacketDefaults, SendAnyOtherEtherTypeToAll) {
 
 TEST(PacketDefaults, TakeTheEtherTypeForTheVersion) {
     PacketFields fields;
-    filled(fields, etherTypeIpv6);
-    EXPECT_EQ(packetFault(fields, etherTypeIpv6), "");
+    filled(fields, Net::EtherType::ipv6);
+    EXPECT_EQ(packetFault(fields, Net::EtherType::ipv6), "");
     fields = PacketFields();
-    filled(fields, etherTypeIpv4);
-    EXPECT_EQ(packetFault(fields, etherTypeIpv4), "");
+    filled(fields, Net::EtherType::ipv4);
+    EXPECT_EQ(packetFault(fields, Net::EtherType::ipv4), "");
 }
 
 TEST(PacketDefaults, HideNoContradiction) {

@@ -29,13 +29,13 @@ std::array<std::uint8_t, size> octets(Span bytes, std::size_t at) {
 }
 
 inline PacketTracer::MacAddress macAt(Span bytes, std::size_t at) {
-    return PacketTracer::MacAddress(octets<6>(bytes, at));
+    return PacketTracer::MacAddress::fromOctets(octets<6>(bytes, at));
 }
 inline PacketTracer::IpAddress ipv4At(Span bytes, std::size_t at) {
-    return PacketTracer::IpAddress(octets<4>(bytes, at));
+    return PacketTracer::IpAddress::fromOctets(Net::Family::ipv4, octets<4>(bytes, at));
 }
 inline PacketTracer::IpAddress ipv6At(Span bytes, std::size_t at) {
-    return PacketTracer::IpAddress(octets<16>(bytes, at));
+    return PacketTracer::IpAddress::fromOctets(Net::Family::ipv6, octets<16>(bytes, at));
 }
 
 // The one's complement sum of 16-bit words with end-around carry: what a receiver computes, 0xffff

@@ -9,6 +9,7 @@
 #include "Trace/Tap.h"
 #include "Vanta/Assert.h"
 #include "agent/ForwardingAgent.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Agent {
 namespace {

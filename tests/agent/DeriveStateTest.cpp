@@ -5,6 +5,8 @@
 #include <set>
 #include <string>
 
+#include "switchfile/SwitchFile.h"
+
 namespace Agent {
 namespace {
 

@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "switchfile/SwitchFile.h"
+
 namespace Agent {
 namespace {
 

@@ -6,6 +6,7 @@
 #include <stdexcept>
 
 #include "agent/TraceClient.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Agent {
 namespace {

@@ -13,6 +13,8 @@
 #include "agent/DeriveTables.h"
 #include "softchip/Phase0.h"
 #include "softchip/Pipeline.h"
+#include "switchfile/JsonDocument.h"
+#include "switchfile/SwitchFile.h"
 #include "tests/SourceDir.h"
 
 namespace Agent {

@@ -126,8 +126,8 @@ TEST_F(RecordReplay, ARequestByItsFields) {
         Client client(agent);
         auto const request = client.client.request();
         PacketTracer::PacketFields fields;
-        fields.ethDst = PacketTracer::MacAddress({2, 0, 0, 0, 0, 2});
-        fields.ethSrc = PacketTracer::MacAddress({2, 0, 0, 0, 0, 1});
+        fields.ethDst = PacketTracer::MacAddress{0x020000000002};
+        fields.ethSrc = PacketTracer::MacAddress{0x020000000001};
         request->fieldsIs(fields);
         request->etherTypeIs(0x88b5);
         request->intfIs(*Plexa::IntfId::fromName("Ethernet1"));

@@ -53,8 +53,8 @@ TEST(RequestEvents, TellWhatTheFieldsOfARequestBuild) {
     request->frameIs({});
     request->etherTypeIs(0x88b5);
     PacketTracer::PacketFields fields;
-    fields.ethDst = PacketTracer::MacAddress({2, 0, 0, 0, 0, 2});
-    fields.ethSrc = PacketTracer::MacAddress({2, 0, 0, 0, 0, 1});
+    fields.ethDst = PacketTracer::MacAddress{0x020000000002};
+    fields.ethSrc = PacketTracer::MacAddress{0x020000000001};
     request->fieldsIs(fields);
     auto const lines = set(*request, Request::etherTypeAttribute);
     ASSERT_EQ(lines.size(), 2U);

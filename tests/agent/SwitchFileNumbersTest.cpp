@@ -6,6 +6,7 @@
 
 #include "agent/DeriveState.h"
 #include "agent/DeriveTables.h"
+#include "switchfile/JsonDocument.h"
 #include "switchfile/SwitchFile.h"
 #include "tests/SourceDir.h"
 

@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include "PacketTracer/PacketSize.h"
 #include "ScratchFile.h"
 #include "cli/Capture.h"
 #include "cli/UsageError.h"
@@ -27,9 +28,9 @@ TEST(CaptureWriter, WhatIsWrittenIsReadAgain) {
 TEST(CaptureWriter, AFrameOfTheGreatestLengthIsReadAgain) {
     ScratchFile const file("written");
     CaptureWriter writer(file.path());
-    writer.write(std::vector<std::uint8_t>(maxFrameSize), {});
+    writer.write(std::vector<std::uint8_t>(PacketTracer::maximumFrameSize), {});
     writer.flush();
-    EXPECT_EQ(Capture(file.path()).next()->frame.size(), maxFrameSize);
+    EXPECT_EQ(Capture(file.path()).next()->frame.size(), PacketTracer::maximumFrameSize);
 }
 
 TEST(CaptureWriter, AFileThatCannotBeMadeIsRefusedByName) {

@@ -8,6 +8,7 @@
 #include "agent/DeriveTables.h"
 #include "softchip/Phase0.h"
 #include "softchip/Pipeline.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Cli {
 namespace {

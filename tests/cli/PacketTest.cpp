@@ -2,6 +2,8 @@
 
 #include <gtest/gtest.h>
 
+#include "PacketTracer/PacketSize.h"
+
 namespace Cli {
 namespace {
 
@@ -46,7 +48,7 @@ TEST(Packet, APacketByFieldsIsDescribedByThem) {
     EXPECT_TRUE(request->frame().empty());
     ASSERT_NE(request->fields(), nullptr);
     EXPECT_EQ(*request->fields(), someFields());
-    EXPECT_EQ(request->etherType(), PacketTracer::etherTypeIpv4);
+    EXPECT_EQ(request->etherType(), Net::EtherType::ipv4);
     EXPECT_EQ(packet.frame.size(), 60U);
     EXPECT_EQ(packet.text(),
               "02:00:00:00:00:01 to 02:00:00:00:00:02, IPv4 10.0.0.1 to 10.0.0.2 TTL 64, "
@@ -67,16 +69,19 @@ TEST(Packet, FieldsFromWhichNoFrameCanBeBuiltAreShownThemselves) {
 
 TEST(Packet, TheReasonOfARefusalNamesTheFramesLength) {
     EXPECT_EQ(packetOfFrame({}).refusalReason(), "an empty frame cannot be sent");
-    EXPECT_EQ(packetOfFrame(std::vector<std::uint8_t>(maxFrameSize)).refusalReason(), "");
-    EXPECT_EQ(packetOfFrame(std::vector<std::uint8_t>(maxFrameSize + 1)).refusalReason(),
+    EXPECT_EQ(
+        packetOfFrame(std::vector<std::uint8_t>(PacketTracer::maximumFrameSize)).refusalReason(),
+        "");
+    EXPECT_EQ(packetOfFrame(std::vector<std::uint8_t>(PacketTracer::maximumFrameSize + 1))
+                  .refusalReason(),
               "a frame of 9237 bytes; at most 9236 can be sent");
     auto fields = someFields();
-    fields.length = maxFrameSize + 1;
+    fields.length = PacketTracer::maximumFrameSize + 1;
     EXPECT_EQ(packetOfFields(fields, 0).refusalReason(), "a frame of more than 9236 bytes");
 }
 
 TEST(Packet, AnMplsEtherTypeBesideFieldsIsMpls) {
-    EXPECT_TRUE(packetOfFields(someFields(), PacketTracer::etherTypeMplsMulticast).facts.mpls);
+    EXPECT_TRUE(packetOfFields(someFields(), Net::EtherType::mplsMulticast).facts.mpls);
 }
 
 }  // namespace

@@ -4,6 +4,8 @@
 
 #include <string>
 
+#include "switchfile/SwitchFile.h"
+
 namespace Cli {
 namespace {
 

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "cli/UsageError.h"
+#include "switchfile/SwitchFile.h"
 
 namespace Cli {
 namespace {

@@ -17,7 +17,7 @@ std::string problemOf(std::string_view text) {
 TEST(JsonDocument, KeepsMembersInTheOrderOfTheFile) {
     JsonDocument const document(R"({"b": 1, "a": [true, null, "x"], "c": {}})", "f.json");
     std::string names;
-    for (JsonValue const member : document.root()) {
+    for (JsonNode const member : document.root()) {
         names += member.name();
     }
     EXPECT_EQ(names, "bac");
@@ -29,8 +29,8 @@ TEST(JsonDocument, KeepsMembersInTheOrderOfTheFile) {
 
 TEST(JsonDocument, NamesEveryValueByItsPointer) {
     JsonDocument const document(R"({"a/b~": [{}, {"x": [7, 8]}], "c": 1})", "f.json");
-    JsonValue const outer = document.root().member("a/b~");
-    JsonValue const inner = (++outer.begin())->member("x");
+    JsonNode const outer = document.root().member("a/b~");
+    JsonNode const inner = (++outer.begin())->member("x");
     EXPECT_EQ(document.root().path(), "/");
     EXPECT_EQ((++inner.begin())->path(), "/a~1b~0/1/x/1");
     EXPECT_EQ(document.root().member("c").path(), "/c");
@@ -96,7 +96,7 @@ TEST(JsonDocument, SameNameInDifferentObjectsIsNoRepetition) {
 TEST(JsonDocument, WrongTypesSayWhatWasExpectedAndWhatIsThere) {
     JsonDocument const document(R"({"n": 1.5, "big": 18446744073709551615, "s": "a\nb", "l": []})",
                                 "f.json");
-    JsonValue const root = document.root();
+    JsonNode const root = document.root();
     auto const what = [](auto&& read) {
         try {
             read();
