@@ -1,8 +1,10 @@
-// A trace ring's file, as a crash or a bad disk may leave it. The first 72 bytes of an input are
-// the header's; the rest of the header is zeros, and what follows in the input follows in the file.
-// A record's check is put right unless it is zero: random bytes never have a right one, and errors
-// behind a right check would never be seen.
+// A trace ring's file, of either version, as a crash or a bad disk may leave it. The first 72 bytes
+// of an input are the header's. The next are the heads of the own rings, 24 bytes each, as many as
+// the header says. The rest of the header is zeros, and what follows in the input follows in the
+// file. A record's check is put right unless it is zero: random bytes never have a right one, and
+// errors behind a right check would never be seen.
 #include <algorithm>
+#include <cstddef>
 #include <cstring>
 #include <vector>
 
@@ -13,6 +15,7 @@ namespace {
 
 using Trace::RingFile::FormatEntry;
 using Trace::RingFile::Header;
+using Trace::RingFile::OwnHead;
 using Trace::RingFile::Record;
 using Bytes = std::vector<std::uint8_t>;
 
@@ -24,12 +27,37 @@ std::uint64_t word(Bytes const& content, std::size_t at) {
     return value;
 }
 
+// What the header says of its rings. A file of version 1 has no own ones.
+struct Rings {
+    explicit Rings(Bytes const& content)
+        : records(word(content, 8)),
+          formats(word(content, 16)),
+          own(isVersion1(content) ? 0 : word(content, 48)),
+          lines(isVersion1(content) ? 0 : word(content, 56)) {}
+
+    static bool isVersion1(Bytes const& content) { return content[7] == '1'; }
+
+    std::uint64_t records;
+    std::uint64_t formats;
+    std::uint64_t own;
+    std::uint64_t lines;
+};
+
 Bytes fileOf(std::uint8_t const* data, std::size_t size) {
+    constexpr std::size_t usedHead = 24;
     Bytes content(data, data + std::min(size, usedHeader));
-    if (size > usedHeader) {
-        content.resize(sizeof(Header));
-        content.insert(content.end(), data + usedHeader, data + size);
+    if (size <= usedHeader) {
+        return content;
     }
+    content.resize(sizeof(Header));
+    std::size_t at = usedHeader;
+    auto const heads = std::min<std::uint64_t>(Rings(content).own, Trace::RingFile::mostOwnRings);
+    for (std::size_t head = 0; head < heads && at < size; ++head) {
+        auto const bytes = std::min(size - at, usedHead);
+        std::memcpy(&content[offsetof(Header, own) + head * sizeof(OwnHead)], data + at, bytes);
+        at += bytes;
+    }
+    content.insert(content.end(), data + at, data + size);
     return content;
 }
 
@@ -39,11 +67,17 @@ bool isWhole(Bytes const& content) {
     if (content.size() < sizeof(Header)) {
         return false;
     }
-    std::size_t const room = content.size() - sizeof(Header);
-    std::uint64_t const records = word(content, 8);
-    std::uint64_t const formats = word(content, 16);
-    return records <= room / sizeof(Record) && formats <= room / sizeof(FormatEntry) &&
-           records * sizeof(Record) + formats * sizeof(FormatEntry) <= room;
+    Rings const rings(content);
+    std::size_t room = content.size() - sizeof(Header);
+    auto const holds = [&room](std::uint64_t count, std::size_t size) {
+        bool const fits = count <= room / size;
+        room -= fits ? count * size : 0;
+        return fits;
+    };
+    constexpr std::size_t line = Trace::RingFile::lineSize;
+    return holds(rings.records, sizeof(Record)) && holds(rings.formats, sizeof(FormatEntry)) &&
+           (rings.own == 0 || (rings.lines <= room / line &&
+                               holds(rings.own, Trace::RingFile::sizeOfOwn(rings.lines))));
 }
 
 void putCheckRight(Bytes& content, std::size_t record) {
@@ -53,7 +87,8 @@ void putCheckRight(Bytes& content, std::size_t record) {
         return;
     }
     std::uint64_t const shape = word(content, record + 24);
-    Trace::RingFile::Check sum(word(content, record), word(content, record + 16), shape);
+    Trace::RingFile::Check sum(word(content, record), word(content, record + 16));
+    sum.addShape(shape);
     std::size_t const used = shape >> Trace::RingFile::formatBits & 31;
     for (std::size_t i = 0; i < std::min(used, Trace::RingFile::payloadWords); ++i) {
         sum.add(i, word(content, record + payload + 8 * i));
@@ -62,10 +97,19 @@ void putCheckRight(Bytes& content, std::size_t record) {
     std::memcpy(content.data() + record + check, &right, sizeof right);
 }
 
+// Of an own ring's records the last first: the words of one may be the check of a line before it.
 void putChecksRight(Bytes& content) {
-    std::size_t const records = sizeof(Header) + word(content, 16) * sizeof(FormatEntry);
-    for (std::uint64_t i = 0; i < word(content, 8); ++i) {
+    using namespace Trace::RingFile;
+    Rings const rings(content);
+    auto const records = sizeOfShared(0, rings.formats);
+    for (std::uint64_t i = 0; i < rings.records; ++i) {
         putCheckRight(content, records + i * sizeof(Record));
+    }
+    auto const own = sizeOfShared(rings.records, rings.formats);
+    for (std::uint64_t ring = 0; ring < rings.own; ++ring) {
+        for (std::uint64_t line = rings.lines; line-- > 0;) {
+            putCheckRight(content, own + ring * sizeOfOwn(rings.lines) + line * lineSize);
+        }
     }
 }
 
@@ -89,7 +133,8 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
             }
             reader.poll();
         }
-        Fuzz::check(messages <= content.size() / sizeof(Record), "a record is one message at most");
+        Fuzz::check(messages <= content.size() / Trace::RingFile::lineSize,
+                    "a record is one message at most");
         static_cast<void>(reader.hasWriter());
     } catch (Trace::RingError const& error) {
         Fuzz::check(std::string_view(error.what()).starts_with(file.path() + ": "),

@@ -54,6 +54,11 @@ Record* Mapping::records() const noexcept {
     return reinterpret_cast<Record*>(formats() + header().formatCount);
 }
 
+std::byte* Mapping::own(std::size_t ring) const noexcept {
+    auto* const first = reinterpret_cast<std::byte*>(records() + header().recordCount);
+    return first + ring * sizeOfOwn(header().lineCount);
+}
+
 // Locks of the open file rather than of the process: they are not lost when another descriptor of
 // the same file is closed, and tell two users within one process apart.
 void writerLockIs(int descriptor) noexcept {

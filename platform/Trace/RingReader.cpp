@@ -13,6 +13,8 @@
 #include <utility>
 #include <vector>
 
+#include "Trace/RingLane.h"
+
 namespace Trace {
 
 using namespace RingFile;
@@ -37,33 +39,54 @@ int openFile(std::string const& path) {
     return descriptor;
 }
 
-Word nextOf(Mapping const& file, std::string const& path) {
-    auto const next = file.header().next.load(std::memory_order_acquire);
-    if (next < file.header().recordCount || next > positionLimit) {
-        fail(path, "damaged: byte 64: expected a position behind the first, found " +
-                       std::to_string(next));
-    }
-    return next;
+// What a header says of its rings. A file of the first version has no own ones.
+struct Rings {
+    Word sharedRecords;
+    Word ownCount;
+    Word lineCount;
+};
+
+bool isCount(Word count) noexcept {
+    constexpr Word most = Word{1} << 40;
+    return std::has_single_bit(count) && count <= most;
 }
 
-void checkHeader(Header const& header, std::size_t size, std::string const& path) {
-    constexpr Word mostRecords = Word{1} << 40;
-    if (header.magic != magic) {
-        fail(path, "no trace ring: byte 0: expected the letters VYNRING1");
+Rings ringsOf(Header const& header, std::string const& path) {
+    if (header.magic == magicOfVersion1) {
+        return {header.recordCount, 0, 0};
     }
-    if (!std::has_single_bit(header.recordCount) || header.recordCount > mostRecords) {
+    if (header.magic != magic) {
+        fail(path, "no trace ring: byte 0: expected the letters VYNRING1 or VYNRING2");
+    }
+    if (header.ownCount > mostOwnRings) {
+        fail(path, "damaged: byte 48: expected at most 31 rings of threads, found " +
+                       std::to_string(header.ownCount));
+    }
+    if (!isCount(header.lineCount)) {
+        fail(path, "damaged: byte 56: expected a power of two as number of lines, found " +
+                       std::to_string(header.lineCount));
+    }
+    return {header.recordCount, header.ownCount, header.lineCount};
+}
+
+// Returns the number of own rings.
+std::size_t checkHeader(Header const& header, std::size_t size, std::string const& path) {
+    auto const rings = ringsOf(header, path);
+    if (!isCount(rings.sharedRecords)) {
         fail(path, "damaged: byte 8: expected a power of two as number of records, found " +
-                       std::to_string(header.recordCount));
+                       std::to_string(rings.sharedRecords));
     }
     if (header.formatCount == 0 || header.formatCount > Word{1} << formatBits) {
         fail(path, "damaged: byte 16: expected 1 to 2048 formats, found " +
                        std::to_string(header.formatCount));
     }
-    auto const expected = sizeOf(header.recordCount, header.formatCount);
+    auto const expected =
+        sizeOf(rings.sharedRecords, header.formatCount, rings.ownCount, rings.lineCount);
     if (size < expected) {
         fail(path, "cut off: expected " + std::to_string(expected) + " bytes, found " +
                        std::to_string(size));
     }
+    return rings.ownCount;
 }
 
 std::unique_ptr<Mapping> openRing(std::string const& path) {
@@ -74,9 +97,7 @@ std::unique_ptr<Mapping> openRing(std::string const& path) {
         fail(path, "no trace ring: expected a header of 4096 bytes, found a file of " +
                        std::to_string(size));
     }
-    auto file = std::make_unique<Mapping>(descriptor, path, size, Mapping::Access::read);
-    checkHeader(file->header(), size, path);
-    return file;
+    return std::make_unique<Mapping>(descriptor, path, size, Mapping::Access::read);
 }
 
 // A statement's fixed part; nothing where the table has none that makes sense.
@@ -154,126 +175,114 @@ std::optional<std::string> textOf(std::string_view format, Word slots,
 
 }  // namespace
 
-// A record's words, taken out of the file.
-struct RingReader::Raw {
-    Word ticks;
-    Word shape;
-    std::array<Word, payloadWords> payload;
+// A ring, and the record of it whose turn comes next.
+struct RingReader::Lane {
+    explicit Lane(std::unique_ptr<RingLane> way) : ring(std::move(way)) {}
 
-    std::size_t format() const noexcept { return shape & ((Word{1} << formatBits) - 1); }
-    std::size_t used() const noexcept {
-        return std::min(shape >> formatBits & ((Word{1} << usedBits) - 1), Word{payloadWords});
+    bool hasRecord(Unfinished unfinished) {
+        isHeld = isHeld || ring->next(record, unfinished == Unfinished::passOver);
+        return isHeld;
     }
-    Word slots() const noexcept { return shape >> (formatBits + usedBits); }
+
+    std::unique_ptr<RingLane> const ring;
+    bool isHeld = false;
+    RingWords record;
 };
+
+std::vector<std::unique_ptr<RingReader::Lane>> RingReader::lanesOf(Mapping const& file,
+                                                                   std::string const& path) {
+    auto const ownCount = checkHeader(file.header(), file.size(), path);
+    std::vector<std::unique_ptr<Lane>> lanes;
+    lanes.push_back(std::make_unique<Lane>(std::make_unique<SharedRingLane>(file)));
+    for (std::size_t ring = 0; ring < ownCount; ++ring) {
+        lanes.push_back(std::make_unique<Lane>(std::make_unique<OwnRingLane>(file, ring)));
+    }
+    return lanes;
+}
 
 RingReader::RingReader(std::string path)
     : path_(std::move(path)),
       file_(openRing(path_)),
-      recordCount_(file_->header().recordCount),
-      formatCount_(file_->header().formatCount),
-      records_(file_->records()),
-      known_(nextOf(*file_, path_)) {
-    position_ = std::max(recordCount_, known_ - recordCount_);
-    lost_ = position_ - recordCount_;
+      lanes_(lanesOf(*file_, path_)),
+      formatCount_(file_->header().formatCount) {
+    poll();
 }
 
 RingReader::~RingReader() = default;
 
+// Looks until the writers did nothing meanwhile, so that nothing is known without what came before
+// it in another thread; not for ever, since writers may never rest.
 bool RingReader::poll() {
     if (fileSize(file_->descriptor()) < file_->size()) {
         fail(path_, "cut off while it was read");
     }
-    known_ = std::max(known_, nextOf(*file_, path_));
-    return position_ < known_;
+    bool isMoving = true;
+    for (int look = 0; isMoving && look < 100; ++look) {
+        isMoving = false;
+        for (auto const& lane : lanes_) {
+            isMoving |= lane->ring->poll(path_);
+        }
+    }
+    return std::any_of(lanes_.begin(), lanes_.end(),
+                       [](auto const& lane) { return lane->isHeld || lane->ring->hasMore(); });
 }
 
 std::optional<RingMessage> RingReader::next(Unfinished unfinished) {
-    Raw raw;
-    while (position_ < known_) {
-        switch (load(raw)) {
-            case Found::overwritten:
-                skipOverwritten();
-                break;
-            case Found::damaged:
-                ++damaged_;
-                ++position_;
-                break;
-            case Found::unfinished:
-                if (unfinished == Unfinished::wait && mayFinish()) {
-                    return std::nullopt;
-                }
-                ++position_;
-                ++lost_;
-                break;
-            case Found::record:
-                ++position_;
-                if (auto message = decode(raw)) {
-                    return message;
-                }
-                break;
+    while (auto* const lane = earliest(unfinished)) {
+        lane->isHeld = false;
+        if (auto message = decode(lane->record)) {
+            return message;
         }
     }
     return std::nullopt;
 }
 
-RingReader::Found RingReader::load(Raw& raw) const noexcept {
-    auto const& record = records_[position_ & (recordCount_ - 1)];
-    auto const state = record.state.load(std::memory_order_acquire);
-    if (state != position_) {
-        return state > position_ ? Found::overwritten : Found::unfinished;
+RingReader::Lane* RingReader::earliest(Unfinished unfinished) {
+    Lane* found = nullptr;
+    for (auto const& lane : lanes_) {
+        if (lane->hasRecord(unfinished) && (!found || lane->record.ticks < found->record.ticks)) {
+            found = lane.get();
+        }
     }
-    raw.ticks = record.ticks.load(std::memory_order_relaxed);
-    raw.shape = record.shape.load(std::memory_order_relaxed);
-    Check check(position_, raw.ticks, raw.shape);
-    for (std::size_t at = 0; at < raw.used(); ++at) {
-        raw.payload[at] = record.payload[at].load(std::memory_order_relaxed);
-        check.add(at, raw.payload[at]);
+    return found;
+}
+
+std::uint64_t RingReader::lost() const noexcept {
+    std::uint64_t sum = 0;
+    for (auto const& lane : lanes_) {
+        sum += lane->ring->lost();
     }
-    if (record.check.load(std::memory_order_acquire) == check.sum()) {
-        return Found::record;
+    return sum;
+}
+
+std::uint64_t RingReader::damaged() const noexcept {
+    auto sum = undecoded_;
+    for (auto const& lane : lanes_) {
+        sum += lane->ring->damaged();
     }
-    return isOvertaken(file_->header().next.load(std::memory_order_relaxed)) ? Found::overwritten
-                                                                             : Found::damaged;
+    return sum;
 }
 
-bool RingReader::mayFinish() const noexcept {
-    auto const next = file_->header().next.load(std::memory_order_relaxed);
-    return next - position_ <= recordCount_ / 2 && hasWriter();
-}
-
-// Whether the writers have taken the place of the record to look at for another one.
-bool RingReader::isOvertaken(std::uint64_t next) const noexcept {
-    return next > position_ + recordCount_ && next <= positionLimit;
-}
-
-// Goes on an eighth of the ring behind the oldest record, where the writers will not be for a
-// while.
-void RingReader::skipOverwritten() noexcept {
-    auto const before = position_;
-    auto const next = file_->header().next.load(std::memory_order_relaxed);
-    position_ = isOvertaken(next) ? next - recordCount_ + recordCount_ / 8 : position_ + 1;
-    lost_ += position_ - before;
-}
-
-std::optional<RingMessage> RingReader::decode(Raw const& raw) {
-    auto const statement =
-        raw.format() < formatCount_ ? statementOf(file_->formats()[raw.format()]) : std::nullopt;
+std::optional<RingMessage> RingReader::decode(RingWords const& words) {
+    auto const statement = words.format() < formatCount_
+                               ? statementOf(file_->formats()[words.format()])
+                               : std::nullopt;
     if (!statement) {
-        ++damaged_;
+        ++undecoded_;
         return std::nullopt;
     }
     if (!levels_.has(statement->level) || (handle_ && *handle_ != statement->handle)) {
         return std::nullopt;
     }
-    auto text = textOf(statement->format, raw.slots(), {raw.payload.data(), raw.used()});
+    auto text = textOf(statement->format, words.slots(), {words.payload.data(), words.used()});
     if (!text) {
-        ++damaged_;
+        ++undecoded_;
         return std::nullopt;
     }
-    auto const lost = lost_ - std::exchange(lostReported_, lost_);
-    return RingMessage{timeOf(raw.ticks), std::string(statement->handle), statement->level,
-                       std::move(*text), lost};
+    auto const lostInAll = lost();
+    auto const lostNow = lostInAll - std::exchange(lostReported_, lostInAll);
+    return RingMessage{timeOf(words.ticks), std::string(statement->handle), statement->level,
+                       std::move(*text), lostNow};
 }
 
 // Any rate and any number of ticks give some time; a damaged one is a wrong time, no more.

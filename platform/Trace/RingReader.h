@@ -3,8 +3,11 @@
 //     Trace::RingReader reader(path);
 //     while (auto message = reader.next(Trace::RingReader::Unfinished::passOver)) { ... }
 //
-// prints what is there. To follow, the caller waits, calls poll(), and asks next() again with
-// Unfinished::wait.
+// prints what is there: the messages of all threads, in the order of their times. To follow, the
+// caller waits, calls poll(), and asks next() again with Unfinished::wait. A message that its thread
+// finished only after a poll comes after it, even if its time is an earlier one.
+//
+// Files of both versions are read (RingFile.h).
 //
 // The reader changes nothing in the file and never disturbs its writer. It takes any bytes for a
 // ring without harm: what makes no sense is an error when the file is opened, and is counted as
@@ -17,12 +20,16 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <vector>
 
 #include "Trace/Levels.h"
 #include "Trace/RingFile.h"
 #include "VynExport.h"
 
 namespace Trace {
+
+class RingLane;
+struct RingWords;
 
 struct RingMessage {
     std::int64_t nanoseconds;  // since 1970
@@ -34,8 +41,9 @@ struct RingMessage {
 
 class VYN_EXPORT RingReader {
   public:
-    // What next() does at a record that a writer took and has not finished. `wait` stops there,
-    // unless no writer lives, or it went on for half a ring; `passOver` counts it as lost.
+    // What next() does at a record of the shared ring that a writer took and has not finished. `wait`
+    // stops there, unless no writer lives, or it went on for half that ring; other rings are read on.
+    // `passOver` counts it as lost.
     enum class Unfinished { wait, passOver };
 
     // Opens the file, ready to read from its oldest record to the newest at this moment.
@@ -50,7 +58,8 @@ class VYN_EXPORT RingReader {
     void handleIs(std::optional<std::string> handle) { handle_ = std::move(handle); }
     void levelsIs(LevelSet levels) noexcept { levels_ = levels; }
 
-    // The next message in the order of the ring, or nothing at the newest that is known.
+    // The next message in the order of time, or nothing at the newest that is known. The messages of
+    // one thread come in the order of its statements.
     // Errors: std::bad_alloc.
     std::optional<RingMessage> next(Unfinished unfinished);
 
@@ -59,10 +68,10 @@ class VYN_EXPORT RingReader {
     bool poll();
 
     // Records that were overwritten before they were read, or never finished.
-    std::uint64_t lost() const noexcept { return lost_; }
+    std::uint64_t lost() const noexcept;
 
     // Records, among those looked at, whose content makes no sense.
-    std::uint64_t damaged() const noexcept { return damaged_; }
+    std::uint64_t damaged() const noexcept;
 
     // Whether a living process writes the ring.
     bool hasWriter() const noexcept;
@@ -71,28 +80,22 @@ class VYN_EXPORT RingReader {
     bool isReplaced() const;
 
   private:
-    struct Raw;
-    enum class Found { record, unfinished, overwritten, damaged };
+    struct Lane;
 
-    Found load(Raw& raw) const noexcept;
-    bool mayFinish() const noexcept;
-    bool isOvertaken(std::uint64_t next) const noexcept;
-    void skipOverwritten() noexcept;
-    std::optional<RingMessage> decode(Raw const& raw);
+    static std::vector<std::unique_ptr<Lane>> lanesOf(RingFile::Mapping const& file,
+                                                      std::string const& path);
+    Lane* earliest(Unfinished unfinished);
+    std::optional<RingMessage> decode(RingWords const& words);
     std::int64_t timeOf(std::uint64_t ticks) const noexcept;
 
     std::string const path_;
     std::unique_ptr<RingFile::Mapping> const file_;
-    std::uint64_t const recordCount_;
+    std::vector<std::unique_ptr<Lane>> const lanes_;
     std::uint64_t const formatCount_;
-    RingFile::Record const* const records_;
-    std::uint64_t known_;     // the position behind the newest known record
-    std::uint64_t position_;  // of the record to look at next
     std::optional<std::string> handle_;
     LevelSet levels_ = LevelSet::all();
-    std::uint64_t lost_ = 0;
     std::uint64_t lostReported_ = 0;
-    std::uint64_t damaged_ = 0;
+    std::uint64_t undecoded_ = 0;  // records whose words make no statement
 };
 
 }  // namespace Trace

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <bit>
 #include <cerrno>
+#include <cstddef>
 #include <cstring>
 #include <utility>
 
@@ -42,7 +43,7 @@ bool isRing(int descriptor) {
     std::array<char, magic.size()> begin{};
     return ::pread(descriptor, begin.data(), begin.size(), 0) ==
                static_cast<ssize_t>(begin.size()) &&
-           begin == magic;
+           (begin == magic || begin == magicOfVersion1);
 }
 
 bool isSameFile(int one, int other) {
@@ -78,16 +79,18 @@ void allocateBlocks(int descriptor, std::string const& path, std::size_t size) {
 }
 
 std::unique_ptr<Mapping> makeFile(Descriptor& made, std::string const& path, std::size_t records) {
-    auto const count = std::bit_ceil(std::max(records, std::size_t{64}));
-    auto const size = sizeOf(count, formatCount);
+    auto const lines = std::bit_ceil(std::max(records, std::size_t{64}));
+    auto const size = sizeOf(lines / mostLines, formatCount, ownRings, lines);
     allocateBlocks(made.number(), path, size);
     writerLockIs(made.number());
     auto mapping = std::make_unique<Mapping>(made.release(), path, size, Mapping::Access::write);
     auto& header = mapping->header();
     header.magic = magic;
-    header.recordCount = count;
+    header.recordCount = lines / mostLines;
     header.formatCount = formatCount;
-    header.next.store(count, std::memory_order_release);
+    header.ownCount = ownRings;
+    header.lineCount = lines;
+    header.next.store(header.recordCount, std::memory_order_release);
     return mapping;
 }
 
@@ -119,10 +122,24 @@ RingWriter::RingWriter(std::unique_ptr<Mapping> mapping)
       next_(mapping_->header().next),
       records_(mapping_->records()),
       mask_(mapping_->header().recordCount - 1),
-      byCounter_(RingClock::hasCounter()) {
+      ownMask_(mapping_->header().lineCount - 1),
+      byCounter_(RingClock::hasCounter()),
+      seats_(*mapping_) {
     addFormat(overflowFormat, "Trace", 0, "a statement beyond the table of formats:");
     formatsUsed_ = overflowFormat + 1;
     startClock();
+    startOwnRings();
+}
+
+// Numbers begin where nobody who makes up a value's text can foretell, so that no text looks like a
+// record to a reader that has lost its place among the lines.
+void RingWriter::startOwnRings() noexcept {
+    constexpr Word mostTicks = positionLimit - 1;
+    auto const first = (begin_.ticks & mostTicks) | 1;
+    for (auto& head : std::span(mapping_->header().own).first(ownRings)) {
+        head.first.store(first, std::memory_order_relaxed);
+        head.next.store(first, std::memory_order_release);
+    }
 }
 
 // The first rate is measured over the 20 us that this takes.
@@ -180,28 +197,107 @@ void RingWriter::refineClock() noexcept {
     refineAt_.store(moment.ticks + step, std::memory_order_relaxed);
 }
 
-void RingWriter::write(Handle const& handle, unsigned level, char const* format,
-                       std::span<Value const> values) {
-    constexpr Word recordsAhead = 4;
-    auto const ticks = now();
-    auto number = numbers_.find(handle, level, format);
-    if (number == 0) [[unlikely]] {
-        number = registered(handle, level, format);
+inline unsigned RingWriter::numberOf(Handle const& handle, unsigned level, char const* format) {
+    auto const number = numbers_.find(handle, level, format);
+    return number != 0 ? number : registered(handle, level, format);
+}
+
+namespace {
+
+// The payload goes right into the file.
+struct InFile {
+    void put(RingProgress& progress, Word word) const noexcept {
+        record->payload[progress.used].store(word, std::memory_order_relaxed);
+        progress.check.add(progress.used++, word);
     }
-    RingRecord const content(values);
-    auto const position = next_.fetch_add(1, std::memory_order_relaxed);
-    __builtin_prefetch(&records_[(position + recordsAhead) & mask_], 1);
-    auto& record = records_[position & mask_];
-    auto const shape = content.shape() | number;
-    Check check(position, ticks, shape);
+    Record* record;
+};
+
+// The payload stays in this thread until it has a place.
+struct InThread {
+    void put(RingProgress& progress, Word word) const noexcept { payload[progress.used++] = word; }
+    Word* payload;
+};
+
+// Stores what stands before the payload; `check` is that of all but the shape.
+void finish(Record& record, Word state, Word ticks, Word shape, Check check) noexcept {
+    check.addShape(shape);
     record.ticks.store(ticks, std::memory_order_relaxed);
     record.shape.store(shape, std::memory_order_relaxed);
-    for (std::size_t at = 0; auto const word : content.payload()) {
-        record.payload[at].store(word, std::memory_order_relaxed);
-        check.add(at++, word);
-    }
     record.check.store(check.sum(), std::memory_order_relaxed);
-    record.state.store(position, std::memory_order_release);
+    record.state.store(state, std::memory_order_release);
+}
+
+// While it lives, statements of this thread go to the shared ring: those of a value's writer, and of
+// a signal's handler.
+class InStatement {
+  public:
+    explicit InStatement(RingSeat& seat) noexcept : seat_(seat) {
+        seat_.isInStatement = true;
+        std::atomic_signal_fence(std::memory_order_seq_cst);
+    }
+    ~InStatement() {
+        std::atomic_signal_fence(std::memory_order_seq_cst);
+        seat_.isInStatement = false;
+    }
+    InStatement(InStatement const&) = delete;
+    InStatement& operator=(InStatement const&) = delete;
+
+  private:
+    RingSeat& seat_;
+};
+
+}  // namespace
+
+inline void RingWriter::writeOwn(RingSeat& seat, Handle const& handle, unsigned level,
+                                 char const* format, std::span<Value const> values) {
+    InStatement const inside(seat);
+    auto const ticks = now();
+    auto const number = numberOf(handle, level, format);
+    auto& head = *seat.head;
+    auto const state = head.next.load(std::memory_order_relaxed);
+    auto const line = head.end.load(std::memory_order_relaxed);
+    auto& record = *reinterpret_cast<Record*>(seat.lines + (line & ownMask_) * lineSize);
+    RingEncoder encoder(InFile{&record}, Check(state, ticks));
+    auto const shape = encoder.encode(values) | number;
+    auto const [check, used] = encoder.progress();
+    finish(record, state, ticks, shape, check);
+    head.end.store(line + linesOf(used), std::memory_order_relaxed);
+    head.next.store(state + 1, std::memory_order_release);
+}
+
+void RingWriter::write(Handle const& handle, unsigned level, char const* format,
+                       std::span<Value const> values) {
+    auto& seat = RingSeat::ofThread;
+    if (seat.seats == &seats_ && !seat.isInStatement) [[likely]] {
+        return writeOwn(seat, handle, level, format, values);
+    }
+    writeWithoutSeat(handle, level, format, values);
+}
+
+void RingWriter::writeWithoutSeat(Handle const& handle, unsigned level, char const* format,
+                                  std::span<Value const> values) {
+    if (!RingSeat::ofThread.isInStatement && seats_.take()) {
+        return write(handle, level, format, values);
+    }
+    writeShared(handle, level, format, values);
+}
+
+// Encodes first and takes a place then: a statement that takes one leaves a whole record there.
+void RingWriter::writeShared(Handle const& handle, unsigned level, char const* format,
+                             std::span<Value const> values) {
+    auto const ticks = now();
+    auto const number = numberOf(handle, level, format);
+    std::array<Word, payloadWords> payload;
+    RingEncoder encoder(InThread{payload.data()}, Check(0, 0));
+    auto const shape = encoder.encode(values) | number;
+    auto const position = next_.fetch_add(1, std::memory_order_relaxed);
+    auto& record = records_[position & mask_];
+    RingProgress progress{Check(position, ticks)};
+    for (auto const word : std::span(payload).first(encoder.progress().used)) {
+        InFile{&record}.put(progress, word);
+    }
+    finish(record, position, ticks, shape, progress.check);
 }
 
 }  // namespace Trace

@@ -1,6 +1,7 @@
 // The writer of one ring file. Internal to Trace.
 //
-// Threads: write() from any thread, without a lock but for the first record of a format.
+// Threads: write() from any thread, without a lock but for the first record of a format. A thread
+// that has an own ring shares nothing that is written with others.
 #pragma once
 
 #include <atomic>
@@ -14,6 +15,7 @@
 #include "Trace/RingClock.h"
 #include "Trace/RingFile.h"
 #include "Trace/RingRecord.h"
+#include "Trace/RingSeat.h"
 
 namespace Trace {
 
@@ -32,15 +34,26 @@ class RingWriter {
     // Gives up the lock of the file. Threads that are still inside write() finish undisturbed.
     void retire() noexcept { mapping_->close(); }
 
+    // In a child process that was forked, whose statements all go to the shared ring.
+    void inherited() noexcept { seats_.inherited(); }
+
   private:
     // Precondition: the mapping's header has its counts, and everything else is zero.
     explicit RingWriter(std::unique_ptr<RingFile::Mapping> mapping);
 
     void startClock() noexcept;
+    void startOwnRings() noexcept;
     void addFormat(std::size_t number, std::string_view handle, unsigned level,
                    std::string_view format) noexcept;
     unsigned registered(Handle const& handle, unsigned level, char const* format);
+    unsigned numberOf(Handle const& handle, unsigned level, char const* format);
     std::uint64_t now() noexcept;
+    [[gnu::always_inline]] void writeOwn(RingSeat& seat, Handle const& handle, unsigned level,
+                                         char const* format, std::span<Value const> values);
+    void writeShared(Handle const& handle, unsigned level, char const* format,
+                     std::span<Value const> values);
+    [[gnu::noinline]] void writeWithoutSeat(Handle const& handle, unsigned level,
+                                            char const* format, std::span<Value const> values);
     void refineClock() noexcept;
 
     // What every record needs, and what is only read, lies together.
@@ -48,11 +61,13 @@ class RingWriter {
     RingFile::AtomicWord& next_;
     RingFile::Record* const records_;
     RingFile::Word const mask_;
+    RingFile::Word const ownMask_;
     bool const byCounter_;
     std::atomic<std::uint64_t> refineAt_ = 0;
-
-    RingClock::Moment begin_{};
     FormatNumbers numbers_;
+
+    RingSeats seats_;
+    RingClock::Moment begin_{};
     std::mutex mutex_;  // guards what follows
     std::size_t formatsUsed_ = 0;
 };

@@ -1,5 +1,7 @@
 #include "Trace/Ringlog.h"
 
+#include <pthread.h>
+
 #include <atomic>
 #include <cerrno>
 #include <cstdio>
@@ -18,10 +20,19 @@ namespace {
 std::atomic<RingWriter*> currentRing = nullptr;
 std::atomic<bool> isDecided = false;  // a call, or the environment, was obeyed
 
+// In a child process that was forked: it may go on with its parent's ring.
+void ringIsInherited() noexcept {
+    if (auto* const ring = currentRing.load(std::memory_order_acquire)) {
+        ring->inherited();
+    }
+}
+
 // The rings of the process. Those that were replaced stay mapped: a thread may be inside one.
 struct Rings {
     std::mutex mutex;
     std::vector<std::unique_ptr<RingWriter>> all;
+
+    Rings() { (void)::pthread_atfork(nullptr, nullptr, &ringIsInherited); }
 
     static Rings& instance() {
         static Rings* const rings = std::make_unique<Rings>().release();

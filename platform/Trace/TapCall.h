@@ -9,8 +9,9 @@ namespace Trace {
 
 class TapCall {
   public:
+    static bool isThereATap() noexcept { return Tap::chain_.first() != nullptr; }
     // Whether there is a tap for a statement of this thread: not for one that a tap makes.
-    static bool anybodyListens() noexcept { return Tap::chain_.first() != nullptr && !underWay; }
+    static bool anybodyListens() noexcept { return isThereATap() && !underWay; }
     // Tells every tap, the newest first; nobody if nobody listens.
     static void tell(std::string_view handle, unsigned level, std::string_view text);
 

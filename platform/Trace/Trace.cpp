@@ -26,6 +26,9 @@ class ErrnoKept {
 [[gnu::noinline]] void emitText(Handle const& handle, unsigned level, char const* format,
                                 std::span<Value const> values) {
     bool const asText = handle.textLevels().has(level);
+    if (!asText && !TapCall::anybodyListens()) {
+        return writeRing(handle, level, format, values);
+    }
     ErrnoKept const kept;
     std::string text;
     appendFormatted(text, format, values);
@@ -39,7 +42,7 @@ class ErrnoKept {
 }  // namespace
 
 void emit(Handle const& handle, unsigned level, char const* format, std::span<Value const> values) {
-    if (TapCall::anybodyListens() || handle.textLevels().has(level)) [[unlikely]] {
+    if (TapCall::isThereATap() || handle.textLevels().has(level)) [[unlikely]] {
         return emitText(handle, level, format, values);
     }
     writeRing(handle, level, format, values);

@@ -6,14 +6,46 @@
 #include <gtest/gtest.h>
 #include <unistd.h>
 
+#include <array>
 #include <filesystem>
+#include <latch>
 #include <string>
+#include <thread>
 #include <vector>
 
 #include "ScratchPath.h"
 #include "Trace/RingReader.h"
 #include "Trace/Ringlog.h"
 #include "Trace/Trace.h"
+
+// Threads that have all own rings while this lives, so that everybody else's statements go to the
+// shared one. Their own statements are of the handle "Crowd".
+class Crowd {
+  public:
+    Crowd() {
+        for (auto& thread : threads_) {
+            thread = std::thread([this] {
+                Trace::twinlog(Trace::handle("Crowd"), 7, "here");
+                arrived_.count_down();
+                leave_.wait();
+            });
+        }
+        arrived_.wait();
+    }
+    ~Crowd() {
+        leave_.count_down();
+        for (auto& thread : threads_) {
+            thread.join();
+        }
+    }
+    Crowd(Crowd const&) = delete;
+    Crowd& operator=(Crowd const&) = delete;
+
+  private:
+    std::latch arrived_{Trace::RingFile::ownRings};
+    std::latch leave_{1};
+    std::array<std::thread, Trace::RingFile::ownRings> threads_;
+};
 
 class RingFixture : public ::testing::Test {
   protected:
@@ -61,12 +93,36 @@ class RingFixture : public ::testing::Test {
         ::close(file);
     }
 
-    static std::size_t recordAt(std::size_t slot) {
-        using namespace Trace::RingFile;
-        return sizeof(Header) + formatCount * sizeof(FormatEntry) + slot * sizeof(Record);
+    template <class T>
+    T found(std::size_t at) const {
+        T bytes{};
+        int const file = ::open(path_.c_str(), O_RDONLY | O_CLOEXEC);
+        EXPECT_EQ(static_cast<ssize_t>(sizeof bytes),
+                  ::pread(file, &bytes, sizeof bytes, static_cast<off_t>(at)));
+        ::close(file);
+        return bytes;
     }
 
+    // Where a record begins in the smallest ring: in the own ring of the thread that came first, and
+    // in the shared one.
+    static std::size_t recordAt(std::size_t line) {
+        using namespace Trace::RingFile;
+        return sizeOfShared(smallestShared, formatCount) + line * lineSize;
+    }
+    static std::size_t sharedRecordAt(std::size_t slot) {
+        using namespace Trace::RingFile;
+        return sizeOfShared(slot, formatCount);
+    }
+
+    // How many records went to the smallest ring's shared part.
+    std::uint64_t sharedCount() const {
+        using namespace Trace::RingFile;
+        return found<Word>(offsetof(Header, next)) - smallestShared;
+    }
+
+    // The smallest ring: lines of each own one, records of the shared one.
     static constexpr std::size_t smallest = 64;
+    static constexpr std::size_t smallestShared = smallest / Trace::RingFile::mostLines;
 
   private:
     ScratchPath const scratch_{"rings"};

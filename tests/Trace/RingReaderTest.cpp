@@ -30,8 +30,13 @@ class RingReaderTest : public RingFixture {
         }
     }
 
-    // Turns a record into one that its writer has not finished.
-    void unfinish(std::size_t slot) { patch(recordAt(slot), Word{0}); }
+    // Turns a record of the shared ring into one that its writer has not finished.
+    void unfinish(std::size_t slot) { patch(sharedRecordAt(slot), Word{0}); }
+
+    // A reader of what this thread wrote.
+    struct Mine : RingReader {
+        explicit Mine(std::string const& path) : RingReader(path) { handleIs("VynPtSm"); }
+    };
 };
 
 TEST_F(RingReaderTest, GivesTheMessagesInTheirOrder) {
@@ -50,18 +55,16 @@ TEST_F(RingReaderTest, GivesTheTimeByTheCalibrationInTheHeader) {
     patch(offsetof(Header, tickBase), Word{4000});
     patch(offsetof(Header, wallBase), std::int64_t{1'000'000'000});
     patch(offsetof(Header, nanosecondsPerTick), std::bit_cast<Word>(0.5));
-    patch(recordAt(0) + offsetof(Record, ticks), ticks);
-    int const file = ::open(path_.c_str(), O_RDONLY | O_CLOEXEC);
-    std::array<Word, 2> shapeAndValue{};
-    ::pread(file, shapeAndValue.data(), sizeof shapeAndValue,
-            static_cast<off_t>(recordAt(0) + offsetof(Record, shape)));
-    ::close(file);
-    Check check(smallest, ticks, shapeAndValue[0]);
-    check.add(0, shapeAndValue[1]);
-    patch(recordAt(0) + offsetof(Record, check), check.sum());
-    auto const found = messages();
-    ASSERT_EQ(1u, found.size());
-    EXPECT_EQ(1'000'000'500, found[0].nanoseconds);
+    auto words = found<std::array<Word, 5>>(recordAt(0));
+    Check check(words[0], ticks);
+    check.addShape(words[3]);
+    check.add(0, words[4]);
+    words[1] = check.sum();
+    words[2] = ticks;
+    patch(recordAt(0), words);
+    auto const all = messages();
+    ASSERT_EQ(1u, all.size());
+    EXPECT_EQ(1'000'000'500, all[0].nanoseconds);
 }
 
 TEST_F(RingReaderTest, GivesTimesInTheOrderOfStatements) {
@@ -148,23 +151,38 @@ TEST_F(RingReaderTest, CountsRecordsThatWereOverwrittenWhileItStoodStill) {
 
 TEST_F(RingReaderTest, WaitsForARecordThatALivingWriterHasNotFinished) {
     ringIs(path_, smallest);
+    Crowd const crowd;
     write(0, 3);
     unfinish(1);
-    RingReader reader(path_);
+    Mine reader(path_);
     EXPECT_TRUE(reader.hasWriter());
     EXPECT_EQ("0", reader.next(wait)->text);
     EXPECT_FALSE(reader.next(wait));
-    patch(recordAt(1), Word{smallest + 1});
+    patch(sharedRecordAt(1), Word{smallestShared + 1});
     EXPECT_EQ("1", reader.next(wait)->text);
     EXPECT_EQ("2", reader.next(wait)->text);
     EXPECT_EQ(0u, reader.lost());
 }
 
+TEST_F(RingReaderTest, ReadsOtherRingsOnWhileARecordOfTheSharedOneIsUnfinished) {
+    ringIs(path_, smallest);
+    {
+        Crowd const crowd;
+        write(0, 1);
+        unfinish(0);
+    }
+    write(1, 2);
+    Mine reader(path_);
+    EXPECT_EQ("1", reader.next(wait)->text);
+    EXPECT_EQ(0u, reader.lost());
+}
+
 TEST_F(RingReaderTest, PassesOverAnUnfinishedRecordWhenItIsTold) {
     ringIs(path_, smallest);
+    Crowd const crowd;
     write(0, 3);
     unfinish(1);
-    RingReader reader(path_);
+    Mine reader(path_);
     EXPECT_EQ("0", reader.next(passOver)->text);
     auto const message = reader.next(passOver);
     EXPECT_EQ("2", message->text);
@@ -172,9 +190,14 @@ TEST_F(RingReaderTest, PassesOverAnUnfinishedRecordWhenItIsTold) {
 }
 
 TEST_F(RingReaderTest, PassesOverWhatADeadWriterDidNotFinish) {
-    makeRing(3);
+    ringIs(path_, smallest);
+    {
+        Crowd const crowd;
+        write(0, 3);
+    }
+    ringDel();
     unfinish(1);
-    RingReader reader(path_);
+    Mine reader(path_);
     EXPECT_FALSE(reader.hasWriter());
     EXPECT_EQ("0", reader.next(wait)->text);
     EXPECT_EQ("2", reader.next(wait)->text);
@@ -183,14 +206,51 @@ TEST_F(RingReaderTest, PassesOverWhatADeadWriterDidNotFinish) {
 
 TEST_F(RingReaderTest, PassesOverWhatAWriterLeftHalfARingBehind) {
     ringIs(path_, smallest);
+    Crowd const crowd;
     write(0, 3);
     unfinish(1);
-    RingReader reader(path_);
+    Mine reader(path_);
     EXPECT_EQ("0", reader.next(wait)->text);
-    write(3, smallest / 2 + 1);
+    write(3, smallestShared / 2 + 1);
     EXPECT_FALSE(reader.next(wait)) << "half a ring is not yet more than half";
-    write(smallest / 2 + 1, smallest / 2 + 2);
+    write(smallestShared / 2 + 1, smallestShared / 2 + 2);
     EXPECT_EQ("2", reader.next(wait)->text);
+}
+
+// The writer stores the line behind a record before it stores the next number.
+TEST_F(RingReaderTest, MissesNoRecordThatWasBeingFinishedWhenItCame) {
+    makeRing(1);
+    auto const next = offsetof(Header, own) + offsetof(OwnHead, next);
+    auto const finished = found<Word>(next);
+    patch(next, Word{finished - 1});
+    RingReader reader(path_);
+    EXPECT_FALSE(reader.next(wait));
+    patch(next, finished);
+    EXPECT_TRUE(reader.poll());
+    EXPECT_EQ("0", reader.next(wait)->text);
+    EXPECT_EQ(0u, reader.lost());
+}
+
+TEST_F(RingReaderTest, CountsSharedRecordsThatWereOverwrittenBeforeItCame) {
+    ringIs(path_, smallest);
+    Crowd const crowd;
+    write(0, smallestShared + 5);
+    Mine reader(path_);
+    EXPECT_EQ(5u, reader.lost());
+    EXPECT_EQ("5", reader.next(passOver)->text);
+}
+
+TEST_F(RingReaderTest, CountsSharedRecordsThatWereOverwrittenWhileItStoodStill) {
+    ringIs(path_, smallest);
+    Crowd const crowd;
+    write(0, 2);
+    Mine reader(path_);
+    EXPECT_EQ("0", reader.next(wait)->text);
+    write(2, 2 + smallestShared);
+    ASSERT_TRUE(reader.poll());
+    // It goes on an eighth of the ring behind the oldest record, which is "2".
+    EXPECT_EQ("4", reader.next(wait)->text);
+    EXPECT_EQ(3u, reader.lost());
 }
 
 TEST_F(RingReaderTest, NoticesThatTheRingWasReplaced) {
@@ -218,13 +278,13 @@ TEST_F(RingReaderTest, RefusesAnEmptyFile) {
 
 TEST_F(RingReaderTest, RefusesAFileOfAnotherKind) {
     std::ofstream(path_) << std::string(100'000, 'x');
-    EXPECT_EQ("no trace ring: byte 0: expected the letters VYNRING1", refusal());
+    EXPECT_EQ("no trace ring: byte 0: expected the letters VYNRING1 or VYNRING2", refusal());
 }
 
 TEST_F(RingReaderTest, RefusesAFileThatIsCutOff) {
     makeRing(3);
     std::filesystem::resize_file(path_, 200'000);
-    EXPECT_EQ("cut off: expected 282624 bytes, found 200000", refusal());
+    EXPECT_EQ("cut off: expected 283392 bytes, found 200000", refusal());
 }
 
 TEST_F(RingReaderTest, RefusesANumberOfRecordsThatIsNoPowerOfTwo) {
@@ -249,8 +309,27 @@ TEST_F(RingReaderTest, RefusesANumberOfFormatsOutOfRange) {
 
 TEST_F(RingReaderTest, RefusesAPositionBeforeTheFirst) {
     makeRing(3);
-    patch(offsetof(Header, next), Word{63});
-    EXPECT_EQ("damaged: byte 64: expected a position behind the first, found 63", refusal());
+    patch(offsetof(Header, next), Word{15});
+    EXPECT_EQ("damaged: byte 64: expected a position behind the first, found 15", refusal());
+}
+
+TEST_F(RingReaderTest, RefusesMoreRingsOfThreadsThanThereCanBe) {
+    makeRing(3);
+    patch(offsetof(Header, ownCount), Word{32});
+    EXPECT_EQ("damaged: byte 48: expected at most 31 rings of threads, found 32", refusal());
+}
+
+TEST_F(RingReaderTest, RefusesANumberOfLinesThatIsNoPowerOfTwo) {
+    makeRing(3);
+    patch(offsetof(Header, lineCount), Word{65});
+    EXPECT_EQ("damaged: byte 56: expected a power of two as number of lines, found 65", refusal());
+}
+
+TEST_F(RingReaderTest, RefusesANumberBeforeAnOwnRingsFirst) {
+    makeRing(3);
+    patch(offsetof(Header, own) + sizeof(OwnHead) + offsetof(OwnHead, first), Word{7});
+    patch(offsetof(Header, own) + sizeof(OwnHead) + offsetof(OwnHead, next), Word{6});
+    EXPECT_EQ("damaged: byte 256: expected a number from 7 on, found 6", refusal());
 }
 
 TEST_F(RingReaderTest, ReportsAFileThatShrankWhileItWasRead) {
@@ -296,22 +375,25 @@ TEST_F(RingReaderTest, TakesArbitraryBytesBehindAnIntactHeaderWithoutHarm) {
 TEST_F(RingReaderTest, TakesValuesThatMakeNoSenseWithoutHarm) {
     std::mt19937_64 random(11);
     makeRing(smallest);
+    auto const first = found<Word>(recordAt(0));
     for (int round = 0; round < 2000; ++round) {
-        auto const slot = random() % smallest;
+        auto const line = random() % smallest;
         std::array<Word, 4 + payloadWords> words{};
         std::generate(words.begin(), words.end(), random);
-        words[0] = smallest + slot;
+        words[0] = first + line;
         words[3] = (words[3] & ~((Word{1} << formatBits) - 1)) | 1;
-        Check check(words[0], words[2], words[3]);
+        Check check(words[0], words[2]);
+        check.addShape(words[3]);
         auto const used = std::min(words[3] >> formatBits & 31, Word{payloadWords});
         for (std::size_t at = 0; at < used; ++at) {
             check.add(at, words[4 + at]);
         }
         words[1] = check.sum();
-        patch(recordAt(slot), words);
+        patch(recordAt(line), words);
     }
     RingReader reader(path_);
-    EXPECT_EQ(smallest, rest(reader).size() + reader.damaged());
+    auto const messages = rest(reader).size();
+    EXPECT_EQ(smallest, messages + reader.damaged() + reader.lost());
 }
 
 TEST_F(RingReaderTest, TakesAnyCalibrationWithoutHarm) {

@@ -14,6 +14,8 @@ class RingThreads : public RingFixture {
   protected:
     static constexpr std::uint64_t each = 40'000;
 
+    void readWhileTwoThreadsGoRoundTheirRings() const;
+
     // A statement whose values follow from each other, so that a mixture would show.
     void write(std::string_view name, std::uint64_t number) const {
         twinlog(handle_, 7, "%s %s %s %s", name, number, letters(number), number * 7919);
@@ -78,9 +80,9 @@ class Writers {
     std::thread two_;
 };
 
-TEST_F(RingThreads, LeaveNoTornRecordToAReaderThatIsOvertakenAgainAndAgain) {
-    ringIs(path_, smallest);
+void RingThreads::readWhileTwoThreadsGoRoundTheirRings() const {
     RingReader reader(path_);
+    reader.handleIs(handle_.name());
     Writers writers([this](char const* name, std::uint64_t number) { write(name, number); });
     std::uint64_t seen = 0;
     auto const readWhatIsThere = [&](RingReader::Unfinished unfinished) {
@@ -99,6 +101,18 @@ TEST_F(RingThreads, LeaveNoTornRecordToAReaderThatIsOvertakenAgainAndAgain) {
     auto const written = writers.stop();
     readWhatIsThere(RingReader::Unfinished::passOver);
     EXPECT_EQ(written, seen + reader.lost() + reader.damaged());
+}
+
+TEST_F(RingThreads, LeaveNoTornRecordToAReaderThatIsOvertakenAgainAndAgain) {
+    ringIs(path_, smallest);
+    readWhileTwoThreadsGoRoundTheirRings();
+}
+
+TEST_F(RingThreads, LeaveNoTornRecordInTheSharedRingEither) {
+    ringIs(path_, smallest);
+    Crowd const crowd;
+    readWhileTwoThreadsGoRoundTheirRings();
+    EXPECT_LT(1000u, sharedCount());
 }
 
 TEST_F(RingThreads, LoseNothingInARingThatIsLargeEnough) {

@@ -120,6 +120,11 @@ TEST_F(Ringlog, KeepsTheNewestRecordsWhenItWraps) {
     EXPECT_EQ(std::to_string(3 * smallest + 4), found.back());
 }
 
+std::size_t sizeWith(std::size_t lines) {
+    using namespace RingFile;
+    return sizeOf(lines / mostLines, formatCount, ownRings, lines);
+}
+
 TEST_F(Ringlog, HasAFixedSize) {
     ringIs(path_, smallest);
     auto const before = std::filesystem::file_size(path_);
@@ -127,14 +132,14 @@ TEST_F(Ringlog, HasAFixedSize) {
         twinlog(handle_, 7, "%s", number);
     }
     EXPECT_EQ(before, std::filesystem::file_size(path_));
-    EXPECT_EQ(RingFile::sizeOf(smallest, RingFile::formatCount), before);
+    EXPECT_EQ(sizeWith(smallest), before);
 }
 
 TEST_F(Ringlog, RoundsItsNumberOfRecordsUp) {
     ringIs(path_, 65);
-    EXPECT_EQ(RingFile::sizeOf(128, RingFile::formatCount), std::filesystem::file_size(path_));
+    EXPECT_EQ(sizeWith(128), std::filesystem::file_size(path_));
     ringIs(path_, 1);
-    EXPECT_EQ(RingFile::sizeOf(64, RingFile::formatCount), std::filesystem::file_size(path_));
+    EXPECT_EQ(sizeWith(64), std::filesystem::file_size(path_));
 }
 
 TEST_F(Ringlog, StartsFreshInAnExistingRing) {
