@@ -1,13 +1,13 @@
 // A literal model of the tracer: it says what an event leads to.
 //
 // It walks the steps of each operation one by one over lists and plain values, and knows nothing of
-// the plug-in's code, indexes, publishers or reference counts. For an event it predicts, in order:
+// the plug-in's code, indexes, publishers or reference counts. For an event it foretells, in order:
 // every trace statement, every published change of jobs, answers and results, and every call of the
 // chip; for the time after it, the content of every collection, the engine's state, the bytes in
 // the digest socket and the number of live nodes. Where the process must end it throws Fatal.
 //
 // Of the chip it knows only the wire. It decodes the digests from the same stream of bytes as the
-// engine, so it predicts a stream that is out of step, too.
+// engine, so it foretells the effects of a stream that is out of step, too.
 //
 // A client that is taken from the directories keeps its two objects in hand; the model keeps them
 // likewise, so a reactor that still reacted to them would be noticed.

@@ -154,7 +154,7 @@ bool Run::fail(Breach const& breach) {
 // ---- The end of the process
 
 // The event is not over, and never will be: what was seen of it must be the beginning of what the
-// model predicts, and the model must end in the same way. The model is given only what the tracer
+// model foretells, and the model must end in the same way. The model is given only what the tracer
 // got as far as asking for.
 void Run::ended(std::string_view type, std::string_view text) {
     writeDown(*event_);

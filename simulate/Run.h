@@ -1,4 +1,4 @@
-// One program, carried out on the real system and predicted by the model, with every invariant
+// One program, carried out on the real system and foretold by the model, with every invariant
 // checked after every step.
 //
 // After the program comes the closing: the faults end, late requests are withdrawn, every job must

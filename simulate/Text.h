@@ -1,4 +1,4 @@
-// The lines in which the model and the recorder write down what they see. They share the wording
+// The lines in which the model and the logbook write down what happens. They share the wording
 // only: each decides for itself what happened.
 #pragma once
 

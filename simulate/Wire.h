@@ -1,5 +1,5 @@
 // What the chip and the system tell the tracer during one step, in order: the model's only
-// knowledge of them. The recorder fills it while the step runs, the model empties it afterwards.
+// knowledge of them. The logbook fills it while the step runs, the model empties it afterwards.
 #pragma once
 
 #include <cstdint>
