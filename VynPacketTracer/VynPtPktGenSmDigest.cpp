@@ -130,7 +130,7 @@ void PktGenSm::doCleanup() noexcept try {
         ::close(std::exchange(socketPairWriteDesc_, 0));
     }
 } catch (...) {
-    // Only tracing can fail, and the destructor has nobody to tell.
+    // Only tracing can fail, and the destructor cannot report it to anybody.
     Vanta::endProcessWithCurrentException();
 }
 

@@ -272,7 +272,7 @@ class VYN_EXPORT PacketTracerSm final : public Kel::Object {
     explicit PacketTracerSm(Arguments arguments);
     ~PacketTracerSm() override;
 
-    // What both directories hold under a client's name.
+    // The entities that the two directories have for a client.
     struct Entities;
     // A client whose state machine handleClient() is making.
     class Making;

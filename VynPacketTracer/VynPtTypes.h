@@ -69,7 +69,7 @@ class VYN_EXPORT PktGenCfgData final : public Kel::Object, private PendingLink {
     PacketTracer::RequestId const& req() const noexcept { return req_; }
     // The complete packet to inject.
     Vanta::Bytes const& pkt() const noexcept { return pkt_; }
-    // Where on the chip it is to enter: the pipe, and the port's index in the pipe.
+    // Where on the chip the packet is to enter: the pipe, and the port's index in the pipe.
     VynSystem::PortInfo const& ingPortInfo() const noexcept { return ingPortInfo_; }
     // The request's ingress interface.
     Plexa::IntfId const& ingIntf() const noexcept { return ingIntf_; }

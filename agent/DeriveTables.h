@@ -21,7 +21,8 @@ namespace Agent {
 // The whole tables. Never fails but for want of memory. Thread: any.
 SoftChip::Tables deriveTables(SwitchFile::SwitchModel const& model);
 
-// What the chip's list n + 1 is for people: "edge on Ethernet7", "edge on VLAN 10".
+// At index n the name, for people, of the chip's list n + 1: "edge on Ethernet7", "edge on VLAN
+// 10".
 std::vector<std::string> aclBindingNames(SwitchFile::SwitchModel const& model);
 
 // How the chip names a physical port or LAG, or the parent of a sub-interface.

@@ -32,7 +32,7 @@ struct AgentOptions {
     VynId::VynDevId device = 0;
     p4_pd_sess_hdl_t session = 1;
     bool pktTracerSupported = true;
-    // Where the run is recorded as a scenario, if it is; it outlives the agent.
+    // The file that the run is recorded to as a scenario, or null; it outlives the agent.
     RecordingFile* recording = nullptr;
 };
 

@@ -41,7 +41,7 @@ class RecordedPhase0 final : public VynSdk::Phase0DataIntf {
     void configIs(Plexa::IntfId const& intf) override { chip_->configIs(intf); }
     void configDel(Plexa::IntfId const& intf) override;
 
-    // Nobody is told any more; the tracer goes on being served.
+    // The listener is told no more; the tracer is still served.
     void listenerDel() { listener_ = {}; }
 
   private:

@@ -50,7 +50,7 @@ enum class Outcome : std::uint8_t {
 // "refused", "unknown ingress", ..., in words that no two of them share.
 std::string_view text(Outcome outcome) noexcept;
 
-// What the tracer wrote of the injection.
+// What the tracer's answer says of the injection.
 struct Injection {
     Vanta::Bytes frame;  // as injected
     std::uint16_t pktId = 0;

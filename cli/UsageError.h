@@ -1,4 +1,4 @@
-// What the command refuses.
+// The error of the command's user interface.
 #pragma once
 
 #include <stdexcept>

@@ -167,7 +167,7 @@ int LLVMFuzzerTestOneInput(std::uint8_t const* data, std::size_t size) {
           "a frame is as long as was asked for");
     auto const read = ReadFrame::readFrame(frame.view());
     checkRead(fields, read);
-    // Without IP and ARP nobody knows where a payload ends and padding begins.
+    // Without IP and ARP nothing says where the payload ends and the padding begins.
     if (!payload.empty() && fields.ipDst) {
         check(read.payload == payload, "the payload");
     } else if (!payload.empty()) {

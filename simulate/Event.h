@@ -1,5 +1,5 @@
-// What happens to the tracer in a run: one outside event a step. An event of a scenario, or one
-// that scenarios do not have.
+// The outside events of a run, one a step: an event of a scenario, or one that scenarios do not
+// have.
 //
 // A program is drawn whole before it runs, so that events can be left out of it and the rest can
 // still be run: an event that makes no sense when its turn comes (the withdrawal of a request that

@@ -53,7 +53,7 @@ class Logbook {
     std::optional<Breach> takeBreach() { return std::exchange(breach_, std::nullopt); }
     void breachIs(Breach breach);
 
-    // A collection is new: what is known of its address belonged to another one, which was
+    // Forgets what is known of a new collection's address: it belonged to another one, which was
     // destroyed without a publication.
     void forget(Vanta::Node const* collection) { present_.erase(collection); }
 

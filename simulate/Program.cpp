@@ -406,7 +406,7 @@ class Drawer {
         mood_.reckless ? add(port) : add(Do::PortDel{port.intf});
     }
 
-    // Of nobody, of the CPU alone, of some.
+    // With no members, with the CPU alone, or with some.
     Do::Vlan drawnVlan(Bridging::VlanId id) {
         Do::Vlan vlan{.id = id, .internal = random_.chance(50)};
         unsigned const each = random_.chance(25) ? 0 : 35;

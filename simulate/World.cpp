@@ -45,7 +45,7 @@ Vanta::Ptr<ClientConfig> World::HandPlayer::newConfig(Vanta::String const& clien
     return world_.hands_[client].config = ClientConfig::ClientConfigIs();
 }
 
-// What is known of the new object's address belonged to another one.
+// The logbook may know another object that had the new object's address: forget that one.
 Vanta::Ptr<ClientStatus> World::HandPlayer::newStatus(Vanta::String const& client) {
     auto const fresh = ClientStatus::ClientStatusIs();
     world_.hands_[client].status = fresh;

@@ -1,4 +1,4 @@
-// Addresses in the chip's parser, tables and explanations are those of everybody.
+// The chip's parser, tables and explanations use the addresses of platform/Net.
 #pragma once
 
 #include "Net/IpAddress.h"

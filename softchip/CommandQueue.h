@@ -77,7 +77,7 @@ class CommandQueue {
     std::span<Command> take();
     // The same, once something was pushed or wake() called; nothing when stopped.
     std::optional<std::span<Command>> waitAndTake();
-    // What was taken has been done.
+    // To be called when the commands that were taken have been done.
     void done();
 
   private:
@@ -95,7 +95,7 @@ class CommandQueue {
     bool somethingToDo() const { return pushed_.used > 0 || woken_ || stopped_; }
     std::span<Command> takeLocked();
 
-    // What a push changes, in as few cache lines as possible.
+    // The members that a push changes, in as few cache lines as possible.
     alignas(64) mutable std::mutex mutex_;
     std::uint64_t pushes_ = 0;
     bool woken_ = false;
@@ -103,7 +103,7 @@ class CommandQueue {
     bool sleeping_ = false;
     Row pushed_;
     std::condition_variable toDo_;
-    // What the chip's thread changes whenever it has done something.
+    // The members that the chip's thread changes whenever it has done something.
     alignas(64) Row taken_;    // its own
     std::uint64_t takes_ = 0;  // commands handed out
     std::atomic<std::uint64_t> done_ = 0;

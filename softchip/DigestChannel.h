@@ -65,8 +65,8 @@ class DigestChannel {
     void add(std::uint16_t pktId, Decision const& decision, RegistrationNumber registration);
     // Makes the digests ready that a fault holds back, in the order in which they were held.
     void releaseHeld();
-    // Hands out what is ready, in as few messages as possible. Entries for which nobody is
-    // registered are dropped.
+    // Hands out what is ready, in as few messages as possible. Entries without a registered
+    // receiver are dropped.
     void send();
 
   private:

@@ -19,7 +19,7 @@
 
 namespace SoftChip {
 
-// What a frame meets, where the tables have no type for it.
+// Types for what a frame meets, as far as the tables have none.
 struct FrameItself {  // Explanation::frame()
     friend bool operator==(FrameItself, FrameItself) = default;
 };

@@ -37,7 +37,8 @@ class Phase0Data final : public VynSdk::Phase0DataIntf {
 
     static Vanta::Ptr<Phase0Data> Phase0DataIs(Vanta::Ptr<Orb::TaskSchedulerRoot> scheduler);
 
-    // Where packets of an interface enter the chip. Precondition: port <= maxDevicePort.
+    // Sets the port where packets of an interface enter the chip. Precondition: port <=
+    // maxDevicePort.
     void ingressPortIs(Plexa::IntfId const& intf, DevicePort port);
     // False if the interface was no ingress port.
     bool ingressPortDel(Plexa::IntfId const& intf);

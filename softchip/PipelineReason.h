@@ -27,7 +27,7 @@ enum class Step : std::uint8_t {
 };
 constexpr unsigned stepCount = static_cast<unsigned>(Step::egressPortUp);
 
-// Why a step did what it did.
+// The reason for a step's decision.
 enum class Reason : std::uint8_t {
     // 1 parse
     parsed,

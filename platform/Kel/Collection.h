@@ -24,21 +24,21 @@
 
 namespace Kel {
 
-// A key with its hash: for several look-ups of one key, in one collection or in several of the same
-// kind of key. It refers to the key.
+// A key with its hash, for several look-ups of one key, in one collection or in several with the
+// same type of key. It refers to the key.
 template <class Key, class Hash = std::hash<Key>>
 class HashedKey {
   public:
     explicit HashedKey(Key const& key) : key_(key), hash_(hashOf(key)) {}
 
-    // An equal key that stands somewhere else.
+    // An equal key that is stored elsewhere; its hash is taken over.
     HashedKey(Key const& key, HashedKey const& equal) : key_(key), hash_(equal.hash_) {}
 
     Key const& key() const noexcept { return key_; }
     std::uint64_t hash() const noexcept { return hash_; }
 
-    // The low bits choose the bucket, so weak hashes (identity for integers) are mixed. A hash that
-    // says that it chooses places itself is taken as it is.
+    // The low bits choose the bucket, so weak hashes (identity for integers) are mixed. A hash
+    // function that says that it chooses the buckets itself is used as it is.
     static std::uint64_t hashOf(Key const& key) {
         std::uint64_t const hash = Hash()(key);
         if constexpr (requires { typename Hash::ChoosesPlaces; }) {
@@ -230,7 +230,7 @@ class Collection {
         return entry;
     }
 
-    // Takes the value of an entry that stands in no bucket any more.
+    // Takes the value of an entry that is in no bucket any more.
     Value take(Entry& entry) {
         unlink(entry);
         Value value = std::move(entry.value);
@@ -297,8 +297,8 @@ class Collection {
     mutable Iterator* iterators_ = nullptr;
 };
 
-// A walk through a collection. It is known to the collection while it lives, so it survives the
-// removal of the entry that it stands on. Walks nest.
+// A walk through a collection. The collection knows the walk while it lives, so the walk survives
+// the removal of its current entry. Walks nest.
 template <class Key, class Value, class Hash>
 class Collection<Key, Value, Hash>::Iterator {
   public:

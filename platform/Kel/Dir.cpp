@@ -10,8 +10,8 @@ Vanta::Ptr<Dir> Dir::DirIs() {
 }
 
 void Dir::entryIs(Vanta::String const& name, Vanta::Ptr<Vanta::Node> entity) {
-    // The entity that is replaced is released after the publication, so that whoever still works
-    // with it during delivery finds it alive.
+    // The entity that is replaced is released after the publication, so that a subscriber that
+    // still works with it during delivery finds it alive.
     Vanta::String const key = name;  // the caller's reference may be the entry's own key
     Vanta::Ptr<Vanta::Node>& place = entries_.findOrInsert(key).value;
     Vanta::Ptr<Vanta::Node> const old = std::exchange(place, std::move(entity));

@@ -2,8 +2,8 @@
 //
 // Buckets live in segments that double in size. A segment's pages are filled by the system when
 // they are first touched, so not even doubling a large table pauses.
-// A bucket is a chain of entries, and each link of it tells the hashes that may follow, so that most
-// look-ups of what is not there touch no entry.
+// A bucket is a chain of entries, and each of its links says which hashes may follow, so that most
+// look-ups of an absent key touch no entry.
 // Thread: one only.
 #pragma once
 
@@ -19,21 +19,21 @@
 
 namespace Kel {
 
-// The way to the first entry of a chain, with a filter: for each entry of the chain the bit that its
-// hash chooses is set. Where an entry went from the middle of a chain, the links before it keep its
-// bit. An empty link is all zeros.
+// The link to the first entry of a chain, with a filter: for each entry of the chain the bit that
+// its hash chooses is set. When an entry is removed from the middle of a chain, the links before it
+// keep its bit. An empty link is all zeros.
 //
 // Both share one word: the system's addresses have 48 bits.
 class ChainLink {
   public:
     void* entry() const noexcept {
-        // An address; the bits beside it are the filter's.
+        // The word is an address and, in the other bits, the filter.
         return reinterpret_cast<void*>(word_ >> filterBits);  // NOLINT(performance-no-int-to-ptr)
     }
     // Whether the chain may have an entry of this hash.
     bool mayHave(std::uint64_t hash) const noexcept { return (word_ & bitOf(hash)) != 0; }
 
-    // The link to an entry of this hash whose own link goes on as this one does.
+    // A link to an entry of this hash whose own link is this one.
     ChainLink with(void* entry, std::uint64_t hash) const noexcept {
         auto const address = reinterpret_cast<std::uint64_t>(entry);
         Vanta::assertThat(address >> (64 - filterBits) == 0, "address >> 48 == 0");

@@ -11,7 +11,7 @@
 
 namespace Net::EtherType {
 
-// What stands in an EtherType's place and is less is a length (IEEE 802.3).
+// A smaller number in the position of an EtherType is a length (IEEE 802.3).
 inline constexpr std::uint16_t least = 0x0600;
 
 inline constexpr std::uint16_t ipv4 = 0x0800;

@@ -1,8 +1,8 @@
 // IPv4 and IPv6 addresses: in packets, in the chip's tables, and in the texts in which people write
 // them.
 //
-// A plain value that belongs to no thread. Both families stand left-aligned in the same 128 bits, so
-// that prefixes, masks and hashes need the same code for both.
+// A plain value that belongs to no thread. Both families are kept left-aligned in the same 128
+// bits, so that prefixes, masks and hashes need the same code for both.
 #pragma once
 
 #include <array>
@@ -47,7 +47,7 @@ class IpOctets {
 // 0.0.0.0 by default. Every IPv4 address is less than every IPv6 address; within a family the order
 // is that of the octets.
 struct VYN_EXPORT IpAddress {
-    // An IPv4 address is the upper half of `hi`, all else is zero then.
+    // An IPv4 address is the upper half of `hi`; the other bits are then zero.
     std::uint64_t hi = 0;
     std::uint64_t lo = 0;
     Family family = Family::ipv4;
@@ -96,7 +96,7 @@ struct VYN_EXPORT IpAddress {
     }
     // 0.0.0.0, ::.
     constexpr bool isUnspecified() const noexcept { return hi == 0 && lo == 0; }
-    // fe80::/10: such an address means something on its own link only.
+    // fe80::/10: such an address is valid on its own link only.
     constexpr bool isLinkLocalV6() const noexcept { return isV6() && hi >> 54 == 0xfe80 >> 6; }
 
     friend constexpr bool operator==(IpAddress const&, IpAddress const&) noexcept = default;

@@ -1,7 +1,7 @@
 // MAC addresses: in frames, in the chip's tables, and in the texts in which people write them.
 //
-// A plain value of one word: tables hash it and the pipeline compares it as it stands. It belongs to
-// no thread. The order is that of the octets.
+// A plain value of one word: tables hash that word and the pipeline compares it. It belongs to no
+// thread. The order is that of the octets.
 #pragma once
 
 #include <array>

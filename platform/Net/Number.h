@@ -9,12 +9,12 @@
 
 namespace Net {
 
-// A number from 0 to `most` of digits of that base alone, leading zeros allowed; nothing for any
-// other text.
+// A number from 0 to `most`, written in digits of that base alone, leading zeros allowed; nothing
+// for any other text.
 VYN_EXPORT std::optional<std::uint32_t> numberOfDigits(std::string_view text, std::uint32_t most,
                                                        int base = 10) noexcept;
 
-// The same, decimal or, behind "0x", hexadecimal.
+// The same, decimal or, after "0x", hexadecimal.
 VYN_EXPORT std::optional<std::uint32_t> numberFromText(std::string_view text,
                                                        std::uint32_t most) noexcept;
 

@@ -17,7 +17,8 @@ struct VYN_EXPORT VlanTag {
     std::uint8_t priority = 0;  // 0 to 7
     bool dropEligible = false;
 
-    // The tag of its two words in a frame: the tag protocol identifier and the control information.
+    // The tag from its two words in a frame: the tag protocol identifier and the control
+    // information.
     static constexpr VlanTag fromWords(std::uint16_t tpid, std::uint16_t control) noexcept {
         return {tpid, static_cast<std::uint16_t>(control & 0xfff),
                 static_cast<std::uint8_t>(control >> 13), (control & 0x1000) != 0};
@@ -26,10 +27,10 @@ struct VYN_EXPORT VlanTag {
         return static_cast<std::uint16_t>(priority << 13 | (dropEligible ? 0x1000 : 0) | vlan);
     }
 
-    // As people ask for one: "20", "20,priority=5,tpid=0x88a8,dei". Numbers are decimal or behind
-    // "0x" hexadecimal, the VLAN at most 4094; nothing for any other text.
+    // As people write one: "20", "20,priority=5,tpid=0x88a8,dei". Numbers are decimal or, after
+    // "0x", hexadecimal, the VLAN at most 4094; nothing for any other text.
     static std::optional<VlanTag> fromText(std::string_view text) noexcept;
-    // As it is told, with nothing left out: "20 tpid 0x88a8 priority 5 drop-eligible".
+    // The whole tag, with nothing left out: "20 tpid 0x88a8 priority 5 drop-eligible".
     std::string text() const;
 
     friend constexpr bool operator==(VlanTag const&, VlanTag const&) noexcept = default;

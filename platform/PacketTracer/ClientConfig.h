@@ -1,4 +1,4 @@
-// What one client asks: its requests, by id.
+// The questions of one client: its requests, by id.
 //
 // A change of the request collection is published with the request's id as key. Replacing a request
 // object under its id is one publication and keeps its position in the order. Thread: the event

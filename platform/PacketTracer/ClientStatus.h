@@ -1,4 +1,4 @@
-// What one client was answered: its results, by request id.
+// The answers to one client: its results, by request id.
 //
 // Creating and removing a result is published with the request's id as key; a status that is
 // destroyed publishes nothing about its results. Thread: the event thread.

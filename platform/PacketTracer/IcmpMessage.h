@@ -24,7 +24,7 @@ namespace PacketTracer {
 // The bytes that a message of this type has at least behind its header. Precondition: IP addresses.
 std::size_t leastIcmpBodySize(PacketFields const& fields) noexcept;
 
-// Those bytes, made up where no payload is given. A quoted datagram goes between the packet's two
+// These bytes, made up where no payload is given. A quoted datagram goes between the packet's two
 // addresses, the other way; targets and groups are the packet's own addresses; the rest is zero.
 // Precondition: no fault.
 std::vector<std::uint8_t> leastIcmpBody(PacketFields const& fields);

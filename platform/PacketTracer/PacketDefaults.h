@@ -1,4 +1,4 @@
-// What holds where a packet's description says nothing.
+// Values for the fields that a packet's description leaves out.
 //
 // There are two kinds of fields. Some need not be given: constructPacket() derives their values
 // from the other fields, as the first functions here do. The others decide where a packet goes, so
@@ -25,7 +25,7 @@ VYN_EXPORT std::optional<MacAddress> defaultArpSenderMac(PacketFields const& fie
 // All zero for a request, which does not know its target; the frame's destination for a reply.
 VYN_EXPORT std::optional<MacAddress> defaultArpTargetMac(PacketFields const& fields) noexcept;
 
-// What is known of the switch and the ingress interface. Nothing of it need be given.
+// What is known of the switch and the ingress interface; every member is optional.
 struct PacketHints {
     std::optional<MacAddress> routerMac;  // that packets to be routed are sent to
     std::optional<MacAddress> hostMac;    // of a host behind the ingress interface

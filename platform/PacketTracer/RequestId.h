@@ -1,4 +1,4 @@
-// Who asks what: a client's name and the number of its request.
+// The identity of a request: its client's name and its number.
 #pragma once
 
 #include <compare>
@@ -20,8 +20,9 @@ class RequestId {
     Vanta::String const& clientName() const noexcept { return clientName_; }
     std::uint32_t number() const noexcept { return number_; }
 
-    // A hash of both parts, begun with a seed. Requests whose numbers follow one another differ in the
-    // last bits alone, so that what a table knows of them lies together; otherwise all bits are mixed.
+    // A hash of both parts, begun with a seed. Requests whose numbers follow one another differ in
+    // the last bits alone, so that what a table knows of them lies together; otherwise all bits are
+    // mixed.
     std::uint64_t hash(std::uint64_t seed = 0) const noexcept {
         std::uint64_t mixed =
             (clientName_.hash() ^ seed) + (number_ / neighbours) * 0x9e3779b97f4a7c15ULL;

@@ -12,7 +12,7 @@ class TapCall {
     static bool isThereATap() noexcept { return Tap::chain_.first() != nullptr; }
     // Whether there is a tap for a statement of this thread: not for one that a tap makes.
     static bool anybodyListens() noexcept { return isThereATap() && !underWay; }
-    // Tells every tap, the newest first; nobody if nobody listens.
+    // Tells every tap, the newest first; does nothing if there is none.
     static void tell(std::string_view handle, unsigned level, std::string_view text);
 
   private:

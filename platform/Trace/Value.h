@@ -1,11 +1,12 @@
-// One value of a trace statement, as it travels from the statement to whoever reads it.
+// One value of a trace statement, on its way from the statement to its readers.
 //
 // `traceValue(x)` makes a Value of x: truth values, integers of every width (in decimal), texts and
 // interfaces (by name) are covered here. Another type joins by a function traceValue(T const&) in
 // its own namespace, which is found by the argument's type:
 //
 //     Trace::Value traceValue(MacAddr const& address) {
-//         return Trace::Value::written(&address, [](void const* object, char* to, std::size_t room) {
+//         return Trace::Value::written(&address, [](void const* object, char* to, std::size_t room)
+//         {
 //             return static_cast<MacAddr const*>(object)->textTo(to, room);
 //         });
 //     }

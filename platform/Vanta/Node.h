@@ -134,7 +134,7 @@ class Ptr {
     T* node_ = nullptr;
 };
 
-// What a node class with a private constructor befriends to be made by makeNode().
+// A node class with a private constructor makes this its friend, so that makeNode() can make it.
 struct NodeFactory {
     template <class T, class... Args>
     static Ptr<T> make(Args&&... args) {

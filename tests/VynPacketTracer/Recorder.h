@@ -81,7 +81,7 @@ class Recorder final : public ScriptChip::Listener {
 
     // What is put in front of every line, as it is at that moment.
     std::function<std::string()> mark;
-    // What a test does inside a call of the chip or a trace statement, once it is noted.
+    // Called inside a call of the chip or a trace statement, after it was noted.
     std::function<void(SdkSeam::SdkCall const&)> onSdkCall;
     std::function<void()> onTrace;
 

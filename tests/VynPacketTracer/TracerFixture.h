@@ -22,7 +22,7 @@ class TracerTest : public Switch {
         egressPort(132, "Ethernet2");
     }
 
-    // A root that nobody keeps.
+    // A new root, which the fixture does not keep.
     Vanta::Ptr<VynPacketTracer::PacketTracerSm> made(bool pktTracerSupported = true,
                                                      bool pktGenSupported = true) {
         return VynPacketTracer::packetTracerSmFactory(
