@@ -175,7 +175,7 @@ class VYN_EXPORT PacketTracerClientSm final : public Kel::Object {
     // Adds the entries of one egress interface: a LAG, a sub-interface, a LAG's member, a port.
     // Precondition, here and below: the result is not null.
     void updatePortInfoResult(Plexa::IntfId intfId, Vanta::Ptr<PacketTracer::Result> const& result);
-    // Adds the entries of a flood in the status entry's VLAN, but for the ingress interface, and
+    // Adds the entries of a flood in the status entry's VLAN, except the ingress interface, and
     // sets the state. Errors: Kel::RangeError for a domain above 4094; the result is then
     // unchanged. Precondition: the entry is not null.
     void pktFlooded(Vanta::Ptr<PktGenStatusData const> const& status,

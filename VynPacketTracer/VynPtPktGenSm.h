@@ -26,8 +26,8 @@
 // traces nothing. What it still does is to withdraw the phase-0 request of a job that it was
 // sending. Its other reactors finish what they do. An engine that somebody else holds goes on.
 //
-// Threads: the event thread, but for rcvPktTracerLearningDigest, which runs on the SDK's thread and
-// reads nothing but what was fixed before it was registered.
+// Threads: the event thread, except for rcvPktTracerLearningDigest, which runs on the SDK's thread
+// and reads only what does not change after its registration.
 #pragma once
 
 #include <cstdint>

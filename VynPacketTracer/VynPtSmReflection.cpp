@@ -1,4 +1,4 @@
-// The root's reflection tables. The numbers that are missing belong to the reactors.
+// The root's reflection tables. The missing numbers belong to the reactors.
 #include "VynPacketTracer/VynPtSm.h"
 
 namespace VynPacketTracer {

@@ -16,8 +16,8 @@ namespace Agent {
 
 using Scenario::ForwardingState;
 
-// New state objects, in the order of the model throughout. Never fails but for want of memory.
-// Thread: the event thread.
+// New state objects, in the order of the model throughout. Fails only for want of memory. Thread:
+// the event thread.
 ForwardingState deriveForwardingState(SwitchFile::SwitchModel const& model);
 
 }  // namespace Agent

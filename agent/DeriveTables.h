@@ -18,7 +18,7 @@
 
 namespace Agent {
 
-// The whole tables. Never fails but for want of memory. Thread: any.
+// The whole tables. Fails only for want of memory. Thread: any.
 SoftChip::Tables deriveTables(SwitchFile::SwitchModel const& model);
 
 // At index n the name, for people, of the chip's list n + 1: "edge on Ethernet7", "edge on VLAN

@@ -11,7 +11,7 @@
 // to 1 ms. A trace also costs four insertions into maps, which its withdrawal takes back, and 25
 // records in a ring, if asked for.
 //
-// Thread: the event thread, but for the chip's own.
+// Threads: the event thread, except for the chip's own.
 #pragma once
 
 #include <array>

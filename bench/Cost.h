@@ -32,7 +32,7 @@ std::uint64_t residentBytes();
 // run on when it starts; false if there are fewer. Threads made afterwards inherit it.
 bool runOnProcessor(unsigned number);
 
-// A file for a trace ring, in memory if the system has such a place.
+// The path of a file for a trace ring, in memory if the system has a file system there.
 std::string ringPath();
 
 // Has everything that is traced go to a ring from now on.

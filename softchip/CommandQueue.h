@@ -81,7 +81,7 @@ class CommandQueue {
     void done();
 
   private:
-    // A row of slots of which the first `used` hold commands.
+    // Slots, of which the first `used` hold commands.
     struct Row {
         std::vector<Command> slots;
         std::size_t used = 0;

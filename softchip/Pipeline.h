@@ -58,8 +58,8 @@ struct Decision {
 };
 
 // What the chip does with `frame` (without check sequence), which enters at the port that `phase0`
-// names. Reads the tables only; any bytes are good. Never allocates. With `explain` not null the
-// steps are written there, in place of what it holds. Any thread that owns or shares `tables`.
+// names. Reads the tables only; any bytes are good. Never allocates. If `explain` is not null, the
+// steps are written there and replace what it holds. Thread: any that owns or shares `tables`.
 Decision decide(Tables const& tables, std::span<std::uint8_t const> phase0,
                 std::span<std::uint8_t const> frame, Explanation* explain = nullptr);
 

@@ -48,7 +48,7 @@ class SoftChip final : public SdkSeam::Chip {
     ~SoftChip();
 
     // A call of one of the SDK's functions, as VynSdk/VynSdk.h and PipeMgr/PipeMgr.h say. A call
-    // that is refused or fails by order changes nothing, but for a deregistration that fails by
+    // that is refused or fails by order changes nothing, except for a deregistration that fails by
     // order. A deregistration returns when no callback runs; none will run later.
     void call(SdkSeam::SdkCall& call) override;
 

@@ -76,7 +76,7 @@ void addIcmp(PacketBytes& packet, PacketFields const& fields) {
     }
 }
 
-// Returns where in the segment the checksum stands.
+// Returns the offset of the checksum in the segment.
 std::size_t addTransportHeader(PacketBytes& packet, PacketFields const& fields, std::size_t size) {
     switch (*fields.protocol) {
         case IpProtocol::tcp:

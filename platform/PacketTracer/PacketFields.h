@@ -73,8 +73,8 @@ struct PacketFields {
     // What follows the last header: of TCP (20 bytes), UDP, ICMP (8 bytes, so for an echo request
     // the data behind identifier and sequence number) or, without IP, Ethernet. Empty: not given.
     Vanta::Bytes payload;
-    // The frame's length in bytes, padding included, check sequence not. In place of a payload:
-    // zeros fill the packet up.
+    // The frame's length in bytes, padding included, check sequence not. Without a payload, zeros
+    // fill the packet up to it.
     std::optional<std::uint32_t> length;
 
     friend bool operator==(PacketFields const&, PacketFields const&) noexcept = default;

@@ -19,7 +19,7 @@ inline constexpr std::uint32_t maximumFrameSize = 9236;
 VYN_EXPORT std::uint64_t ethernetSize(PacketFields const& fields) noexcept;
 // All headers, and what an ICMP type demands behind its header where no payload is given.
 VYN_EXPORT std::uint64_t headerSize(PacketFields const& fields) noexcept;
-// The frame before it is padded: the headers with the payload, or with zeros in its place up to the
+// The frame before it is padded: the headers with the payload, or without one with zeros up to the
 // length that was asked for.
 VYN_EXPORT std::uint64_t contentSize(PacketFields const& fields) noexcept;
 // The whole frame.
