@@ -8,6 +8,8 @@
 #include <string>
 #include <string_view>
 
+#include "Vanta/Bytes.h"
+
 namespace Scenario {
 
 // Appends a text with its quotes: \b \f \n \r \t \" \\, other control characters as \u00xx in
@@ -23,47 +25,63 @@ class JsonWriter {
   public:
     explicit JsonWriter(std::string& out) noexcept : out_(out) {}
 
-    JsonWriter& beginObject();
-    JsonWriter& endObject();
-    JsonWriter& beginList();
-    JsonWriter& endList();
-    JsonWriter& name(std::string_view name);
-
-    JsonWriter& text(std::string_view value);
-    JsonWriter& flag(bool value);
-    template <std::integral T>
-    JsonWriter& number(T value) {
-        if constexpr (std::signed_integral<T>) {
-            return signedNumber(value);
-        } else {
-            return unsignedNumber(value);
-        }
+    JsonWriter& beginObject() { return open('{'); }
+    JsonWriter& endObject() { return close('}'); }
+    JsonWriter& beginList() { return open('['); }
+    JsonWriter& endList() { return close(']'); }
+    JsonWriter& name(std::string_view name) {
+        text(name);
+        out_.push_back(':');
+        first_ = true;  // the value follows without a comma
+        return *this;
     }
+
+    JsonWriter& text(std::string_view value) {
+        appendJsonText(next(), value);
+        return *this;
+    }
+    JsonWriter& flag(bool value) { return plain(value ? "true" : "false"); }
+    JsonWriter& number(std::integral auto value) { return plain(std::to_string(value)); }
     // Lower-case hexadecimal digits, two a byte.
-    JsonWriter& hex(std::span<std::uint8_t const> bytes);
-    JsonWriter& null();
+    JsonWriter& hex(std::span<std::uint8_t const> bytes) { return text(Vanta::hexText(bytes)); }
+    JsonWriter& null() { return plain("null"); }
 
     // A member: its name and its value.
-    JsonWriter& member(std::string_view memberName, std::string_view value) {
-        return name(memberName).text(value);
-    }
-    JsonWriter& member(std::string_view memberName, char const* value) {
-        return name(memberName).text(value);
-    }
-    template <std::same_as<bool> T>
-    JsonWriter& member(std::string_view memberName, T value) {
-        return name(memberName).flag(value);
-    }
-    template <std::integral T>
-    requires(!std::same_as<T, bool>) JsonWriter& member(std::string_view memberName, T value) {
-        return name(memberName).number(value);
+    template <class T>
+    JsonWriter& member(std::string_view memberName, T const& value) {
+        name(memberName);
+        if constexpr (std::same_as<T, bool>) {
+            return flag(value);
+        } else if constexpr (std::integral<T>) {
+            return number(value);
+        } else {
+            return text(value);
+        }
     }
 
   private:
-    JsonWriter& signedNumber(std::int64_t value);
-    JsonWriter& unsignedNumber(std::uint64_t value);
-    // Adds a comma if the next value is not the first.
-    void separate();
+    // Where the next value belongs, behind a comma if something stands before it.
+    std::string& next() {
+        if (!first_) {
+            out_.push_back(',');
+        }
+        first_ = false;
+        return out_;
+    }
+    JsonWriter& open(char bracket) {
+        next().push_back(bracket);
+        first_ = true;
+        return *this;
+    }
+    JsonWriter& close(char bracket) {
+        out_.push_back(bracket);
+        first_ = false;
+        return *this;
+    }
+    JsonWriter& plain(std::string_view value) {
+        next().append(value);
+        return *this;
+    }
 
     std::string& out_;
     bool first_ = true;
