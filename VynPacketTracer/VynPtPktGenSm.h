@@ -12,7 +12,7 @@
 //
 // These come in any state, as soon as there has been a job:
 //
-//   what comes                            next state        but
+//   what comes                            next state        except
 //   a phase-0 answer of status 0          phase0DataReady
 //   a phase-0 answer of another status    error             phase0DataReady from waitPhase0Data
 //   the withdrawal of the job in work     error             idle stays, and the answer is deleted
