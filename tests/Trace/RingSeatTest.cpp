@@ -4,6 +4,9 @@
 #include <gtest/gtest.h>
 #include <sys/wait.h>
 
+#include <algorithm>
+#include <array>
+#include <barrier>
 #include <semaphore>
 #include <stdexcept>
 
@@ -107,6 +110,25 @@ TEST_F(RingSeatTest, AThreadWithoutARingTakesTheNextThatIsGivenBack) {
     write("own");
     EXPECT_EQ(1u, sharedCount());
     EXPECT_EQ((Texts{"shared", "own"}), written());
+}
+
+TEST_F(RingSeatTest, ThreadsThatComeAtOnceDoNotTakeTheSameRing) {
+    constexpr unsigned count = RingFile::ownRings + 1;
+    std::barrier start(count);
+    std::barrier end(count);
+    auto const comeAndGo = [&] {
+        start.arrive_and_wait();
+        write("a", 10);
+        end.arrive_and_wait();
+    };
+    for (int round = 0; round < 200; ++round) {
+        ringIs(path_, smallest);
+        std::array<std::thread, count> threads;
+        std::generate(threads.begin(), threads.end(), [&] { return std::thread(comeAndGo); });
+        std::for_each(threads.begin(), threads.end(), [](std::thread& thread) { thread.join(); });
+        ASSERT_EQ(10 * count, written().size());
+        ASSERT_EQ(10u, sharedCount());
+    }
 }
 
 TEST_F(RingSeatTest, AThreadMovesToANewFileWithItsNextStatement) {
