@@ -19,6 +19,11 @@ class ChecksumSum {
             sum_ += i % 2 == 0 ? std::uint64_t{bytes[i]} << 8 : bytes[i];
         }
     }
+    // Whole words of 32 bits fold to the same sum, and IPv4's other words are zero.
+    void add(IpAddress const& address) {
+        sum_ += (address.hi >> 32) + (address.hi & 0xffffffff) + (address.lo >> 32) +
+                (address.lo & 0xffffffff);
+    }
     std::uint16_t checksum() const {
         std::uint64_t folded = sum_;
         while (folded > 0xffff) {
@@ -35,8 +40,8 @@ class ChecksumSum {
 std::uint16_t transportChecksum(PacketFields const& fields, std::span<std::uint8_t const> segment) {
     ChecksumSum sum;
     if (fields.protocol != IpProtocol::icmp) {
-        sum.add(fields.ipSrc->octets());
-        sum.add(fields.ipDst->octets());
+        sum.add(*fields.ipSrc);
+        sum.add(*fields.ipDst);
         sum.add16(static_cast<std::uint32_t>(segment.size()));
         sum.add16(static_cast<std::uint32_t>(*fields.protocol));
     }
