@@ -20,7 +20,7 @@
 #include "VynPacketTracer/VynPtMounts.h"
 #include "VynPacketTracer/VynPtSm.h"
 #include "agent/DeriveState.h"
-#include "agent/RecordingFile.h"
+#include "scenario/RecordingFile.h"
 #include "softchip/Phase0Data.h"
 #include "softchip/SoftChip.h"
 #include "switchfile/SwitchFile.h"
@@ -33,7 +33,7 @@ struct AgentOptions {
     p4_pd_sess_hdl_t session = 1;
     bool pktTracerSupported = true;
     // The file that the run is recorded to as a scenario, or null; it outlives the agent.
-    RecordingFile* recording = nullptr;
+    Scenario::RecordingFile* recording = nullptr;
 };
 
 class Recorder;

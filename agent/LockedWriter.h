@@ -7,15 +7,15 @@
 #include <exception>
 #include <mutex>
 
-#include "agent/ScenarioWriter.h"
+#include "scenario/RunWriter.h"
 
 namespace Agent {
 
 class LockedWriter {
   public:
-    explicit LockedWriter(RecordingFile& file) : file_(file), writer_(file) {}
+    explicit LockedWriter(Scenario::RecordingFile& file) : file_(file), writer_(file) {}
 
-    // Calls use(ScenarioWriter&). An exception from it, for want of memory, ends the recording and
+    // Calls use(Scenario::RunWriter&). An exception from it, for want of memory, ends the recording and
     // nothing else.
     template <class Use>
     void use(Use const& use) noexcept {
@@ -29,8 +29,8 @@ class LockedWriter {
 
   private:
     std::recursive_mutex mutex_;
-    RecordingFile& file_;
-    ScenarioWriter writer_;
+    Scenario::RecordingFile& file_;
+    Scenario::RunWriter writer_;
 };
 
 }  // namespace Agent

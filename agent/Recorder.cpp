@@ -35,7 +35,7 @@ Do::Entity entityOf(Vanta::Ptr<Vanta::Node> const& any, Vanta::Ptr<Vanta::Node> 
 
 }  // namespace
 
-Recorder::Recorder(Subject const& subject, RecordingFile& file)
+Recorder::Recorder(Subject const& subject, Scenario::RecordingFile& file)
     : subject_(subject),
       writer_(file),
       chip_(subject.device, writer_),
@@ -61,11 +61,11 @@ Recorder::Recorder(Subject const& subject, RecordingFile& file)
 
 Recorder::~Recorder() {
     phase0_->listenerDel();
-    writer_.use([](ScenarioWriter& writer) { writer.finish(); });
+    writer_.use([](Scenario::RunWriter& writer) { writer.finish(); });
 }
 
 void Recorder::event(Scenario::Event event) {
-    writer_.use([&](ScenarioWriter& writer) { writer.event(std::move(event)); });
+    writer_.use([&](Scenario::RunWriter& writer) { writer.event(std::move(event)); });
 }
 
 void Recorder::starting(bool pktTracerSupported, bool pktGenSupported, std::uint32_t session) {
@@ -85,7 +85,7 @@ void Recorder::forwardingStateChanged() {
 }
 
 void Recorder::processEnds(std::string_view, std::string_view) {
-    writer_.use([](ScenarioWriter& writer) { writer.finish(); });
+    writer_.use([](Scenario::RunWriter& writer) { writer.finish(); });
 }
 
 // ---- What is published
@@ -94,7 +94,7 @@ void Recorder::published(Vanta::Change const& change) {
     try {
         record(change.publisher, change.attribute, change.key);
     } catch (std::exception const& error) {
-        writer_.use([&](ScenarioWriter&) { throw std::runtime_error(error.what()); });
+        writer_.use([&](Scenario::RunWriter&) { throw std::runtime_error(error.what()); });
     }
 }
 
@@ -107,7 +107,7 @@ void Recorder::record(Vanta::Publisher const& publisher, Vanta::AttributeNumber 
         statusEntry(key.get<Vanta::String>());
     } else if (auto const* task = dynamic_cast<Orb::Task const*>(owner)) {
         if (attribute == Orb::Task::runAttribute && task->name() == engineTask) {
-            writer_.use([&](ScenarioWriter& writer) {
+            writer_.use([&](Scenario::RunWriter& writer) {
                 writer.taskRuns(subject_.loop->turns(), subject_.loop->yieldAfter());
             });
         }
@@ -115,7 +115,7 @@ void Recorder::record(Vanta::Publisher const& publisher, Vanta::AttributeNumber 
         if (attribute == Orb::FileDescriptor::readableAttribute &&
             descriptor->name() == digestDescriptor) {
             digestTurn_ = subject_.loop->turns();
-            writer_.use([&](ScenarioWriter& writer) { writer.digestAnnounced(digestTurn_); });
+            writer_.use([&](Scenario::RunWriter& writer) { writer.digestAnnounced(digestTurn_); });
         }
     } else if (auto const* request = dynamic_cast<Request const*>(owner)) {
         requestAttribute(*request, attribute);
@@ -160,7 +160,7 @@ void Recorder::statusEntry(Vanta::String const& name) {
     for (auto const& result : status->result()) {
         event(Do::Result{result.key});
         if (!isResultEmpty(*result.value)) {
-            writer_.use([](ScenarioWriter& writer) {
+            writer_.use([](Scenario::RunWriter& writer) {
                 writer.remark("this result had a content from before the recording");
             });
         }
@@ -170,7 +170,7 @@ void Recorder::statusEntry(Vanta::String const& name) {
 // An entry with content appears in one change; in a scenario its content follows it.
 void Recorder::content(std::string_view what, Vanta::String const& client, std::size_t count) {
     if (running_ && count > 0) {
-        writer_.use([&](ScenarioWriter& writer) {
+        writer_.use([&](Scenario::RunWriter& writer) {
             writer.remark("the entry of " + std::string(client.view()) + " came with these " +
                           std::string(what) + " in it");
         });

@@ -39,7 +39,7 @@ class Recorder {
 
     // Begins with the state that is there. Errors: std::logic_error if there is no chip.
     // Preconditions: there is no tracer yet; `file` outlives the recorder.
-    Recorder(Subject const& subject, RecordingFile& file);
+    Recorder(Subject const& subject, Scenario::RecordingFile& file);
     Recorder(Recorder const&) = delete;
     Recorder& operator=(Recorder const&) = delete;
     // Precondition: there is no tracer any more.

@@ -11,7 +11,6 @@
 #include <system_error>
 
 #include "agent/ForwardingAgent.h"
-#include "agent/RecordingFile.h"
 #include "cli/Capture.h"
 #include "cli/CaptureWriter.h"
 #include "cli/ChipNames.h"
@@ -26,6 +25,7 @@
 #include "cli/SwitchDefaults.h"
 #include "cli/TraceRun.h"
 #include "cli/UsageError.h"
+#include "scenario/RecordingFile.h"
 #include "switchfile/SwitchFile.h"
 
 namespace Cli {
@@ -234,7 +234,7 @@ ExitStatus statusOf(TraceRun::Result const& result) {
 
 TraceRun::Result traceAll(Arguments const& arguments, TraceRunOptions options,
                           SwitchModel const& model, FrameSource& source,
-                          Agent::RecordingFile* recording) {
+                          Scenario::RecordingFile* recording) {
     // The road hears statements of the chip's thread, too, so it must outlive the agent.
     std::optional<Road> road;
     ChipNames const names(model);
@@ -264,7 +264,7 @@ int trace(Arguments const& arguments) {
     }
     auto const model = SwitchFile::readSwitchFile(arguments.switchFile);
     auto const source = openSource(arguments, model, options.ingress);
-    std::optional<Agent::RecordingFile> recording;
+    std::optional<Scenario::RecordingFile> recording;
     if (arguments.record) {
         recording.emplace(*arguments.record);
     }

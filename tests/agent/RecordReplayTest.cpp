@@ -382,7 +382,7 @@ TEST_F(RecordReplay, TheEventThatEndsTheProcess) {
     testing::FLAGS_gtest_death_test_style = "threadsafe";
     ScratchPath const path("recorded.jsonl");
     auto const live = [&path] {
-        RecordingFile recording(path.string());
+        Scenario::RecordingFile recording(path.string());
         ForwardingAgent agent(SwitchFile::parseSwitchFile(switchFile, "test"),
                               {.mode = SoftChip::Mode::stepwise, .recording = &recording});
         Client client(agent);

@@ -110,7 +110,7 @@ inline std::string expectReplayed(SwitchFile::SwitchModel const& model, AgentOpt
     Observed observed;
     {
         LiveObservation observation;
-        RecordingFile recording(path.string());
+        Scenario::RecordingFile recording(path.string());
         options.recording = &recording;
         {
             ForwardingAgent agent(model, options);

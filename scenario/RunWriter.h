@@ -35,25 +35,25 @@
 #include <string_view>
 #include <vector>
 
-#include "agent/RecordingFile.h"
 #include "scenario/ChipAnswers.h"
 #include "scenario/Event.h"
+#include "scenario/RecordingFile.h"
 
-namespace Agent {
+namespace Scenario {
 
-class ScenarioWriter {
+class RunWriter {
   public:
     using TurnNumber = std::uint64_t;
 
     static constexpr std::uint64_t defaultMostTurns = 1'000'000;
 
     // `file` outlives the writer. One event takes `mostTurns` turns at most.
-    explicit ScenarioWriter(RecordingFile& file, std::uint64_t mostTurns = defaultMostTurns)
+    explicit RunWriter(RecordingFile& file, std::uint64_t mostTurns = defaultMostTurns)
         : file_(file), mostTurns_(mostTurns) {}
 
     // An event from outside begins. The release of the tracer discards the digests that were not
     // read.
-    void event(Scenario::Event event);
+    void event(Event event);
     // A remark for people, after the event that has begun.
     void remark(std::string_view text);
 
@@ -87,12 +87,12 @@ class ScenarioWriter {
     struct Under {  // the event under way
         Under();    // defined where the class is complete, which std::optional asks for
 
-        std::optional<Scenario::Event> event;  // none for a turn
+        std::optional<Event> event;  // none for a turn
         TurnNumber turn = 0;
         bool taskRan = false;
         std::vector<std::string> ahead;
         Messages messages;  // to be taken in it
-        Scenario::ChipAnswers answers;
+        ChipAnswers answers;
         std::vector<std::string> remarks;
     };
     // A line, or a message that becomes one or two when it is done.
@@ -121,4 +121,4 @@ class ScenarioWriter {
     std::uint32_t yieldAfter_ = std::numeric_limits<std::uint32_t>::max();
 };
 
-}  // namespace Agent
+}  // namespace Scenario

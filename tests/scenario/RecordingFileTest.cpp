@@ -1,4 +1,4 @@
-#include "agent/RecordingFile.h"
+#include "scenario/RecordingFile.h"
 
 #include <gtest/gtest.h>
 #include <sys/resource.h>
@@ -10,7 +10,7 @@
 
 #include "ScratchPath.h"
 
-namespace Agent {
+namespace Scenario {
 namespace {
 
 class RecordingFileTest : public testing::Test {
@@ -76,4 +76,4 @@ TEST_F(RecordingFileTest, KeepsTheFirstReasonAndNothingMore) {
 }
 
 }  // namespace
-}  // namespace Agent
+}  // namespace Scenario

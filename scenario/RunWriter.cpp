@@ -1,4 +1,4 @@
-#include "agent/ScenarioWriter.h"
+#include "scenario/RunWriter.h"
 
 #include <algorithm>
 #include <utility>
@@ -6,11 +6,9 @@
 #include "scenario/Writer.h"
 #include "sdkseam/TraceDigest.h"
 
-namespace Agent {
+namespace Scenario {
 namespace {
 
-namespace Do = Scenario::Do;
-using Scenario::line;
 using SdkSeam::SdkFunction;
 
 std::string comment(std::string_view text) {
@@ -28,14 +26,14 @@ Do::Digest digestOf(std::span<std::uint8_t const> bytes) {
 
 }  // namespace
 
-ScenarioWriter::Under::Under() = default;
+RunWriter::Under::Under() = default;
 
-void ScenarioWriter::event(Scenario::Event event) {
+void RunWriter::event(Event event) {
     close();
     under_.emplace().event = std::move(event);
 }
 
-void ScenarioWriter::remark(std::string_view text) {
+void RunWriter::remark(std::string_view text) {
     if (!under_) {
         add(comment(text));
         return;
@@ -44,7 +42,7 @@ void ScenarioWriter::remark(std::string_view text) {
 }
 
 // The turn as the event under way, which it may be already.
-ScenarioWriter::Under& ScenarioWriter::turnUnder(TurnNumber turn) {
+RunWriter::Under& RunWriter::turnUnder(TurnNumber turn) {
     if (!under_ || under_->event || under_->turn != turn) {
         close();
         under_.emplace().turn = turn;
@@ -56,14 +54,14 @@ ScenarioWriter::Under& ScenarioWriter::turnUnder(TurnNumber turn) {
     return *under_;
 }
 
-void ScenarioWriter::digestAnnounced(TurnNumber turn) {
+void RunWriter::digestAnnounced(TurnNumber turn) {
     Under& under = turnUnder(turn);
     if (!unread_.empty()) {
         under.messages.splice(under.messages.end(), unread_, unread_.begin());
     }
 }
 
-void ScenarioWriter::taskRuns(TurnNumber turn, std::uint32_t yieldAfter) {
+void RunWriter::taskRuns(TurnNumber turn, std::uint32_t yieldAfter) {
     Under& under = turnUnder(turn);
     under.taskRan = true;
     if (std::exchange(yieldAfter_, yieldAfter) != yieldAfter) {
@@ -71,19 +69,19 @@ void ScenarioWriter::taskRuns(TurnNumber turn, std::uint32_t yieldAfter) {
     }
 }
 
-void ScenarioWriter::called(SdkFunction call, std::int32_t rc) {
+void RunWriter::called(SdkFunction call, std::int32_t rc) {
     if (under_) {
         under_->answers.called(call, rc);
     }
 }
 
-void ScenarioWriter::counterRead(std::uint32_t pipe, std::uint64_t count) {
+void RunWriter::counterRead(std::uint32_t pipe, std::uint64_t count) {
     if (under_) {
         under_->answers.counterRead(pipe, count);
     }
 }
 
-ScenarioWriter::Reception ScenarioWriter::received(std::span<std::uint8_t const> entries) {
+RunWriter::Reception RunWriter::received(std::span<std::uint8_t const> entries) {
     unread_.push_back({.number = ++receptions_, .line = line(digestOf(entries))});
     return receptions_;
 }
@@ -105,7 +103,7 @@ void useMessage(Lists const& lists, std::uint64_t number, Use const& use) {
 }  // namespace
 
 // One callback runs at a time, so the acknowledged message is the one that was received last.
-void ScenarioWriter::acknowledged(std::int32_t rc) {
+void RunWriter::acknowledged(std::int32_t rc) {
     std::vector<Messages*> lists{&unread_};
     if (under_) {
         lists.push_back(&under_->messages);
@@ -116,7 +114,7 @@ void ScenarioWriter::acknowledged(std::int32_t rc) {
     useMessage(lists, receptions_, [rc](Message& message) { message.rc = rc; });
 }
 
-void ScenarioWriter::done(Reception reception) {
+void RunWriter::done(Reception reception) {
     std::vector<Messages*> lists{&unread_};
     if (under_) {
         lists.push_back(&under_->messages);
@@ -129,7 +127,7 @@ void ScenarioWriter::done(Reception reception) {
 
 // ---- Writing
 
-void ScenarioWriter::close() {
+void RunWriter::close() {
     if (!under_) {
         return;
     }
@@ -161,7 +159,7 @@ void ScenarioWriter::close() {
     write(false);
 }
 
-void ScenarioWriter::addAnswers(Under& under) {
+void RunWriter::addAnswers(Under& under) {
     for (Do::Counter const& counter : under.answers.counters()) {
         std::uint64_t& standing = counters_[counter.pipe];
         if (std::ranges::any_of(counter.values, [&](std::uint64_t v) { return v != standing; })) {
@@ -179,21 +177,21 @@ void ScenarioWriter::addAnswers(Under& under) {
     }
 }
 
-void ScenarioWriter::add(std::string const& text) {
+void RunWriter::add(std::string const& text) {
     if (items_.empty() || !items_.back().message.empty()) {
         items_.emplace_back();
     }
     items_.back().lines.append(text).push_back('\n');
 }
 
-void ScenarioWriter::addMessages(Messages&& messages) {
+void RunWriter::addMessages(Messages&& messages) {
     while (!messages.empty()) {
         Item& item = items_.emplace_back();
         item.message.splice(item.message.end(), messages, messages.begin());
     }
 }
 
-void ScenarioWriter::addTurns() {
+void RunWriter::addTurns() {
     while (turns_ > 0) {
         auto const times = static_cast<std::uint32_t>(std::min(turns_, mostTurns_));
         add(line(Do::Turn{times}));
@@ -201,7 +199,7 @@ void ScenarioWriter::addTurns() {
     }
 }
 
-void ScenarioWriter::write(bool all) {
+void RunWriter::write(bool all) {
     std::string lines;
     for (; !items_.empty(); items_.pop_front()) {
         Item const& item = items_.front();
@@ -223,11 +221,11 @@ void ScenarioWriter::write(bool all) {
     }
 }
 
-void ScenarioWriter::finish() {
+void RunWriter::finish() {
     close();
     addTurns();
     addMessages(std::move(unread_));
     write(true);
 }
 
-}  // namespace Agent
+}  // namespace Scenario

@@ -8,7 +8,7 @@
 #include <string>
 #include <string_view>
 
-namespace Agent {
+namespace Scenario {
 
 class RecordingFile {
   public:
@@ -35,4 +35,4 @@ class RecordingFile {
     std::string error_;
 };
 
-}  // namespace Agent
+}  // namespace Scenario

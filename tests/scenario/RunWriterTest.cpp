@@ -1,4 +1,4 @@
-#include "agent/ScenarioWriter.h"
+#include "scenario/RunWriter.h"
 
 #include <gtest/gtest.h>
 
@@ -8,14 +8,12 @@
 
 #include "ScratchPath.h"
 
-namespace Agent {
+namespace Scenario {
 namespace {
-
-namespace Do = Scenario::Do;
 
 constexpr std::uint32_t never = std::numeric_limits<std::uint32_t>::max();
 
-class ScenarioWriterTest : public testing::Test {
+class RunWriterTest : public testing::Test {
   protected:
     // What stands in the file.
     std::string written() const { return path_.content(); }
@@ -23,9 +21,9 @@ class ScenarioWriterTest : public testing::Test {
         writer.finish();
         return written();
     }
-    void turn(ScenarioWriter::TurnNumber number) { writer.taskRuns(number, never); }
+    void turn(RunWriter::TurnNumber number) { writer.taskRuns(number, never); }
     // A message of one entry, all of whose bytes are `byte`.
-    ScenarioWriter::Reception receive(std::uint8_t byte) {
+    RunWriter::Reception receive(std::uint8_t byte) {
         std::array<std::uint8_t, 9> entry;
         entry.fill(byte);
         return writer.received(entry);
@@ -53,10 +51,10 @@ class ScenarioWriterTest : public testing::Test {
 
   protected:
     static constexpr std::uint64_t mostTurns = 10;
-    ScenarioWriter writer{file_, mostTurns};
+    RunWriter writer{file_, mostTurns};
 };
 
-TEST_F(ScenarioWriterTest, WritesAnEventWhenTheNextOneBegins) {
+TEST_F(RunWriterTest, WritesAnEventWhenTheNextOneBegins) {
     writer.event(Do::ClientConfigDel{"one"});
     EXPECT_EQ(written(), "");
     writer.event(Do::ClientConfigDel{"two"});
@@ -64,7 +62,7 @@ TEST_F(ScenarioWriterTest, WritesAnEventWhenTheNextOneBegins) {
     EXPECT_EQ(finished(), one + two);
 }
 
-TEST_F(ScenarioWriterTest, CountsTurnsThatMeetNothingTogether) {
+TEST_F(RunWriterTest, CountsTurnsThatMeetNothingTogether) {
     turn(1);
     turn(2);
     turn(5);
@@ -73,20 +71,20 @@ TEST_F(ScenarioWriterTest, CountsTurnsThatMeetNothingTogether) {
     EXPECT_EQ(finished(), "{\"do\":\"turn\",\"times\":3}\n" + one + "{\"do\":\"turn\"}\n");
 }
 
-TEST_F(ScenarioWriterTest, DigestAndTaskOfATurnAreOneTurn) {
+TEST_F(RunWriterTest, DigestAndTaskOfATurnAreOneTurn) {
     receiveWhole(1);
     writer.digestAnnounced(7);
     turn(7);
     EXPECT_EQ(finished(), digest1 + "{\"do\":\"turn\"}\n");
 }
 
-TEST_F(ScenarioWriterTest, WhatComesBehindTheTaskStandsBehindTheTurn) {
+TEST_F(RunWriterTest, WhatComesBehindTheTaskStandsBehindTheTurn) {
     turn(1);
     writer.event(Do::ClientConfigDel{"one"});
     EXPECT_EQ(finished(), "{\"do\":\"turn\"}\n" + one);
 }
 
-TEST_F(ScenarioWriterTest, RemarksOnWhatComesBetweenDigestAndTask) {
+TEST_F(RunWriterTest, RemarksOnWhatComesBetweenDigestAndTask) {
     receiveWhole(1);
     writer.digestAnnounced(7);
     writer.event(Do::ClientConfigDel{"one"});
@@ -96,7 +94,7 @@ TEST_F(ScenarioWriterTest, RemarksOnWhatComesBetweenDigestAndTask) {
                               "task\n{\"do\":\"turn\"}\n");
 }
 
-TEST_F(ScenarioWriterTest, DigestsStandAheadOfTheTurnsThatReadThem) {
+TEST_F(RunWriterTest, DigestsStandAheadOfTheTurnsThatReadThem) {
     receiveWhole(1);
     receiveWhole(2);
     turn(1);
@@ -106,7 +104,7 @@ TEST_F(ScenarioWriterTest, DigestsStandAheadOfTheTurnsThatReadThem) {
                               "{\"do\":\"turn\"}\n");
 }
 
-TEST_F(ScenarioWriterTest, DigestsThatNobodyReadsStandAheadOfTheStop) {
+TEST_F(RunWriterTest, DigestsThatNobodyReadsStandAheadOfTheStop) {
     writer.event(Do::Stop());
     receiveWhole(1);
     writer.event(Do::ClientConfigDel{"one"});
@@ -114,7 +112,7 @@ TEST_F(ScenarioWriterTest, DigestsThatNobodyReadsStandAheadOfTheStop) {
     EXPECT_EQ(finished(), digest1 + stop + one + digest2);
 }
 
-TEST_F(ScenarioWriterTest, ADigestsLineWaitsForItsAcknowledgement) {
+TEST_F(RunWriterTest, ADigestsLineWaitsForItsAcknowledgement) {
     auto const reception = receive(1);
     writer.digestAnnounced(1);
     writer.event(Do::ClientConfigDel{"one"});
@@ -129,12 +127,12 @@ TEST_F(ScenarioWriterTest, ADigestsLineWaitsForItsAcknowledgement) {
             digest1 + "{\"do\":\"turn\"}\n" + one + two);
 }
 
-TEST_F(ScenarioWriterTest, AtTheEndADigestNeedNotBeAcknowledged) {
+TEST_F(RunWriterTest, AtTheEndADigestNeedNotBeAcknowledged) {
     receive(1);
     EXPECT_EQ(finished(), digest1);
 }
 
-TEST_F(ScenarioWriterTest, CountersStandAheadOfTheEventThatReadsOthers) {
+TEST_F(RunWriterTest, CountersStandAheadOfTheEventThatReadsOthers) {
     turn(1);
     writer.counterRead(2, 0);
     turn(2);
@@ -152,7 +150,7 @@ TEST_F(ScenarioWriterTest, CountersStandAheadOfTheEventThatReadsOthers) {
               "{\"do\":\"turn\"}\n");
 }
 
-TEST_F(ScenarioWriterTest, CallsThatFailStandAheadOfTheirEvent) {
+TEST_F(RunWriterTest, CallsThatFailStandAheadOfTheirEvent) {
     turn(1);
     writer.called(SdkSeam::SdkFunction::genOnePkt, 0);
     writer.called(SdkSeam::SdkFunction::disableAppId, 0);
@@ -164,7 +162,7 @@ TEST_F(ScenarioWriterTest, CallsThatFailStandAheadOfTheirEvent) {
               "{\"do\":\"turn\"}\n");
 }
 
-TEST_F(ScenarioWriterTest, RemarksOnCallsThatFailInTwoWays) {
+TEST_F(RunWriterTest, RemarksOnCallsThatFailInTwoWays) {
     turn(1);
     writer.called(SdkSeam::SdkFunction::disableAppId, 5);
     writer.called(SdkSeam::SdkFunction::disableAppId, 6);
@@ -174,7 +172,7 @@ TEST_F(ScenarioWriterTest, RemarksOnCallsThatFailInTwoWays) {
               "{\"do\":\"turn\"}\n");
 }
 
-TEST_F(ScenarioWriterTest, SaysWhenATaskIsToYield) {
+TEST_F(RunWriterTest, SaysWhenATaskIsToYield) {
     writer.taskRuns(1, 64);
     writer.taskRuns(2, 64);
     writer.taskRuns(3, 0);
@@ -183,14 +181,14 @@ TEST_F(ScenarioWriterTest, SaysWhenATaskIsToYield) {
               "{\"do\":\"yieldAfter\",\"checks\":0}\n{\"do\":\"turn\"}\n");
 }
 
-TEST_F(ScenarioWriterTest, OneEventTakesNoMoreTurnsThanItMay) {
-    for (ScenarioWriter::TurnNumber number = 1; number <= mostTurns + 2; ++number) {
+TEST_F(RunWriterTest, OneEventTakesNoMoreTurnsThanItMay) {
+    for (RunWriter::TurnNumber number = 1; number <= mostTurns + 2; ++number) {
         turn(number);
     }
     EXPECT_EQ(finished(), "{\"do\":\"turn\",\"times\":10}\n{\"do\":\"turn\",\"times\":2}\n");
 }
 
-TEST_F(ScenarioWriterTest, RemarksStandBehindTheirEvent) {
+TEST_F(RunWriterTest, RemarksStandBehindTheirEvent) {
     writer.remark("early");
     writer.event(Do::ClientConfigDel{"one"});
     writer.remark("late");
@@ -198,4 +196,4 @@ TEST_F(ScenarioWriterTest, RemarksStandBehindTheirEvent) {
 }
 
 }  // namespace
-}  // namespace Agent
+}  // namespace Scenario

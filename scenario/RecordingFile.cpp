@@ -1,4 +1,4 @@
-#include "agent/RecordingFile.h"
+#include "scenario/RecordingFile.h"
 
 #include <fcntl.h>
 #include <unistd.h>
@@ -8,7 +8,7 @@
 #include <system_error>
 #include <utility>
 
-namespace Agent {
+namespace Scenario {
 
 RecordingFile::RecordingFile(std::string path)
     : path_(std::move(path)),
@@ -46,4 +46,4 @@ void RecordingFile::fail(std::string_view reason) noexcept {
     }
 }
 
-}  // namespace Agent
+}  // namespace Scenario
