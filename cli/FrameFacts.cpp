@@ -3,6 +3,7 @@
 #include <cstddef>
 
 #include "Net/EtherType.h"
+#include "Net/IpProtocol.h"
 #include "softchip/Frame.h"
 
 namespace Cli {
@@ -10,7 +11,6 @@ namespace {
 
 constexpr std::size_t addressesSize = 12;
 constexpr std::size_t tagSize = 4;
-constexpr std::uint8_t protocolGre = 47;
 
 // The chip's parser takes two tags at most; this looks behind any number of them.
 std::uint16_t innermostEtherType(std::span<std::uint8_t const> frame) {
@@ -30,7 +30,7 @@ FrameFacts frameFacts(std::span<std::uint8_t const> frame) {
     FrameFacts facts;
     facts.etherType = innermostEtherType(frame);
     facts.mpls = Net::EtherType::isMpls(facts.etherType);
-    facts.gre = parsed.isIp() && parsed.hasIp && parsed.protocol == protocolGre;
+    facts.gre = parsed.isIp() && parsed.hasIp && parsed.protocol == Net::IpProtocol::gre;
     return facts;
 }
 

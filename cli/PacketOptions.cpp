@@ -6,6 +6,7 @@
 #include <string_view>
 
 #include "Net/Number.h"
+#include "Net/TcpFlag.h"
 #include "cli/HexBytes.h"
 #include "cli/UsageError.h"
 
@@ -40,16 +41,14 @@ std::vector<std::string_view> parts(std::string_view text) {
 }
 
 std::optional<std::uint8_t> tcpFlagsFromText(std::string_view text) {
-    static constexpr std::array<std::string_view, 8> names{"fin", "syn", "rst", "psh",
-                                                           "ack", "urg", "ece", "cwr"};
     std::uint8_t flags = 0;
     for (std::string_view const part :
          text == "none" ? std::vector<std::string_view>() : parts(text)) {
-        auto const name = std::ranges::find(names, part);
-        if (name == names.end()) {
+        auto const bit = Net::TcpFlag::fromText(part);
+        if (!bit) {
             return std::nullopt;
         }
-        flags = static_cast<std::uint8_t>(flags | 1U << (name - names.begin()));
+        flags |= *bit;
     }
     return flags;
 }

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "Net/IpProtocol.h"
+
 namespace SoftChip {
 namespace {
 
@@ -212,13 +214,13 @@ void parseL4(Bytes bytes, ParsedFrame& frame) {
     if (!frame.hasIp || frame.laterFragment) {
         return;
     }
-    if (frame.protocol == protocolTcp) {
+    if (frame.protocol == Net::IpProtocol::tcp) {
         parseTcp(bytes, frame);
-    } else if (frame.protocol == protocolUdp) {
+    } else if (frame.protocol == Net::IpProtocol::udp) {
         parseUdp(bytes, frame);
-    } else if (frame.protocol == protocolIcmp && frame.l3 == L3::ipv4) {
+    } else if (frame.protocol == Net::IpProtocol::icmp && frame.l3 == L3::ipv4) {
         parseIcmp(bytes, L4::icmp, frame);
-    } else if (frame.protocol == protocolIcmpv6 && frame.l3 == L3::ipv6) {
+    } else if (frame.protocol == Net::IpProtocol::icmpv6 && frame.l3 == L3::ipv6) {
         parseIcmp(bytes, L4::icmpv6, frame);
     }
 }

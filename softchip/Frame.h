@@ -15,11 +15,6 @@
 
 namespace SoftChip {
 
-constexpr std::uint8_t protocolIcmp = 1;
-constexpr std::uint8_t protocolTcp = 6;
-constexpr std::uint8_t protocolUdp = 17;
-constexpr std::uint8_t protocolIcmpv6 = 58;
-
 enum class L2Fault : std::uint8_t { none, tooShort, tagTooShort };
 
 enum class L3 : std::uint8_t { none, arp, ipv4, ipv6 };

@@ -160,7 +160,7 @@ std::uint16_t SwitchFileReader::aclOf(JsonNode value) {
     if (found == acls_.end()) {
         throw value.expected("an access list of the member acls");
     }
-    if (++aclPlaces_ > 0xffff) {
+    if (++aclUses_ > 0xffff) {
         throw value.expected("at most 65535 places with an access list");
     }
     return found->second;

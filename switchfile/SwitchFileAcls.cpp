@@ -4,7 +4,8 @@
 #include <set>
 
 #include "Net/EtherType.h"
-#include "softchip/Frame.h"
+#include "Net/IpProtocol.h"
+#include "Net/TcpFlag.h"
 #include "switchfile/NumberText.h"
 #include "switchfile/SwitchFileReader.h"
 
@@ -12,41 +13,6 @@ namespace SwitchFile {
 namespace {
 
 using SoftChip::FrameMatch;
-
-constexpr std::uint8_t protocolIgmp = 2;
-constexpr std::uint8_t protocolGre = 47;
-constexpr std::uint8_t protocolOspf = 89;
-constexpr std::uint8_t protocolPim = 103;
-constexpr std::uint8_t protocolVrrp = 112;
-
-struct ProtocolName {
-    std::string_view name;
-    std::uint8_t number;
-};
-constexpr std::array protocolNames{ProtocolName{"icmp", SoftChip::protocolIcmp},
-                                   ProtocolName{"igmp", protocolIgmp},
-                                   ProtocolName{"tcp", SoftChip::protocolTcp},
-                                   ProtocolName{"udp", SoftChip::protocolUdp},
-                                   ProtocolName{"gre", protocolGre},
-                                   ProtocolName{"icmpv6", SoftChip::protocolIcmpv6},
-                                   ProtocolName{"ospf", protocolOspf},
-                                   ProtocolName{"pim", protocolPim},
-                                   ProtocolName{"vrrp", protocolVrrp}};
-
-struct FlagName {
-    std::string_view name;
-    std::uint8_t bit;
-};
-constexpr std::array tcpFlagNames{
-    FlagName{"fin", 0x01}, FlagName{"syn", 0x02}, FlagName{"rst", 0x04}, FlagName{"psh", 0x08},
-    FlagName{"ack", 0x10}, FlagName{"urg", 0x20}, FlagName{"ece", 0x40}, FlagName{"cwr", 0x80}};
-
-template <class Names>
-auto const* named(Names const& names, std::string_view name) {
-    auto const found = std::find_if(names.begin(), names.end(),
-                                    [name](auto const& entry) { return entry.name == name; });
-    return found == names.end() ? nullptr : &*found;
-}
 
 std::uint8_t readByte(JsonNode value, int most, std::string_view what) {
     return static_cast<std::uint8_t>(value.integer(0, most, what));
@@ -72,11 +38,11 @@ std::uint8_t readProtocol(JsonNode value) {
     }
     constexpr std::string_view expected =
         "an IP protocol: icmp, igmp, tcp, udp, gre, icmpv6, ospf, pim, vrrp or a number";
-    auto const* const known = named(protocolNames, value.text(expected));
-    if (known == nullptr) {
+    auto const known = Net::IpProtocol::fromText(value.text(expected));
+    if (!known) {
         throw value.expected(expected);
     }
-    return known->number;
+    return *known;
 }
 
 SoftChip::Range readNumberRange(JsonNode value, std::uint16_t most, std::string_view what) {
@@ -119,14 +85,14 @@ SoftChip::TcpFlagsMatch readTcpFlags(JsonNode value) {
         std::string_view flag = rest.substr(0, comma);
         bool const set = flag.empty() || flag[0] != '!';
         flag.remove_prefix(set ? 0 : 1);
-        auto const* const known = named(tcpFlagNames, flag);
-        if (known == nullptr || (match.mask & known->bit) != 0) {
+        auto const known = Net::TcpFlag::fromText(flag);
+        if (!known || (match.mask & *known) != 0) {
             throw value.expected(
                 "fin, syn, rst, psh, ack, urg, ece and cwr, each at most once, with ! for a flag "
                 "that is not set, as in \"syn,!ack\"");
         }
-        match.mask |= known->bit;
-        match.value |= set ? known->bit : std::uint8_t{0};
+        match.mask |= *known;
+        match.value |= set ? *known : std::uint8_t{0};
         if (comma == std::string_view::npos) {
             return match;
         }
@@ -199,11 +165,11 @@ void refuseImpossible(JsonNode rule, FrameMatch const& match) {
         }
     };
     for (std::string_view const field : {"sourcePort", "destinationPort"}) {
-        needs(field, {SoftChip::protocolTcp, SoftChip::protocolUdp}, "tcp or udp");
+        needs(field, {Net::IpProtocol::tcp, Net::IpProtocol::udp}, "tcp or udp");
     }
-    needs("tcpFlags", {SoftChip::protocolTcp}, "tcp");
+    needs("tcpFlags", {Net::IpProtocol::tcp}, "tcp");
     for (std::string_view const field : {"icmpType", "icmpCode"}) {
-        needs(field, {SoftChip::protocolIcmp, SoftChip::protocolIcmpv6}, "icmp or icmpv6");
+        needs(field, {Net::IpProtocol::icmp, Net::IpProtocol::icmpv6}, "icmp or icmpv6");
     }
 }
 
@@ -214,13 +180,13 @@ FrameMatch ipProtocol(std::uint8_t number) {
 }
 
 FrameMatch udpTo(std::uint16_t first, std::uint16_t last) {
-    FrameMatch match = ipProtocol(SoftChip::protocolUdp);
+    FrameMatch match = ipProtocol(Net::IpProtocol::udp);
     match.dstPort = SoftChip::Range{first, last};
     return match;
 }
 
 FrameMatch neighbourDiscovery(std::uint8_t type) {
-    FrameMatch match = ipProtocol(SoftChip::protocolIcmpv6);
+    FrameMatch match = ipProtocol(Net::IpProtocol::icmpv6);
     match.icmpType = type;
     return match;
 }
@@ -246,7 +212,7 @@ std::vector<FrameMatch> protocolMatches(std::string_view name) {
         return {udpTo(3784, 3785)};
     }
     if (name == "igmp" || name == "ospf" || name == "pim" || name == "vrrp") {
-        return {ipProtocol(named(protocolNames, name)->number)};
+        return {ipProtocol(*Net::IpProtocol::fromText(name))};
     }
     return {};
 }

@@ -51,7 +51,7 @@ void SwitchFileReader::readNeighbour(JsonNode value, Interface const& intf) {
     if (ownAddresses_.find({intf.routing->vrf, *address}) != nullptr) {
         throw value.expected("an address that is not the switch's own", value.shownName());
     }
-    if (!isFirst(seenNeighbours_, {model_.places.at(intf.id), *address})) {
+    if (!isFirst(seenNeighbours_, {model_.interfaceIndexes.at(intf.id), *address})) {
         throw value.expected("each address once", value.shownName() + " again");
     }
     auto const mac = readStationMac(value, value.text("a MAC address"), value.shown());

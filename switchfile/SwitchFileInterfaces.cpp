@@ -61,7 +61,7 @@ JsonNode firstOf(JsonNode object, std::initializer_list<std::string_view> names)
 
 void SwitchFileReader::readInterfaces(JsonNode value) {
     model_.interfaces.reserve(value.object().size());
-    places_.reserve(value.size());
+    interfaceNodes_.reserve(value.size());
     for (JsonNode const intf : value) {
         readInterface(intf);
     }
@@ -80,8 +80,8 @@ void SwitchFileReader::readInterface(JsonNode value) {
     }
     Interface& intf = model_.interfaces.emplace_back();
     intf.id = *id;
-    places_.push_back(value);
-    model_.places.emplace(*id, static_cast<std::uint32_t>(model_.interfaces.size() - 1));
+    interfaceNodes_.push_back(value);
+    model_.interfaceIndexes.emplace(*id, static_cast<std::uint32_t>(model_.interfaces.size() - 1));
     switch (id->kind()) {
         case Kind::physical:
             readPort(value, intf);
@@ -323,7 +323,7 @@ void SwitchFileReader::readAddress(JsonNode value, Routing& routing) {
 void SwitchFileReader::joinLags() {
     for (std::size_t i = 0; i < model_.interfaces.size(); ++i) {
         if (model_.interfaces[i].id.kind() == Kind::lag) {
-            for (JsonNode const member : places_[i].member("members")) {
+            for (JsonNode const member : interfaceNodes_[i].member("members")) {
                 joinLag(member, model_.interfaces[i]);
             }
         }
@@ -337,7 +337,7 @@ void SwitchFileReader::joinLag(JsonNode value, Interface const& lag) {
     if (found.id.kind() != Kind::physical) {
         throw value.expected(expected);
     }
-    Interface& port = model_.interfaces[model_.places.at(found.id)];
+    Interface& port = model_.interfaces[model_.interfaceIndexes.at(found.id)];
     if (!port.lag.empty()) {
         throw value.expected("a port that is in no other LAG",
                              named(port) + ", which is in " + port.lag.stringValue());
@@ -353,7 +353,7 @@ void SwitchFileReader::joinLag(JsonNode value, Interface const& lag) {
                            use.shown());
     }
     port.lag = lag.id;
-    model_.interfaces[model_.places.at(lag.id)].members.push_back(port.id);
+    model_.interfaces[model_.interfaceIndexes.at(lag.id)].members.push_back(port.id);
 }
 
 void SwitchFileReader::attachSubInterfaces() {
@@ -367,16 +367,16 @@ void SwitchFileReader::attachSubInterfaces() {
         Plexa::IntfId const parentId = Plexa::SubIntfId::parentIntfId(intf.id);
         Interface const* const parent = model_.interface(parentId);
         if (parent == nullptr) {
-            throw places_[i].expected(
+            throw interfaceNodes_[i].expected(
                 "its parent " + parentId.stringValue() + " among the interfaces", "none");
         }
         if (!parent->lag.empty()) {
-            throw places_[i].expected(
+            throw interfaceNodes_[i].expected(
                 "a parent that is in no LAG",
                 named(*parent) + ", which is a member of " + parent->lag.stringValue());
         }
         if (!parent->routing) {
-            throw places_[i].expected(
+            throw interfaceNodes_[i].expected(
                 "a parent that is routed",
                 named(*parent) + (parent->switching ? ", which is a member of a VLAN"
                                   : parent->cpu     ? ", which is a CPU port"
@@ -384,13 +384,13 @@ void SwitchFileReader::attachSubInterfaces() {
         }
         auto& [tags, vlans] = used[parentId];
         if (tags[intf.tag]) {
-            throw places_[i].expected(
+            throw interfaceNodes_[i].expected(
                 "a tag that no other sub-interface of " + named(*parent) + " has",
                 std::to_string(intf.tag) + " again");
         }
         tags[intf.tag] = true;
         if (intf.vlan != 0 && vlans[intf.vlan]) {
-            throw places_[i].member("vlan").expected(
+            throw interfaceNodes_[i].member("vlan").expected(
                 "a VLAN that no other sub-interface of " + named(*parent) + " is bridged into",
                 std::to_string(intf.vlan) + " again");
         }
@@ -409,7 +409,8 @@ void SwitchFileReader::numberInternalVlans() {
             --next;
         }
         if (next == 0) {
-            throw places_[i].expected("a VLAN left for the internal use of what routes", "none");
+            throw interfaceNodes_[i].expected("a VLAN left for the internal use of what routes",
+                                              "none");
         }
         intf.internalVlan = next--;
     }

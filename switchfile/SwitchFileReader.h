@@ -100,7 +100,7 @@ class SwitchFileReader {
     }
 
     JsonNode at(Interface const& intf) const {
-        return places_[static_cast<std::size_t>(&intf - model_.interfaces.data())];
+        return interfaceNodes_[static_cast<std::size_t>(&intf - model_.interfaces.data())];
     }
 
     JsonNode root_;
@@ -108,8 +108,8 @@ class SwitchFileReader {
     VlanSet vlans_;
     std::unordered_map<std::string_view, std::uint16_t> vrfs_;
     std::unordered_map<std::string_view, std::uint16_t> acls_;
-    std::uint32_t aclPlaces_ = 0;   // uses of access lists; the chip numbers them
-    std::vector<JsonNode> places_;  // where each of model_.interfaces was read
+    std::uint32_t aclUses_ = 0;             // the chip numbers them
+    std::vector<JsonNode> interfaceNodes_;  // where each of model_.interfaces was read
     std::array<Plexa::IntfId, SoftChip::maxDevicePort + 1> portOwners_;
     SoftChip::FlatHash<ScopedIp, std::uint32_t> ownAddresses_;  // to indexes of interfaces
     SoftChip::Lpm<std::uint32_t> connected_;                    // the same

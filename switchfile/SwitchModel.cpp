@@ -5,8 +5,8 @@
 namespace SwitchFile {
 
 Interface const* SwitchModel::interface(Plexa::IntfId const& id) const {
-    auto const found = places.find(id);
-    return found == places.end() ? nullptr : &interfaces[found->second];
+    auto const found = interfaceIndexes.find(id);
+    return found == interfaceIndexes.end() ? nullptr : &interfaces[found->second];
 }
 
 Interface const* SwitchModel::entryPort(Interface const& intf) const {

@@ -131,7 +131,7 @@ struct SwitchModel {
     std::vector<FdbEntry> fdb;
 
     // Index of an interface in `interfaces`.
-    std::unordered_map<Plexa::IntfId, std::uint32_t> places;
+    std::unordered_map<Plexa::IntfId, std::uint32_t> interfaceIndexes;
 
     // The interface of that name, or null. Constant time.
     Interface const* interface(Plexa::IntfId const& id) const;

@@ -1,5 +1,6 @@
 #include "PacketTracer/PacketFields.h"
 
+#include <algorithm>
 #include <array>
 
 namespace PacketTracer {
@@ -37,13 +38,11 @@ std::string valueText(std::uint32_t number) {
 }
 
 std::string tcpFlagsText(std::uint8_t flags) {
-    static constexpr std::array<std::string_view, 8> names{"fin", "syn", "rst", "psh",
-                                                           "ack", "urg", "ece", "cwr"};
     std::string joined;
-    for (unsigned bit = 0; bit < names.size(); ++bit) {
-        if ((flags >> bit & 1) != 0) {
+    for (TcpFlag::Name const& flag : TcpFlag::names) {
+        if ((flags & flag.bit) != 0) {
             joined += joined.empty() ? "" : ",";
-            joined += names[bit];
+            joined += flag.name;
         }
     }
     return joined.empty() ? "none" : joined;
@@ -124,17 +123,9 @@ std::uint16_t impliedEtherType(PacketFields const& fields) noexcept {
 }
 
 std::string_view text(IpProtocol protocol) noexcept {
-    switch (protocol) {
-        case IpProtocol::icmp:
-            return "icmp";
-        case IpProtocol::tcp:
-            return "tcp";
-        case IpProtocol::udp:
-            return "udp";
-        case IpProtocol::icmpv6:
-            return "icmpv6";
-    }
-    return "other";
+    bool const isKnown =
+        std::find(ipProtocols.begin(), ipProtocols.end(), protocol) != ipProtocols.end();
+    return isKnown ? Net::IpProtocol::text(static_cast<std::uint8_t>(protocol)) : "other";
 }
 
 std::optional<IpProtocol> ipProtocolFromText(std::string_view text) noexcept {

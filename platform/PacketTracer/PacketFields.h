@@ -15,7 +15,9 @@
 
 #include "Kel/Reflection.h"
 #include "Net/IpAddress.h"
+#include "Net/IpProtocol.h"
 #include "Net/MacAddress.h"
+#include "Net/TcpFlag.h"
 #include "Net/VlanTag.h"
 #include "Vanta/Bytes.h"
 #include "VynExport.h"
@@ -26,20 +28,17 @@ using Net::IpAddress;
 using Net::MacAddress;
 using Net::VlanTag;
 
-enum class IpProtocol : std::uint8_t { icmp = 1, tcp = 6, udp = 17, icmpv6 = 58 };
+// Those that a frame can be built with.
+enum class IpProtocol : std::uint8_t {
+    icmp = Net::IpProtocol::icmp,
+    tcp = Net::IpProtocol::tcp,
+    udp = Net::IpProtocol::udp,
+    icmpv6 = Net::IpProtocol::icmpv6,
+};
 
 enum class ArpOperation : std::uint16_t { request = 1, reply = 2 };
 
-namespace TcpFlag {
-inline constexpr std::uint8_t fin = 0x01;
-inline constexpr std::uint8_t syn = 0x02;
-inline constexpr std::uint8_t rst = 0x04;
-inline constexpr std::uint8_t psh = 0x08;
-inline constexpr std::uint8_t ack = 0x10;
-inline constexpr std::uint8_t urg = 0x20;
-inline constexpr std::uint8_t ece = 0x40;
-inline constexpr std::uint8_t cwr = 0x80;
-}  // namespace TcpFlag
+namespace TcpFlag = Net::TcpFlag;
 
 struct ArpFields {
     std::optional<ArpOperation> operation;
