@@ -10,7 +10,7 @@ using Kind = Plexa::IntfId::Kind;
 
 VynSystem::PortInfo portInfo(Interface const& port) {
     return {static_cast<std::uint8_t>(SoftChip::pipeOf(port.devicePort)),
-            VynPortTypes::PortIndex(port.devicePort % 128)};
+            VynPortTypes::PortIndex(SoftChip::indexInPipe(port.devicePort))};
 }
 
 void derivePorts(SwitchModel const& model, ForwardingState& state) {

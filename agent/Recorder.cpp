@@ -92,36 +92,35 @@ void Recorder::processEnds(std::string_view, std::string_view) {
 
 void Recorder::published(Vanta::Change const& change) {
     try {
-        record(change.publisher, change.attribute, change.key);
+        record(change);
     } catch (std::exception const& error) {
         writer_.use([&](Scenario::RunWriter&) { throw std::runtime_error(error.what()); });
     }
 }
 
-void Recorder::record(Vanta::Publisher const& publisher, Vanta::AttributeNumber attribute,
-                      Vanta::ValueRef key) {
-    Vanta::Node const* const owner = publisher.owner();
+void Recorder::record(Vanta::Change const& change) {
+    Vanta::Node const* const owner = change.publisher.owner();
     if (owner == subject_.clientConfigs.get()) {
-        configEntry(key.get<Vanta::String>());
+        configEntry(change.key.get<Vanta::String>());
     } else if (owner == subject_.clientStatuses.get()) {
-        statusEntry(key.get<Vanta::String>());
+        statusEntry(change.key.get<Vanta::String>());
     } else if (auto const* task = dynamic_cast<Orb::Task const*>(owner)) {
-        if (attribute == Orb::Task::runAttribute && task->name() == engineTask) {
+        if (change.attribute == Orb::Task::runAttribute && task->name() == engineTask) {
             writer_.use([&](Scenario::RunWriter& writer) {
                 writer.taskRuns(subject_.loop->turns(), subject_.loop->yieldAfter());
             });
         }
     } else if (auto const* descriptor = dynamic_cast<Orb::FileDescriptor const*>(owner)) {
-        if (attribute == Orb::FileDescriptor::readableAttribute &&
+        if (change.attribute == Orb::FileDescriptor::readableAttribute &&
             descriptor->name() == digestDescriptor) {
             digestTurn_ = subject_.loop->turns();
             writer_.use([&](Scenario::RunWriter& writer) { writer.digestAnnounced(digestTurn_); });
         }
     } else if (auto const* request = dynamic_cast<Request const*>(owner)) {
-        requestAttribute(*request, attribute);
+        requestAttribute(*request, change.attribute);
     } else if (auto const* config = dynamic_cast<ClientConfig const*>(owner)) {
-        if (attribute == ClientConfig::requestAttribute) {
-            requestEntry(*config, key.get<RequestId>());
+        if (change.attribute == ClientConfig::requestAttribute) {
+            requestEntry(*config, change.key.get<RequestId>());
         }
     }
 }

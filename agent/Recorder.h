@@ -58,8 +58,7 @@ class Recorder {
     void published(Vanta::Change const& change);
     void processEnds(std::string_view errorClass, std::string_view text);
 
-    void record(Vanta::Publisher const& publisher, Vanta::AttributeNumber attribute,
-                Vanta::ValueRef key);
+    void record(Vanta::Change const& change);
     void configEntry(Vanta::String const& name);
     void statusEntry(Vanta::String const& name);
     void requestEntry(Vanta::Node const& config, PacketTracer::RequestId const& id);

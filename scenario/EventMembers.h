@@ -14,6 +14,7 @@
 #include <algorithm>
 #include <array>
 #include <string_view>
+#include <type_traits>
 
 #include "VynPortTypes/PortIndex.h"
 #include "scenario/Event.h"
@@ -138,7 +139,7 @@ void members(auto& io, Do::Request& e) {
 }
 void members(auto& io, Do::RequestSet& e) {
     using Attribute = Do::RequestAttribute;
-    auto const value = [&]<class T>(T) {
+    auto const value = [&]<class T>(std::type_identity<T>) {
         if (!std::holds_alternative<T>(e.value)) {
             e.value.template emplace<T>();
         }
@@ -152,13 +153,13 @@ void members(auto& io, Do::RequestSet& e) {
         case Attribute::valid:
         case Attribute::mpls:
         case Attribute::gre:
-            return value(bool());
+            return value(std::type_identity<bool>());
         case Attribute::etherType:
-            return value(std::uint16_t());
+            return value(std::type_identity<std::uint16_t>());
         case Attribute::intf:
-            return value(Plexa::IntfId());
+            return value(std::type_identity<Plexa::IntfId>());
         case Attribute::raw:
-            return value(Vanta::Bytes());
+            return value(std::type_identity<Vanta::Bytes>());
     }
 }
 void members(auto& io, Do::RequestDel& e) {

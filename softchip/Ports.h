@@ -4,11 +4,12 @@
 #include <compare>
 #include <cstdint>
 
+#include "sdkseam/TraceDigest.h"
 #include "softchip/Mix.h"
 
 namespace SoftChip {
 
-using DevicePort = std::uint16_t;  // pipe * 128 + index in the pipe
+using DevicePort = std::uint16_t;  // pipe * portsPerPipe + index in the pipe
 using LagId = std::uint16_t;
 using VrfId = std::uint16_t;
 // What a frame is bridged in: a VLAN, or the internal VLAN of a routed port or sub-interface. 1 to
@@ -16,13 +17,18 @@ using VrfId = std::uint16_t;
 using DomainId = std::uint16_t;
 
 constexpr DevicePort maxDevicePort = 455;
-constexpr DevicePort noEgressPort = 511;  // what a digest says when no single port was chosen
+// What a digest says when no single port was chosen.
+constexpr DevicePort noEgressPort = SdkSeam::TraceDigest::noEgressPort;
 constexpr DomainId noDomain = 0;
 constexpr DomainId maxDomain = 4094;
 constexpr unsigned pipeCount = 4;
+constexpr unsigned portsPerPipe = 128;  // the last pipe has fewer
 
 constexpr unsigned pipeOf(DevicePort port) {
-    return port >> 7;
+    return port / portsPerPipe;
+}
+constexpr DevicePort indexInPipe(DevicePort port) {
+    return port % portsPerPipe;
 }
 
 // What bridging and routing send to: a single port, a whole LAG, or nothing. A member of a LAG is

@@ -9,7 +9,7 @@ using SdkSeam::SdkCall;
 namespace {
 
 bool portExists(std::uint32_t pipe, std::uint8_t portIndex) {
-    return portIndex < 128 && pipe * 128 + portIndex <= maxDevicePort;
+    return portIndex < portsPerPipe && pipe * portsPerPipe + portIndex <= maxDevicePort;
 }
 
 Status firstOf(Status first, bool holds, Status otherwise) {

@@ -21,11 +21,11 @@ std::uint16_t readDevicePort(JsonNode value) {
     auto const pipe = parseNumber(text.substr(0, slash), 0, SoftChip::pipeCount - 1);
     auto const index = slash == std::string_view::npos
                            ? std::nullopt
-                           : parseNumber(text.substr(slash + 1), 0, 127);
-    if (!pipe || !index || *pipe * 128 + *index > SoftChip::maxDevicePort) {
+                           : parseNumber(text.substr(slash + 1), 0, SoftChip::portsPerPipe - 1);
+    if (!pipe || !index || *pipe * SoftChip::portsPerPipe + *index > SoftChip::maxDevicePort) {
         throw value.expected(expected);
     }
-    return static_cast<std::uint16_t>(*pipe * 128 + *index);
+    return static_cast<std::uint16_t>(*pipe * SoftChip::portsPerPipe + *index);
 }
 
 std::string named(Interface const& intf) {

@@ -15,13 +15,14 @@
 #include "Net/IpAddress.h"
 #include "Net/MacAddress.h"
 #include "Net/Prefix.h"
+#include "Net/VlanTag.h"
 #include "Plexa/IntfId.h"
 #include "softchip/Acl.h"
 #include "softchip/Tables.h"
 
 namespace SwitchFile {
 
-inline constexpr std::uint16_t maxVlan = 4094;
+using Net::maxVlan;
 using VlanSet = std::bitset<maxVlan + 1>;
 
 // The VLANs of a port or LAG. An access port has an untagged VLAN alone.

@@ -5,8 +5,6 @@
 namespace Net {
 namespace {
 
-constexpr std::uint16_t largestVlan = 4094;
-
 std::string_view firstPart(std::string_view text) noexcept {
     return text.substr(0, text.find(','));
 }
@@ -34,7 +32,7 @@ bool setPart(VlanTag& tag, std::string_view part) noexcept {
 
 std::optional<VlanTag> VlanTag::fromText(std::string_view text) noexcept {
     VlanTag tag;
-    if (!set(tag.vlan, firstPart(text), largestVlan)) {
+    if (!set(tag.vlan, firstPart(text), maxVlan)) {
         return std::nullopt;
     }
     while (text.find(',') != std::string_view::npos) {

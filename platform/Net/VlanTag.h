@@ -11,6 +11,9 @@
 
 namespace Net {
 
+// The largest number of a VLAN; the one above it is reserved.
+inline constexpr std::uint16_t maxVlan = 4094;
+
 struct VYN_EXPORT VlanTag {
     std::uint16_t tpid = EtherType::vlan;
     std::uint16_t vlan = 0;     // 0 to 4095: 0 is a priority tag, 4095 is reserved
@@ -28,7 +31,7 @@ struct VYN_EXPORT VlanTag {
     }
 
     // As people write one: "20", "20,priority=5,tpid=0x88a8,dei". Numbers are decimal or, after
-    // "0x", hexadecimal, the VLAN at most 4094; nothing for any other text.
+    // "0x", hexadecimal, the VLAN at most maxVlan; nothing for any other text.
     static std::optional<VlanTag> fromText(std::string_view text) noexcept;
     // The whole tag, with nothing left out: "20 tpid 0x88a8 priority 5 drop-eligible".
     std::string text() const;

@@ -55,7 +55,7 @@ Fault tagsFault(std::vector<VlanTag> const& tags) {
             return isOuter ? "an outer tag other than 0x8100 or 0x88a8"
                            : "an inner tag other than 0x8100";
         }
-        if (tag.vlan > 4094) {
+        if (tag.vlan > Net::maxVlan) {
             return "a VLAN beyond 4094";
         }
         if (tag.priority > 7) {

@@ -12,6 +12,12 @@ TEST(Ports, BelongToThePipeOfTheirUpperBits) {
     EXPECT_EQ(pipeOf(maxDevicePort), 3u);
 }
 
+TEST(Ports, HaveAnIndexInTheirPipe) {
+    EXPECT_EQ(indexInPipe(127), 127);
+    EXPECT_EQ(indexInPipe(128), 0);
+    EXPECT_EQ(indexInPipe(maxDevicePort), 71);
+}
+
 TEST(LogicalPort, TellsPortsLagsAndNothingApart) {
     EXPECT_TRUE(LogicalPort().isNone());
     EXPECT_NE(LogicalPort::port(0), LogicalPort());
