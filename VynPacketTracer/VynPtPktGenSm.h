@@ -256,10 +256,10 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
     bool hasSocket() const noexcept;
 
     struct DigestBytes;
-    struct DigestEntry;
+    struct DigestValues;
     void processDigestEntry(DigestBytes const& bytes);
-    DigestEntry readDigestEntry(DigestBytes const& bytes) const;
-    void completeStatus(PktGenStatusData& status, DigestEntry const& digest);
+    DigestValues readDigestEntry(DigestBytes const& bytes) const;
+    void completeStatus(PktGenStatusData& status, DigestValues const& digest);
     template <class Unsigned>
     Unsigned digestField(DigestBytes const& bytes, std::string_view field,
                          std::string_view shortName) const;

@@ -187,7 +187,7 @@ struct PktGenSm::DigestBytes {
 };
 
 // The fields of one digest entry, beside the packet id.
-struct PktGenSm::DigestEntry {
+struct PktGenSm::DigestValues {
     std::uint8_t copyToCpu;
     std::uint16_t egrL2Domain;
     std::uint16_t ucastEgressPort;
@@ -278,7 +278,7 @@ Unsigned PktGenSm::digestField(DigestBytes const& bytes, std::string_view field,
 void PktGenSm::processDigestEntry(DigestBytes const& bytes) {
     auto const pktId = digestField<std::uint16_t>(bytes, "pktGen_pktId", "pktId");
     Trace::twinlog(trace, 7, "processPktTracerDigest:PktId:%s", pktId);
-    std::optional<DigestEntry> digest;  // read at the first match
+    std::optional<DigestValues> digest;  // read at the first match
     PktGenStatus::PktIdWalk walk(*args_.status, pktId);
     while (auto const matching = walk.next()) {
         if (!digest) {
@@ -288,10 +288,10 @@ void PktGenSm::processDigestEntry(DigestBytes const& bytes) {
     }
 }
 
-PktGenSm::DigestEntry PktGenSm::readDigestEntry(DigestBytes const& bytes) const {
+PktGenSm::DigestValues PktGenSm::readDigestEntry(DigestBytes const& bytes) const {
     using U8 = std::uint8_t;
     using U16 = std::uint16_t;
-    DigestEntry digest;
+    DigestValues digest;
     digest.copyToCpu = digestField<U8>(bytes, "pktTracerMd_copy_to_cpu", "copyToCpu");
     digest.egrL2Domain = digestField<U16>(bytes, "egrMd_egrL2Domain", "egrL2Domain");
     digest.ucastEgressPort =
@@ -302,7 +302,7 @@ PktGenSm::DigestEntry PktGenSm::readDigestEntry(DigestBytes const& bytes) const 
     return digest;
 }
 
-void PktGenSm::completeStatus(PktGenStatusData& status, DigestEntry const& digest) {
+void PktGenSm::completeStatus(PktGenStatusData& status, DigestValues const& digest) {
     bool const copyToCpu = digest.copyToCpu != 0;
     bool const routed = digest.routed != 0;
     bool const dropped = digest.dropCtl != 0;

@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "agent/DeriveTables.h"
-#include "agent/Recorder.h"
+#include "agent/RunRecorder.h"
 #include "sdkseam/DigestLayout.h"
 
 namespace Agent {
@@ -24,10 +24,10 @@ ForwardingAgent::ForwardingAgent(SwitchFile::SwitchModel const& model, AgentOpti
     mounts_->statusIs(clientStatuses_);
     loadChip(model);
     if (options_.recording != nullptr) {
-        recorder_ =
-            std::make_unique<Recorder>(Recorder::Subject{loop_, clientConfigs_, clientStatuses_,
-                                                         state_, phase0Data_, options_.device},
-                                       *options_.recording);
+        recorder_ = std::make_unique<RunRecorder>(
+            RunRecorder::Subject{loop_, clientConfigs_, clientStatuses_, state_, phase0Data_,
+                                 options_.device},
+            *options_.recording);
     }
     loadTracer();
 }

@@ -36,7 +36,7 @@ struct AgentOptions {
     Scenario::RecordingFile* recording = nullptr;
 };
 
-class Recorder;
+class RunRecorder;
 
 class ForwardingAgent {
   public:
@@ -84,7 +84,7 @@ class ForwardingAgent {
     ForwardingState state_;
     SoftChip::SoftChip chip_;
     Vanta::Ptr<SoftChip::Phase0Data> phase0Data_;
-    std::unique_ptr<Recorder> recorder_;
+    std::unique_ptr<RunRecorder> recorder_;
     Vanta::Ptr<VynPacketTracer::PacketTracerSm> tracer_;
 };
 

@@ -1,4 +1,4 @@
-#include "agent/Recorder.h"
+#include "agent/RunRecorder.h"
 
 #include <stdexcept>
 #include <utility>
@@ -35,7 +35,7 @@ Do::Entity entityOf(Vanta::Ptr<Vanta::Node> const& any, Vanta::Ptr<Vanta::Node> 
 
 }  // namespace
 
-Recorder::Recorder(Subject const& subject, Scenario::RecordingFile& file)
+RunRecorder::RunRecorder(Subject const& subject, Scenario::RecordingFile& file)
     : subject_(subject),
       writer_(file),
       chip_(subject.device, writer_),
@@ -59,38 +59,38 @@ Recorder::Recorder(Subject const& subject, Scenario::RecordingFile& file)
     }
 }
 
-Recorder::~Recorder() {
+RunRecorder::~RunRecorder() {
     phase0_->listenerDel();
     writer_.use([](Scenario::RunWriter& writer) { writer.finish(); });
 }
 
-void Recorder::event(Scenario::Event event) {
+void RunRecorder::event(Scenario::Event event) {
     writer_.use([&](Scenario::RunWriter& writer) { writer.event(std::move(event)); });
 }
 
-void Recorder::starting(bool pktTracerSupported, bool pktGenSupported, std::uint32_t session) {
+void RunRecorder::starting(bool pktTracerSupported, bool pktGenSupported, std::uint32_t session) {
     event(Do::Start{pktTracerSupported, pktGenSupported, session, subject_.device});
     running_ = true;
 }
 
-void Recorder::stopping() {
+void RunRecorder::stopping() {
     event(Do::Stop());
     running_ = false;
 }
 
-void Recorder::forwardingStateChanged() {
+void RunRecorder::forwardingStateChanged() {
     for (Scenario::Event& change : state_.becomes(subject_.forwardingState)) {
         event(std::move(change));
     }
 }
 
-void Recorder::processEnds(std::string_view, std::string_view) {
+void RunRecorder::processEnds(std::string_view, std::string_view) {
     writer_.use([](Scenario::RunWriter& writer) { writer.finish(); });
 }
 
 // ---- What is published
 
-void Recorder::published(Vanta::Change const& change) {
+void RunRecorder::published(Vanta::Change const& change) {
     try {
         record(change);
     } catch (std::exception const& error) {
@@ -98,7 +98,7 @@ void Recorder::published(Vanta::Change const& change) {
     }
 }
 
-void Recorder::record(Vanta::Change const& change) {
+void RunRecorder::record(Vanta::Change const& change) {
     Vanta::Node const* const owner = change.publisher.owner();
     if (owner == subject_.clientConfigs.get()) {
         configEntry(change.key.get<Vanta::String>());
@@ -127,7 +127,7 @@ void Recorder::record(Vanta::Change const& change) {
 
 // ---- Clients
 
-void Recorder::configEntry(Vanta::String const& name) {
+void RunRecorder::configEntry(Vanta::String const& name) {
     auto const* const entry = subject_.clientConfigs->entry().find(name);
     if (entry == nullptr) {
         event(Do::ClientConfigDel{name});
@@ -144,7 +144,7 @@ void Recorder::configEntry(Vanta::String const& name) {
     }
 }
 
-void Recorder::statusEntry(Vanta::String const& name) {
+void RunRecorder::statusEntry(Vanta::String const& name) {
     auto const* const entry = subject_.clientStatuses->entry().find(name);
     if (entry == nullptr) {
         event(Do::ClientStatusDel{name});
@@ -167,7 +167,7 @@ void Recorder::statusEntry(Vanta::String const& name) {
 }
 
 // An entry with content appears in one change; in a scenario its content follows it.
-void Recorder::content(std::string_view what, Vanta::String const& client, std::size_t count) {
+void RunRecorder::content(std::string_view what, Vanta::String const& client, std::size_t count) {
     if (running_ && count > 0) {
         writer_.use([&](Scenario::RunWriter& writer) {
             writer.remark("the entry of " + std::string(client.view()) + " came with these " +
@@ -176,7 +176,7 @@ void Recorder::content(std::string_view what, Vanta::String const& client, std::
     }
 }
 
-void Recorder::requestEntry(Vanta::Node const& config, RequestId const& id) {
+void RunRecorder::requestEntry(Vanta::Node const& config, RequestId const& id) {
     auto const there = subject_.clientConfigs->entity<ClientConfig>(id.clientName());
     if (there.get() != &config) {
         return;
@@ -189,7 +189,7 @@ void Recorder::requestEntry(Vanta::Node const& config, RequestId const& id) {
     }
 }
 
-void Recorder::requestAttribute(Request const& request, Vanta::AttributeNumber attribute) {
+void RunRecorder::requestAttribute(Request const& request, Vanta::AttributeNumber attribute) {
     auto const config = subject_.clientConfigs->entity<ClientConfig>(request.id().clientName());
     if (!config || config->request(request.id()).get() != &request) {
         return;

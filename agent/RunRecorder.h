@@ -25,7 +25,7 @@
 
 namespace Agent {
 
-class Recorder {
+class RunRecorder {
   public:
     // What is recorded. It outlives the recorder.
     struct Subject {
@@ -39,11 +39,11 @@ class Recorder {
 
     // Begins with the state that is there. Errors: std::logic_error if there is no chip.
     // Preconditions: there is no tracer yet; `file` outlives the recorder.
-    Recorder(Subject const& subject, Scenario::RecordingFile& file);
-    Recorder(Recorder const&) = delete;
-    Recorder& operator=(Recorder const&) = delete;
+    RunRecorder(Subject const& subject, Scenario::RecordingFile& file);
+    RunRecorder(RunRecorder const&) = delete;
+    RunRecorder& operator=(RunRecorder const&) = delete;
     // Precondition: there is no tracer any more.
-    ~Recorder();
+    ~RunRecorder();
 
     // The phase-0 data that the tracer is to be given.
     Vanta::Ptr<VynSdk::Phase0DataIntf> phase0Data() const { return phase0_; }
@@ -73,8 +73,8 @@ class Recorder {
     Vanta::Ptr<RecordedPhase0> phase0_;
     std::uint64_t digestTurn_ = 0;  // the latest turn that read a digest
     bool running_ = false;          // there is a tracer
-    Vanta::LastStep const lastStep_ = Vanta::LastStep::to<&Recorder::processEnds>(this);
-    Vanta::Tap const tap_ = Vanta::Tap::to<&Recorder::published>(this);
+    Vanta::LastStep const lastStep_ = Vanta::LastStep::to<&RunRecorder::processEnds>(this);
+    Vanta::Tap const tap_ = Vanta::Tap::to<&RunRecorder::published>(this);
 };
 
 }  // namespace Agent
