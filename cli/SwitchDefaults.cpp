@@ -20,7 +20,7 @@ Interface const* logical(SwitchModel const& model, Plexa::IntfId const& ingress)
 }
 
 // The VLAN and interfaces of the switch that a frame with given tags belongs to.
-struct Place {
+struct IngressDomain {
     std::uint16_t vlan = 0;         // 0 where it is not bridged
     Interface const* at = nullptr;  // its ingress in the FDB; null for none
     Interface const* l3 = nullptr;  // the interface that routes it; null for none
@@ -34,11 +34,12 @@ Interface const* subInterface(SwitchModel const& model, Interface const& parent,
     return found != model.interfaces.end() ? &*found : nullptr;
 }
 
-Place bridgedIn(SwitchModel const& model, std::uint16_t vlan, Interface const& at) {
+IngressDomain bridgedIn(SwitchModel const& model, std::uint16_t vlan, Interface const& at) {
     return {vlan, &at, model.interface(Plexa::VlanIntfId::vlanIdToIntfId(vlan))};
 }
 
-Place placeOf(SwitchModel const& model, Plexa::IntfId const& ingress, PacketFields const& fields) {
+IngressDomain ingressDomainOf(SwitchModel const& model, Plexa::IntfId const& ingress,
+                              PacketFields const& fields) {
     Interface const* intf = logical(model, ingress);
     std::uint16_t const tag = fields.tags.empty() ? 0 : fields.tags.front().vlan;
     if (intf == nullptr) {
@@ -52,13 +53,13 @@ Place placeOf(SwitchModel const& model, Plexa::IntfId const& ingress, PacketFiel
     }
     bool const isBridged = Plexa::SubIntfId::isSubIntfId(intf->id) && intf->vlan != 0;
     return isBridged ? bridgedIn(model, intf->vlan, *intf)
-                     : Place{0, intf, intf->routing ? intf : nullptr};
+                     : IngressDomain{0, intf, intf->routing ? intf : nullptr};
 }
 
-bool isBehind(SwitchModel const& model, Place const& place, Net::MacAddress mac) {
-    return place.vlan == 0 ||
+bool isBehind(SwitchModel const& model, IngressDomain const& domain, Net::MacAddress mac) {
+    return domain.vlan == 0 ||
            std::ranges::any_of(model.fdb, [&](SwitchFile::FdbEntry const& entry) {
-               return entry.vlan == place.vlan && entry.mac == mac && entry.intf == place.at->id;
+               return entry.vlan == domain.vlan && entry.mac == mac && entry.intf == domain.at->id;
            });
 }
 
@@ -77,20 +78,20 @@ void hintNeighbour(PacketHints& hints, SwitchFile::Neighbour const& known) {
 }
 
 // The first neighbour behind the ingress interface, with its addresses of both families.
-void hintKnownHost(PacketHints& hints, SwitchModel const& model, Place const& place) {
+void hintKnownHost(PacketHints& hints, SwitchModel const& model, IngressDomain const& domain) {
     std::optional<Net::MacAddress> host;
     for (SwitchFile::Neighbour const& known : model.neighbours) {
-        bool const isHost = host ? known.mac == *host : isBehind(model, place, known.mac);
-        if (known.intf == place.l3->id && isHost) {
+        bool const isHost = host ? known.mac == *host : isBehind(model, domain, known.mac);
+        if (known.intf == domain.l3->id && isHost) {
             host = known.mac;
             hintNeighbour(hints, known);
         }
     }
 }
 
-void hintStation(PacketHints& hints, SwitchModel const& model, Place const& place) {
+void hintStation(PacketHints& hints, SwitchModel const& model, IngressDomain const& domain) {
     auto const station = std::ranges::find_if(model.fdb, [&](SwitchFile::FdbEntry const& entry) {
-        return entry.vlan == place.vlan && entry.intf == place.at->id;
+        return entry.vlan == domain.vlan && entry.intf == domain.at->id;
     });
     if (!hints.hostMac && station != model.fdb.end()) {
         hints.hostMac = station->mac;
@@ -169,17 +170,17 @@ std::optional<VlanTag> neededTag(SwitchModel const& model, Plexa::IntfId const& 
 PacketHints packetHints(SwitchModel const& model, Plexa::IntfId const& ingress,
                         PacketFields const& fields) {
     PacketHints hints;
-    Place const place = placeOf(model, ingress, fields);
-    bool const routes = place.l3 != nullptr && place.l3->routing;
+    IngressDomain const domain = ingressDomainOf(model, ingress, fields);
+    bool const routes = domain.l3 != nullptr && domain.l3->routing;
     if (routes) {
-        hintKnownHost(hints, model, place);
-        hints.routerMac = nextHopMac(model, *place.l3, fields);
+        hintKnownHost(hints, model, domain);
+        hints.routerMac = nextHopMac(model, *domain.l3, fields);
     }
-    if (place.vlan != 0) {
-        hintStation(hints, model, place);
+    if (domain.vlan != 0) {
+        hintStation(hints, model, domain);
     }
     if (routes) {
-        hintFreeAddresses(hints, *place.l3);
+        hintFreeAddresses(hints, *domain.l3);
     }
     return hints;
 }

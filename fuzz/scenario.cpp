@@ -53,13 +53,13 @@ class Harmless {
                e.attribute != Do::RequestAttribute::raw;
     }
     bool operator()(Do::Port const& e) {
-        std::pair const place(e.pipe, e.port);
-        return ports_.emplace(e.intf, place).first->second == place;
+        std::pair const portInfo(e.pipe, e.port);
+        return ports_.emplace(e.intf, portInfo).first->second == portInfo;
     }
 
     // Harmful: digests with impossible values, or that leave the stream out of step.
     bool operator()(Do::Digest const& e) {
-        constexpr std::size_t most = 4096 / SdkSeam::digestEntryBytes;
+        constexpr std::size_t most = SdkSeam::maxMessageEntries;
         bool good = e.entries.size() <= most;
         for (auto const& entry : e.entries) {
             bool const floods = entry.egrPort == 456 || entry.egrPort == 511;

@@ -55,7 +55,7 @@ class Builder final : public nlohmann::json_sax<nlohmann::json> {
 
   private:
     // Where the next value is stored.
-    LineValue& place() {
+    LineValue& nextValue() {
         if (open_.empty()) {
             return root_;
         }
@@ -65,14 +65,14 @@ class Builder final : public nlohmann::json_sax<nlohmann::json> {
         return std::get<LineValue::List>(open_.back()->value).emplace_back();
     }
     bool put(LineValue value) {
-        place() = std::move(value);
+        nextValue() = std::move(value);
         return true;
     }
     bool start(LineValue value) {
         if (open_.size() == deepest) {
             throw Refusal("nothing is nested as deeply as this");
         }
-        LineValue& started = place();
+        LineValue& started = nextValue();
         started = std::move(value);
         open_.push_back(&started);
         return true;
