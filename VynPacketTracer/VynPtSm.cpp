@@ -190,9 +190,12 @@ Vanta::Ptr<PktGenSm> PacketTracerSm::pktGenSmIs(
     if (pktGenSm_ && pktGenSm_->arguments() == args) {
         return pktGenSm_;
     }
-    pktGenSm_ = PktGenSm::PktGenSmIs(args);
-    pktGenSm_->hasNotificationActiveIs(true);
-    return pktGenSm_;
+    auto const engine = PktGenSm::PktGenSmIs(args);
+    // The engine before it may take the last reference to its jobs and answers along: a subscriber
+    // that hears of their removal may remove the new one.
+    pktGenSm_ = engine;
+    engine->hasNotificationActiveIs(true);
+    return engine;
 }
 
 Vanta::Ptr<PktGenSm> PacketTracerSm::pktGenSmDel() {

@@ -219,6 +219,15 @@ TEST_F(RunningTracerTest, InitializedAgainWithOtherJobsItRaisesForAClientThatIsT
     EXPECT_THROW(tracer->handleInitialized(), Kel::ReinstantiationError);
 }
 
+TEST_F(RunningTracerTest, ItsNewEngineMayBeRemovedByWhoeverHearsThatTheJobsOfTheOldOneGo) {
+    auto const jobs = tracer->pktGenCfg().get();
+    jobs->cfgIs(id("noc", 1), {}, {}, {});
+    OnPublication const observer(jobs->publisher(), [&](auto, auto) { tracer->pktGenSmDel(); });
+    tracer->pktGenCfgDel();
+    tracer->handleInitialized();
+    EXPECT_FALSE(tracer->pktGenSm());
+}
+
 TEST_F(RunningTracerTest, ToldOfAClientByHandItHandlesTheClient) {
     Vanta::Subscriber nobody;
     Vanta::String const name("noc");
