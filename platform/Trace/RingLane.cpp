@@ -180,6 +180,27 @@ void OwnRingLane::leaveLostPlace() noexcept {
     ++line_;
 }
 
+// Whether the records behind the one at line_ are the next ones. They are not behind one that a
+// writer has passed over: a record that begins in the ring's last lines ends behind them, and the
+// lines at the ring's beginning then keep the whole records of the round before. Only a reader that
+// has just come may take those for records that it has not read.
+bool OwnRingLane::leadsOn(Word number) const noexcept {
+    if (number_ != head_.first.load(std::memory_order_relaxed) || end_ <= count_) {
+        return true;
+    }
+    RingWords words;
+    Word at = line_;
+    for (; number < known_ && at < line_ + 2 * mostLines; ++number) {
+        auto const& record = recordAt(at);
+        if (record.state.load(std::memory_order_acquire) != number) {
+            return false;
+        }
+        static_cast<void>(words.load(record, number));
+        at += linesOf(words.used());
+    }
+    return true;
+}
+
 // Looks for the next record from line_ on, line by line, and counts those between as lost.
 bool OwnRingLane::find(RingWords& to) noexcept {
     auto const end = head_.end.load(std::memory_order_acquire);
@@ -188,7 +209,7 @@ bool OwnRingLane::find(RingWords& to) noexcept {
     }
     for (; line_ < end_; ++line_) {
         auto const number = recordAt(line_).state.load(std::memory_order_relaxed);
-        if (number >= number_ && number < known_ && load(number, to)) {
+        if (number >= number_ && number < known_ && load(number, to) && leadsOn(number)) {
             lost_ += number - number_;
             number_ = number;
             isInPlace_ = true;

@@ -100,6 +100,7 @@ class OwnRingLane : public RingLane {
   private:
     RingFile::Record const& recordAt(RingFile::Word line) const noexcept;
     bool load(RingFile::Word number, RingWords& to) const noexcept;
+    bool leadsOn(RingFile::Word number) const noexcept;
     void leaveLostPlace() noexcept;
     bool find(RingWords& to) noexcept;
 

@@ -224,6 +224,20 @@ TEST_F(RingSeatTest, ARecordMayBeginInTheLastLineOfItsRing) {
     EXPECT_EQ("short", found.front());
 }
 
+TEST_F(RingSeatTest, LinesThatALongRecordAtTheEndPassedOverAreNotReadAgain) {
+    std::string const name(95, 'n');
+    write("old", smallest - 1);
+    twinlog(handle_, 7, "%s %s", name, name);
+    // The oldest line is now the first of three that still hold old records.
+    write("new", smallest - 3);
+    RingReader reader(path_);
+    auto const found = rest(reader);
+    ASSERT_EQ(smallest - 3, found.size());
+    EXPECT_EQ("new", found.front().text);
+    EXPECT_EQ(smallest, reader.lost());
+    EXPECT_EQ(0u, reader.damaged());
+}
+
 TEST_F(RingSeatTest, RecordsOfAnyLengthAreFoundAgainWhereverTheRingBegins) {
     std::string const name(190, 'n');
     for (unsigned written = 1; written < 500; ++written) {
