@@ -149,6 +149,7 @@ void Logbook::presence(Node const* collection, std::string_view what, RequestId 
                            {PktGenStatusData::routedAttribute, "routed false"},
                            {PktGenStatusData::droppedAttribute, "dropped false"}};
     } else if (auto const* result = dynamic_cast<Result const*>(entry)) {
+        addedResults_.insert(id);
         values_[result] = {{Result::stateAttribute, "state 0"},
                            {Result::validAttribute, "valid false"},
                            {Result::egressIntfAttribute, ""}};

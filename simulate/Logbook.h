@@ -45,6 +45,10 @@ class Logbook {
     std::vector<std::string> const& log() const { return log_; }
     std::vector<std::string> takeLog() { return std::exchange(log_, {}); }
     Wire& wire() { return wire_; }
+    // The results whose addition was published since this was called last.
+    std::set<PacketTracer::RequestId> takeAddedResults() {
+        return std::exchange(addedResults_, {});
+    }
 
     // Whether a trace statement of the tracer is a breach, because there should be no tracer.
     void silenceIs(bool silence) { silence_ = silence; }
@@ -79,6 +83,7 @@ class Logbook {
 
     std::vector<std::string> log_;
     Wire wire_;
+    std::set<PacketTracer::RequestId> addedResults_;
     bool silence_ = true;
     std::optional<Breach> breach_;
     std::map<Node const*, std::set<PacketTracer::RequestId>> present_;  // by collection

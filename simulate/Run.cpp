@@ -118,7 +118,7 @@ std::optional<Breach> Run::check() {
     if (auto const breach = world_->unpublished()) {
         return breach;
     }
-    if (auto const breach = world_->shrunkenResults(happened)) {
+    if (auto const breach = world_->shrunkenResults(world_->logbook().takeAddedResults())) {
         return breach;
     }
     if (world_->nodes() != model_.nodes()) {

@@ -272,7 +272,7 @@ std::optional<Breach> World::unpublished() const {
                                 tracer() ? tracer()->pktGenStatus().get() : nullptr, results);
 }
 
-std::optional<Breach> World::shrunkenResults(std::vector<std::string> const& log) {
+std::optional<Breach> World::shrunkenResults(std::set<RequestId> const& added) {
     std::map<std::string, std::set<std::string>> now;
     std::optional<Breach> breach;
     for (auto const& [client, hand] : hands_) {
@@ -285,9 +285,8 @@ std::optional<Breach> World::shrunkenResults(std::vector<std::string> const& log
             for (auto const& found : entry.value->egressIntf()) {
                 entries.insert(joined(found.key.physicalIntf(), ",", found.key.logicalIntf()));
             }
-            bool const isNew = std::ranges::find(log, "result add " + id) != log.end();
             auto const before = seen_.find(id);
-            if (!isNew && before != seen_.end() &&
+            if (!added.contains(entry.key) && before != seen_.end() &&
                 !std::ranges::includes(entries, before->second)) {
                 breach = {"results", "the result " + id + " lost an entry"};
             }

@@ -56,8 +56,8 @@ class World {
     // Changes that nobody published.
     std::optional<Breach> unpublished() const;
     // Finds entries that were removed from a result that is still there; remembers what is there.
-    // Precondition: called after every event, with the lines that were written during it.
-    std::optional<Breach> shrunkenResults(std::vector<std::string> const& log);
+    // Precondition: called after every event, with the results that were added during it.
+    std::optional<Breach> shrunkenResults(std::set<PacketTracer::RequestId> const& added);
 
   private:
     struct Hand {

@@ -121,7 +121,7 @@ TEST_F(WorldTest, AfterTheStopTheChipHasNobodyToCall) {
 TEST_F(WorldTest, AResultThatLosesAnEntryIsABreach) {
     world.carryOut(ChipStep());
     world.carryOut(Do::Turn());
-    EXPECT_FALSE(world.shrunkenResults(world.logbook().log()));
+    EXPECT_FALSE(world.shrunkenResults(world.logbook().takeAddedResults()));
     world.carryOut(Do::RequestDel{{"A", 1}});
     world.carryOut(Do::Result{{"A", 1}});
     auto const breach = world.shrunkenResults({});
