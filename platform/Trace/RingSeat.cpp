@@ -12,8 +12,9 @@ namespace {
 
 struct EndOfThread {
     ~EndOfThread() {
-        RingSeats::giveBack();
+        // First: a signal handler that traces from here on must take no ring any more.
         RingSeat::ofThread.hasEnded = true;
+        RingSeats::giveBack();
     }
     // Makes sure that the destructor will run.
     void expect() const noexcept { std::atomic_signal_fence(std::memory_order_relaxed); }

@@ -277,7 +277,14 @@ void RingWriter::write(Handle const& handle, unsigned level, char const* format,
 
 void RingWriter::writeWithoutSeat(Handle const& handle, unsigned level, char const* format,
                                   std::span<Value const> values) {
-    if (!RingSeat::ofThread.isInStatement && seats_.take()) {
+    auto& seat = RingSeat::ofThread;
+    bool taken = false;
+    if (!seat.isInStatement) {
+        // A signal handler that traces meanwhile must not take a ring as well.
+        InStatement const inside(seat);
+        taken = seats_.take();
+    }
+    if (taken) {
         return write(handle, level, format, values);
     }
     writeShared(handle, level, format, values);

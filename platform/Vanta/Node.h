@@ -50,7 +50,8 @@ class VYN_EXPORT Node {
         }
     }
 
-    // References held at this moment, for tests and diagnosis.
+    // References held at this moment. Who knows which of them are its own can tell by it whether
+    // anybody else holds the object. Thread: that of the object.
     std::uint32_t refCount() const noexcept { return count_; }
 
     // Makes counts atomic from now on. It cannot be switched off again.
