@@ -24,7 +24,8 @@
 // Switched off it hears of nothing, and switched on again it does not catch up: what changed
 // meanwhile is handled when it changes again, or by handleRequests().
 //
-// Thread: the event thread, for everything here.
+// What an operation publishes may release the object, so whoever calls one holds the object meanwhile;
+// the reactors do. Thread: the event thread, for everything here.
 #pragma once
 
 #include <cstdint>

@@ -140,7 +140,8 @@ class VYN_EXPORT PktGenSm final : public Kel::Object {
     // Deletes the job's answer and switches the generator off.
     void processError();
 
-    // ---- Set-up and clean-up. The constructor and the destructor do all of it.
+    // ---- Set-up and clean-up. The constructor and the destructor do all of it. What is made here or
+    // by taskIs() is connected to its reactor, also while notifications are switched off.
 
     // Sets the engine up, once: a second call only traces that it was made.
     void handleInitialized();

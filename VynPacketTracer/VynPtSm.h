@@ -20,7 +20,8 @@
 //   an answer came or became ready   by handlePktGenStatus() alone: what came has no watcher
 //   an answer went                   by localStatusDel() alone: it keeps its watcher
 //
-// Thread: the event thread, for everything here.
+// What an operation publishes may release the object, so whoever calls one holds the object meanwhile;
+// the reactors do. Thread: the event thread, for everything here.
 #pragma once
 
 #include <cstdint>
