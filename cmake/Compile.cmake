@@ -10,8 +10,7 @@ add_library(VynCompile INTERFACE)
 target_compile_options(VynCompile INTERFACE
     -Wall -Wextra -Wpedantic -Wshadow -Wnon-virtual-dtor -Woverloaded-virtual -Wcast-qual -Werror)
 # Where g++ 12 is wrong: a frame that lists itself in an object and leaves the list again is no
-# dangling pointer, joining strings does not overlap, sanitizers hide what is initialised, and that of
-# threads hides how long a joined string is.
+# dangling pointer, joining strings does not overlap, and sanitizers hide what is initialised.
 if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_compile_options(VynCompile INTERFACE -Wno-dangling-pointer -Wno-restrict)
     # Nobody is meant to replace a function of a shared library, so calls inside one need no detour,
@@ -20,9 +19,6 @@ if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU")
     target_link_options(VynCompile INTERFACE -Wl,-Bsymbolic-functions)
     if(VYN_SANITIZE)
         target_compile_options(VynCompile INTERFACE -Wno-maybe-uninitialized)
-    endif()
-    if(VYN_SANITIZE STREQUAL "thread")
-        target_compile_options(VynCompile INTERFACE -Wno-array-bounds)
     endif()
 else()
     # What g++ does by itself: memory may be given back together with its size.
