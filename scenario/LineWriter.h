@@ -57,6 +57,7 @@ class LineWriter {
     }
 
     static Json json(std::integral auto value) { return value; }
+    static Json json(std::string_view text) { return text; }
     static Json json(Vanta::String const& text) { return text.view(); }
     static Json json(Vanta::Bytes const& bytes) { return Vanta::hexText(bytes.view()); }
     static Json json(Bridging::VlanId id) { return id.value(); }
