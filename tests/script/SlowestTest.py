@@ -49,6 +49,10 @@ class SlowestTest(unittest.TestCase):
             ["release: 0 s in 0 files, 10 s in 2 tests", "     9.2  simulate.seeds", "     0.5  Kel.Dir.Has"],
         )
 
+    def testPassesOverTheNamesOfTestsThatFailed(self):
+        self.write("Testing/Temporary/CTestCostData.txt", "Kel.Dir.Has 1 0.5\n---\na name of three\n")
+        self.assertEqual(self.lines()[1:], ["     0.5  Kel.Dir.Has"])
+
     def testShowsAsManyRowsAsAreAskedFor(self):
         self.compiled(*((0, n, f"a/CMakeFiles/A.dir/B{n}.cpp.o") for n in range(1000, 9000, 1000)))
         self.assertEqual(len(self.lines()), 1 + 5)
